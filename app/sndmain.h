@@ -1,0 +1,196 @@
+// The main window as data: one record of all that the user can see or lose. Lengths are twips (1/1440 inch).
+// Commands read and write this record; the Windows layer shows what differs from what it showed last.
+#pragma once
+
+#include "app/commands.h"
+#include "link/link_state.h"
+#include "platform/file_dialogs.h"
+#include "platform/link_library.h"
+#include "platform/screen.h"
+#include "preview/timing_tables.h"
+#include "score/score.h"
+#include "view/cell_text.h"
+#include "view/keyboard.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tonex {
+
+inline constexpr int kStripPictures = 30;
+inline constexpr int kGridColumnsShown = 30; ///< columns that the grid shows at once
+inline constexpr int kLengthButtons = 40;
+inline constexpr std::uint32_t kWhiteKeyColour = 0xFFFFFF;
+inline constexpr std::uint32_t kBlackKeyColour = 0x000000;
+inline constexpr std::uint32_t kPressedKeyColour = 0x3D8BD4; ///< red, green, blue from the highest byte down
+
+struct Rect {
+    int Left = 0, Top = 0, Width = 0, Height = 0;
+    bool operator==(const Rect&) const = default;
+};
+
+/// A horizontal staff line.
+struct Line {
+    int X1 = 0, X2 = 0, Y = 0;
+    bool operator==(const Line&) const = default;
+};
+
+/// A note picture of the strip. Left and Top are relative to the staff panel.
+struct NoteImage {
+    Rect place;
+    std::int16_t Picture = 0; ///< 1 to 58 in ImlNote; 0 = none
+    bool Sharp = false;       ///< a sharp sign stands beside the head
+    bool Stretch = false;
+    bool Visible = false;
+    bool operator==(const NoteImage&) const = default;
+};
+
+struct LengthButton {
+    Rect place;
+    std::int16_t Picture = 0; ///< 1 to 40 normal, 41 to 80 chosen (code + 40)
+    std::int16_t TabIndex = 0;
+    bool operator==(const LengthButton&) const = default;
+};
+
+struct PianoKeyControl {
+    Rect place;
+    std::uint32_t BackColor = kWhiteKeyColour;
+    std::int16_t TabIndex = 0;
+    bool operator==(const PianoKeyControl&) const = default;
+};
+
+struct KeyLabel {
+    Rect place;
+    CellText Caption;
+    bool operator==(const KeyLabel&) const = default;
+};
+
+/// The one-row score grid. Column index = slot index.
+struct ScoreGrid {
+    Rect place;
+    int Cols = 1;    ///< columns it has, the end column included; 509 when the score is full
+    int Col = 0;     ///< current column, the cursor
+    int ColSel = 0;  ///< far end of the selection; equal to Col when no range is selected
+    int LeftCol = 0; ///< first visible column
+    std::array<std::int16_t, kSlots> ColWidth{}; ///< twips
+    std::array<CellText, kSlots> Text{};
+    bool Redraw = true; ///< off while a command changes many cells
+};
+
+struct TempoBox {
+    Rect place;
+    std::wstring Text;
+    std::vector<std::wstring> List;
+    int ListIndex = -1; ///< -1 = none selected
+};
+
+struct Label {
+    Rect place;
+    std::wstring Caption;
+};
+
+struct MenuState {
+    bool Enabled = true;
+    bool Checked = false;
+    bool operator==(const MenuState&) const = default;
+};
+
+/// The window with the moving bar while a melody is converted.
+struct ConvertWindow {
+    bool Loaded = false;
+    int Left = 0, Top = 0, Width = 5400, Height = 1950; ///< on the screen
+    int Min = 0, Max = 100, Value = 0;                  ///< of the bar
+    bool operator==(const ConvertWindow&) const = default;
+};
+
+/// The document: where the score lives.
+struct Document {
+    std::wstring current_path;        ///< full path; empty for an untitled score
+    std::int16_t location_flag = 1;   ///< 1 = a PC file, any other value = a device file
+    bool upload_requested = false;    ///< the next save writes a temporary file and uploads it
+    std::wstring device_path;         ///< device-side path of the last device file saved
+    FileDialog ComOpen;
+    FileDialog ComSave;
+};
+
+/// A whole score and view, as the one level of Undo keeps it.
+struct UndoCopy {
+    std::array<Entry, kSlots> sound{};
+    std::int16_t current_length = 11;
+    std::int16_t end_count = 1;
+    std::int16_t first_shown = 0;
+    std::int16_t strip_cursor = 0;
+    std::int16_t LeftCol = 0, Col = 0, ColSel = 0;
+};
+
+struct Clipboard {
+    std::vector<Entry> columns;
+    bool filled = false; ///< set by Copy, never cleared
+};
+
+struct sndmain {
+    // What the user would lose.
+    Score score;
+    Document document;
+    UndoCopy undo;
+    Clipboard clipboard;
+
+    // Values that several rooms share.
+    TimingTables tables;
+    std::array<TempoRange, 8> tempo_ranges{};
+    ScreenMeasures screen;
+    bool doremi = false;                  ///< note names as do-re-mi
+    std::int16_t StaffOffset = 0;         ///< twips added to every staff position
+    std::int16_t KeyboardBaseOctave = 4;  ///< printed on the leftmost group of piano keys
+    std::int16_t current_length = 11;     ///< entry code 1 to 20 that a key click gives to a new note
+    std::int16_t standard_col_width = 390; ///< of a grid column, twips
+    int rounding_toggle = 0;
+    bool preview_busy = false;
+    bool second_copy = false; ///< this copy only hands over to the first
+    LinkState link;
+    LinkLibrary library{};
+
+    // The window and its controls.
+    std::wstring Caption;
+    bool Enabled = true;
+    int ClientWidth = 0, ClientHeight = 0; ///< twips
+    Rect picStaff;                         ///< the staff panel; the strip's coordinates start at its corner
+    std::array<Line, 5> Line1{};           ///< the staff's lines from the top down
+    std::array<Line, 10> linSub{};         ///< their ends: 0 to 4 left of the strip from the top down, 5 to 9
+                                           ///< right of it from the bottom up
+    std::array<NoteImage, kStripPictures> imgNote{};
+    ScoreGrid grdScore;
+    std::array<LengthButton, kLengthButtons> cbtNote{}; ///< by LengthButtonSlot
+    NoteImage imgNow;                                   ///< the current length
+    TempoBox TempoCombo;
+    Label lblTempo; ///< the classical name
+    Label Label2;   ///< "Tempo"
+    std::array<PianoKeyControl, kWhiteKeys> kenWhite{};
+    std::array<PianoKeyControl, kBlackKeys> kenBlack{};
+    std::array<KeyLabel, kWhiteKeys> lblWNote{};
+    std::array<KeyLabel, kBlackKeys> lblBNote{};
+    std::array<MenuState, kMenuItems> menu{};
+    std::array<bool, kToolButtons> toolbar_enabled{};
+    ConvertWindow FrmWavConvert;
+
+    // What ShowPressedKey highlighted last.
+    std::int16_t highlighted_button = 0; ///< index 1 to 20 or 101 to 120; 0 = none
+    std::optional<PianoKey> highlighted_key;
+
+    sndmain() { toolbar_enabled.fill(true); }
+
+    MenuState& item(MenuItem which) { return menu[static_cast<std::size_t>(which)]; }
+    const MenuState& item(MenuItem which) const { return menu[static_cast<std::size_t>(which)]; }
+};
+
+/// Place in cbtNote of a note-length button's index: 1 to 20 give 0 to 19, 101 to 120 give 20 to 39.
+constexpr int LengthButtonSlot(int index) { return index <= 20 ? index - 1 : index - 81; }
+/// The index of the button at a place in cbtNote.
+constexpr int LengthButtonIndex(int slot) { return slot < 20 ? slot + 1 : slot + 81; }
+/// Whether more than one column is selected.
+constexpr bool RangeSelected(const ScoreGrid& grid) { return grid.Col != grid.ColSel; }
+
+} // namespace tonex

@@ -1,0 +1,1 @@
+#include "link/device_commands.h"

@@ -1,0 +1,21 @@
+// The device's side of the File menu, the last document at start-up, disconnection.
+#pragma once
+
+#include <string>
+
+namespace tonex {
+
+struct sndmain;
+
+void mnuFileOpenZ730_Click(sndmain& window);
+void mnuFileOverWriteZ730_Click(sndmain& window);
+void mnuFileSaveWithNameZ730_Click(sndmain& window);
+void Disconnection_Click(sndmain& window);
+/// Reads the last document of a settings section into the record. True when a file is to be opened.
+bool ReopenLastFile(sndmain& window, const std::wstring& section);
+/// Calls the library's disconnect; true when the window may close.
+bool Disconnect(sndmain& window);
+/// Hands a file to the device at the document's device path. False when the library refuses.
+bool UploadFile(sndmain& window, const std::wstring& file_path);
+
+} // namespace tonex

@@ -1,0 +1,27 @@
+// Finding the link software's folders, and telling PC files from device files.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tonex {
+
+struct sndmain;
+
+/// The installation folder from the current user's registry, without a trailing backslash; nothing when the
+/// key or the value is missing or empty (the program then ends without a message).
+std::optional<std::wstring> GetInstallDir();
+/// The terminator rule by which the registry's text is cut: `buffer` as queried, `size` as reported.
+std::wstring TrimRegistryText(const std::wstring& buffer, std::uint32_t size);
+/// Fallback for the PC sound folder; warns once when neither folder is there.
+void ResolveUserSoundDir(const std::wstring& install, std::wstring& pc_sound_dir,
+                         const std::wstring& cache_sound_dir, bool& show_message);
+void ShowLinkSoftwareMissing();
+/// Sets the path variables, the dialogs' start folders and the link library table. False: end the program.
+bool DiscoverLinkSoftware(sndmain& window);
+/// Strips quotes from the path, classifies it (1 = PC file, 0 = device file), and keeps its folder when that
+/// exists and the file is a device file.
+void RememberFolderOfFile(sndmain& window, std::wstring& path, std::wstring& folder, std::int16_t& is_on_pc);
+
+} // namespace tonex

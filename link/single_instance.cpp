@@ -1,0 +1,1 @@
+#include "link/single_instance.h"

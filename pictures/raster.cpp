@@ -1,0 +1,1 @@
+#include "pictures/raster.h"

@@ -1,0 +1,44 @@
+// What commands ask of the window around them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tonex {
+
+/// The platform's placement of a window, in screen pixels. Show states: 1 normal, 2 minimised, 3 maximised.
+struct WindowPlacement {
+    int flags = 0;
+    int show_state = 1;
+    int min_x = 0, min_y = 0, max_x = 0, max_y = 0;
+    int left = 0, top = 0, right = 0, bottom = 0; ///< normal rectangle
+};
+
+/// Reads the main window's placement. False when the system refuses.
+bool GetMainWindowPlacement(WindowPlacement& placement);
+/// Applies a placement to the main window, moved onto a screen when it lies outside all of them. False when
+/// the system refuses.
+bool SetMainWindowPlacement(const WindowPlacement& placement);
+
+/// Brings the main window to the foreground.
+void BringMainWindowToForeground();
+/// Gives the keyboard to the score grid.
+void FocusScoreGrid();
+/// Asks the main window to close, as its close box does.
+void CloseMainWindow();
+/// Opens the Edit menu at the pointer and runs what is chosen.
+void PopUpEditMenu();
+
+/// Shows the About window and waits until it is closed.
+void ShowAboutWindow();
+/// Shows the transfer reminder and waits until it is closed. True when its check box was ticked.
+bool ShowTransferReminder();
+
+/// Opens a help file with a help command and key. False when the system has no reader or no such file.
+bool OpenHelpFile(const std::wstring& path, std::uint32_t command, const std::wstring& key);
+/// Opens the HTML guide beside the program. False when it can not.
+bool OpenHelpGuide();
+/// The folder the program was started from, without a backslash at its end.
+std::wstring ProgramFolder();
+
+} // namespace tonex

@@ -1,0 +1,30 @@
+// Starting a sound player and waiting for it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tonex {
+
+inline constexpr std::uint32_t kStillActive = 259; ///< exit code of a process that has not ended
+
+/// A process handle as the system counts them; 0 = none.
+using ProcessHandle = std::uintptr_t;
+
+/// Starts a command line in a normal, focused window and gives the process identifier, 0 when it can not.
+std::uint32_t StartCommandLine(const std::wstring& command_line);
+
+/// Opens a process for query-information access; 0 when it can not.
+ProcessHandle OpenProcessForQuery(std::uint32_t process_id);
+
+/// Starts a document with a verb, the main window as parent, asking for the process handle.
+/// True when the system took the document; `process` may still be 0 when no new process was made.
+bool StartDocument(const std::wstring& path, const std::wstring& verb, ProcessHandle& process);
+
+/// The exit code, kStillActive while the process runs.
+std::uint32_t ExitCodeOf(ProcessHandle process);
+
+/// Gives the handle back.
+void CloseProcess(ProcessHandle process);
+
+} // namespace tonex

@@ -1,0 +1,1 @@
+#include "preview/synthesis.h"

@@ -1,0 +1,1 @@
+#include "preview/timing_tables.h"

@@ -1,0 +1,1 @@
+#include "preview/wav_file.h"

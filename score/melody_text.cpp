@@ -1,0 +1,1 @@
+#include "score/melody_text.h"

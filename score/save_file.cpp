@@ -1,0 +1,1 @@
+#include "score/save_file.h"

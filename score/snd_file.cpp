@@ -1,0 +1,1 @@
+#include "score/snd_file.h"

@@ -1,0 +1,1 @@
+#include "view/edit_commands.h"

@@ -1,0 +1,1 @@
+#include "view/note_entry.h"

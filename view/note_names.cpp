@@ -1,0 +1,1 @@
+#include "view/note_names.h"

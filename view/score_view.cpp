@@ -1,0 +1,1 @@
+#include "view/score_view.h"

@@ -1,0 +1,1 @@
+#include "view/tempo_box.h"
