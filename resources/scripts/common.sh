@@ -1,0 +1,171 @@
+# Shared by ./run, ./test and bench/run: packages, builds, Wine prefixes, the virtual screen.
+# The caller has set `root` to the project's folder and runs under `set -u`.
+
+logs="$root/build/logs"
+mkdir -p "$logs"
+umask 022
+
+say() { printf '%s\n' "$*"; }
+
+# fail LINE [LOG]: says what went wrong, with the end of the log.
+fail() {
+    printf '%s\n' "$1" >&2
+    if [ -n "${2:-}" ] && [ -f "$2" ]; then
+        tail -n 40 "$2" >&2
+        printf '(whole log: %s)\n' "${2#"$root"/}" >&2
+    fi
+}
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# What building, running and testing need on Debian 12.
+packages="cmake ninja-build g++ g++-mingw-w64-i686-win32 googletest libgtest-dev libbenchmark-dev libcli11-dev
+nlohmann-json3-dev wine wine32:i386 fonts-vlgothic fonts-wine locales xvfb openbox imagemagick python3
+python3-pytest python3-xlib python3-pil libasound2-plugins:i386 sox strace procps"
+
+missing_packages() {
+    # One query for all; a package that was never heard of has no line.
+    local installed name
+    installed=$(dpkg-query -W -f '${Package}:${Architecture}:${db:Status-Status}\n' 2>/dev/null \
+        | sed -n 's/:installed$//p')
+    for name in $packages; do
+        case $name in
+        *:*) ;;
+        *) name="$name:" ;;
+        esac
+        case "
+$installed" in
+        *"
+$name"*) ;;
+        *) printf '%s ' "${name%:}" ;;
+        esac
+    done
+}
+
+install_packages() {
+    local missing log="$logs/packages.log"
+    missing=$(missing_packages)
+    [ -z "$missing" ] && return 0
+    say "Installing packages: $missing"
+    : >"$log"
+    case " $missing" in
+    *:i386*)
+        if ! dpkg --print-foreign-architectures | grep -qx i386; then
+            as_root dpkg --add-architecture i386 >>"$log" 2>&1
+        fi
+        ;;
+    esac
+    # A package source that is out of reach makes update fail while the others are good: install tells.
+    as_root apt-get -q update >>"$log" 2>&1 || true
+    # One release for both architectures: the 32-bit libraries must have the version of the 64-bit ones.
+    # shellcheck disable=SC2086
+    if ! as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends install \
+        $missing >>"$log" 2>&1 &&
+        ! as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends --allow-downgrades \
+            -t bookworm install $missing >>"$log" 2>&1; then
+        fail "The packages could not be installed." "$log"
+        return 1
+    fi
+}
+
+# build PRESET TARGET…: configures once and builds quietly.
+build() {
+    local preset=$1 log="$logs/build-$1.log"
+    shift
+    if [ ! -f "$root/build/$preset/build.ninja" ]; then
+        if ! (cd "$root" && cmake --preset "$preset") >"$log" 2>&1; then
+            fail "Configuring $preset failed." "$log"
+            return 1
+        fi
+    fi
+    if ! cmake --build "$root/build/$preset" --target "$@" >"$log" 2>&1; then
+        fail "Building $* ($preset) failed." "$log"
+        return 1
+    fi
+}
+
+# has_target PRESET TARGET
+has_target() {
+    [ -f "$root/build/$1/build.ninja" ] || (cd "$root" && cmake --preset "$1") >"$logs/build-$1.log" 2>&1
+    grep -q "^build $2: phony\|^build [^:]*/$2\(\.exe\)\?: " "$root/build/$1/build.ninja"
+}
+
+# Wine, quiet and without the parts that a small program has no use for.
+export WINEARCH=win32 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
+
+# A ready prefix that is only ever copied. Made again when Wine or the settings in it change.
+wine_template() {
+    local template="$root/build/wine-template" fonts="$root/resources/scripts/wine-fonts.reg"
+    local log="$logs/wine-template.log" stamp
+    stamp="$(wine --version 2>/dev/null) $(cksum <"$fonts")"
+    (
+        flock 9
+        [ "$(cat "$template/stamp" 2>/dev/null)" = "$stamp" ] && exit 0
+        say "Preparing Wine (once)"
+        rm -rf "$template" "$template.new"
+        export WINEPREFIX="$template.new"
+        unset DISPLAY
+        {
+            timeout 180 wine wineboot -i && timeout 60 wineserver -w &&
+                timeout 60 wine regedit /S "$fonts" && timeout 60 wineserver -w
+        } >"$log" 2>&1 </dev/null 9>&- || {
+            fail "Wine could not be prepared." "$log"
+            exit 1
+        }
+        # The user's folders point into the home directory; copies keep to themselves.
+        find "$WINEPREFIX/drive_c/users" -type l | while read -r link; do rm "$link" && mkdir "$link"; done
+        printf '%s\n' "$stamp" >"$WINEPREFIX/stamp"
+        mv "$WINEPREFIX" "$template"
+    ) 9>"$root/build/.wine-template.lock"
+}
+
+# new_prefix FOLDER: a fresh copy of the template.
+new_prefix() {
+    wine_template || return 1
+    rm -rf "$1"
+    cp -a "$root/build/wine-template" "$1"
+}
+
+# What the link software's set-up program leaves behind: the registry entry and the folders. For `wine`'s
+# current prefix.
+link_software_entry() {
+    local folder="$WINEPREFIX/drive_c/Program Files/PC Ferry"
+    mkdir -p "$folder/userdata/sound" "$folder/pcferry/cache/System/sound"
+    wine reg add 'HKCU\Software\QMT\Corvane-e\PC' /v InstallDir /d 'C:\Program Files\PC Ferry' /f \
+        >"$logs/registry.log" 2>&1 </dev/null
+}
+
+# Whether the display in DISPLAY answers.
+display_usable() {
+    [ -n "${DISPLAY:-}" ] && timeout 5 /usr/bin/python3 -c 'from Xlib.display import Display; Display()' \
+        >/dev/null 2>&1
+}
+
+# A virtual screen with a window manager; sets DISPLAY and remembers what to end.
+screen_pids=""
+start_screen() {
+    local pipe="$root/build/.display.$$" number=""
+    rm -f "$pipe"
+    mkfifo "$pipe" || return 1
+    Xvfb -displayfd 7 -screen 0 1600x1100x24 -nolisten tcp 7>"$pipe" >"$logs/xvfb.log" 2>&1 &
+    screen_pids="$!"
+    read -r -t 20 number <"$pipe"
+    rm -f "$pipe"
+    if [ -z "$number" ]; then
+        fail "The virtual screen did not start." "$logs/xvfb.log"
+        return 1
+    fi
+    export DISPLAY=":$number"
+    openbox --sm-disable >"$logs/openbox.log" 2>&1 &
+    screen_pids="$! $screen_pids"
+}
+
+stop_screen() {
+    # shellcheck disable=SC2086
+    [ -n "$screen_pids" ] && kill $screen_pids 2>/dev/null
+    # shellcheck disable=SC2086
+    [ -n "$screen_pids" ] && wait $screen_pids 2>/dev/null
+    screen_pids=""
+}
