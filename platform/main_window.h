@@ -20,6 +20,21 @@ bool GetMainWindowPlacement(WindowPlacement& placement);
 /// the system refuses.
 bool SetMainWindowPlacement(const WindowPlacement& placement);
 
+inline constexpr int kBorderFixedSingle = 1;
+inline constexpr int kBorderSizable = 2;
+inline constexpr int kBorderSizableToolWindow = 5;
+/// The main window's border style, one of the constants above: whether the user can change its size.
+int MainWindowBorderStyle();
+
+/// A size in twips.
+struct WindowSize {
+    int width = 0, height = 0;
+};
+/// The main window's outer size in twips.
+WindowSize MainWindowSize();
+/// Moves the main window's upper left corner, in twips of the screen; its size stays.
+void MoveMainWindow(int left, int top);
+
 /// Brings the main window to the foreground.
 void BringMainWindowToForeground();
 /// Gives the keyboard to the score grid.

@@ -36,6 +36,30 @@ struct Window { ///< a top-level window of the window list, in z-order
     bool minimised = false;
 };
 
+/// What the scripted disk throws when it stops the machine in the middle of an operation.
+struct MachineStopped {};
+
+/// The scripted link library: a folder-like organiser whose every answer a test can bend. Text is ANSI.
+struct LinkScript {
+    bool loads = true;             ///< false: LoadLinkLibrary leaves the whole table null
+    std::set<std::string> missing; ///< names of functions that stay null
+    std::string cache_root = "C:\\Link\\pcferry\\cache"; ///< cache path = root + device path
+    std::optional<std::int16_t> conversion_count;        ///< a count to claim instead of the true one
+    std::optional<std::string> conversion_bytes; ///< bytes to write instead (at most 200, no NUL is added)
+    std::deque<std::optional<std::string>> open_choices; ///< device paths; nothing = cancel
+    std::deque<std::optional<std::string>> save_choices;
+    bool dialogs_omit_nul = false;        ///< the dialogs fill what is left of the buffer with '#'
+    std::optional<std::int32_t> exists;   ///< answer of Cor_IsExist; else whether the copy is there
+    std::int32_t get_result = 0;          ///< of Cor_GetFile
+    std::optional<std::string> get_bytes; ///< bytes that Cor_GetFile writes (at most 200, no NUL)
+    std::int32_t put_result = 0;          ///< of Cor_PutFile
+    std::map<std::string, std::vector<std::uint8_t>> uploads; ///< device path -> what was handed over
+    std::vector<std::string> listing;                         ///< names that Cor_DirByExt gives
+    std::optional<std::int32_t> listing_count;                ///< a count to claim instead
+    std::optional<std::string> listing_bytes;                 ///< bytes to write instead
+    std::int16_t disconnect_result = 0;
+};
+
 /// Paths compare without regard to letter case.
 struct PathLess {
     bool operator()(const std::wstring& a, const std::wstring& b) const;
@@ -54,16 +78,24 @@ struct Desktop {
 
     // The disk.
     std::map<std::wstring, File, PathLess> files;
-    std::set<std::wstring, PathLess> folders;
-    int file_operations = 0;   ///< counts every operation of platform/files.h that can fail
-    int fail_at = -1;          ///< the operation with this number (from 0) fails ...
+    std::set<std::wstring, PathLess> folders;          ///< without a backslash at the end
+    std::set<std::wstring, PathLess> refusing_folders; ///< no file can be created in these
+    int file_operations = 0;    ///< counts every operation on files, temporary ones too
+    int fail_at = -1;           ///< the operation with this number (from 0) fails ...
     bool fail_for_good = false; ///< ... and all after it
+    int stop_at = -1; ///< the machine stops at this operation: MachineStopped is thrown, what was not flushed
+                      ///< keeps only half its bytes
+    std::uint32_t unique_number = 0;       ///< UniqueNumber counts it up
     std::optional<std::size_t> disk_space; ///< bytes that can still be written
-    bool in_flight_truncated = true; ///< a file dropped without CloseOutput keeps only half its bytes
+    bool in_flight_truncated = true;       ///< a file dropped without CloseOutput keeps only half its bytes
 
     // Settings, registry, clock, screen, sound.
     std::map<std::wstring, std::wstring> settings; ///< "Corvane\\Tonex\\File1" -> text
     std::map<std::wstring, std::wstring> registry; ///< "Software\\...\\InstallDir" -> raw text with its NUL
+    std::set<std::wstring> registry_keys;          ///< keys that are there without a value
+    std::optional<std::uint32_t> registry_size;    ///< a size to report instead of the true one
+    int open_registry_keys = 0;
+    bool settings_refused = false;
     int wave_outputs = 1;
     int hour = 12, minute = 34, second = 56;
     ScreenMeasures screen;
@@ -76,21 +108,35 @@ struct Desktop {
     bool document_gives_process = true;
     int polls_until_exit = 3; ///< ExitCodeOf gives kStillActive this often; -1 = never ends
     std::uint32_t exit_code = 0;
-    std::function<void()> during_events; ///< runs inside ProcessPendingEvents and WaitForEvents
+    int open_processes = 0;                            ///< handles not given back
+    std::function<void(const std::wstring&)> on_start; ///< sees a command line or document as it is started
+    std::function<void()> during_events;               ///< runs inside ProcessPendingEvents and WaitForEvents
 
     // Windows.
     bool previous_instance = false;
     std::vector<Window> windows; ///< WindowId = index + 1
     std::optional<WindowPlacement> placement = WindowPlacement{};
     bool placement_accepted = true;
+    int border_style = 2;
+    int window_width = 12000, window_height = 8000; ///< of the main window, twips
+    int window_left = 0, window_top = 0;            ///< where MoveMainWindow put it, twips
+    std::wstring program_folder = L"C:\\Program Files\\Tonex";
     bool reminder_ticked = false;
     bool help_opens = true;
+    bool guide_opens = true;
+
+    LinkScript link;
+    std::map<wchar_t, std::string> ansi_pairs; ///< double-byte characters met so far
 };
 
 /// A fresh desktop; every test starts with it.
 Desktop& Reset();
 /// The desktop in use.
 Desktop& Current();
+/// Puts the link software on the desktop: its registry entry (C:\Link\), its folders.
+void InstallLinkSoftware();
+/// UTF-8, as the log writes texts.
+std::string Utf8(const std::wstring& text);
 /// Whether the log has a line that begins with the text.
 bool Asked(const std::string& beginning);
 
