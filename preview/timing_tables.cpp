@@ -1,1 +1,241 @@
 #include "preview/timing_tables.h"
+
+#include "score/int16.h"
+
+#include <cmath>
+
+namespace tonex {
+
+// The last range is much wider than the others, kept as it is.
+const std::array<TempoRange, 8> kTempoRanges = {{
+    {L"Largo", 40, 50},
+    {L"Lento", 50, 58},
+    {L"Adagio", 58, 67},
+    {L"Andante", 67, 81},
+    {L"Moderato", 81, 102},
+    {L"Allegro", 102, 138},
+    {L"Vivace", 138, 167},
+    {L"Presto", 167, 320},
+}};
+
+namespace {
+
+constexpr std::int16_t kSlowestListed = 30;
+constexpr std::int16_t kDefaultTempo = 120;
+
+/// A timing mode: a whole note has a * b time units.
+struct ModeFactors {
+    float a;
+    float b;
+};
+constexpr std::array<ModeFactors, kTimingModes> kModes = {{{16, 2}, {16, 3}, {12, 2}}};
+
+/// A note length: 1/division of a whole note times the factor.
+struct NoteLength {
+    float factor;
+    float division;
+};
+
+constexpr float kTriplet = static_cast<float>(1.0 / 3.0);
+constexpr float kDotted = 1.5F;
+constexpr float kDoubleDotted = 1.75F;
+
+constexpr std::array<NoteLength, kLengthCodes> kLengths = {{
+    {1, 32},
+    {kTriplet, 16},
+    {1, 16},
+    {kDotted, 16},
+    {kDoubleDotted, 16},
+    {kTriplet, 8},
+    {1, 8},
+    {kDotted, 8},
+    {kDoubleDotted, 8},
+    {kTriplet, 4},
+    {1, 4},
+    {kDotted, 4},
+    {kDoubleDotted, 4},
+    {kTriplet, 2},
+    {1, 2},
+    {kDotted, 2},
+    {kDoubleDotted, 2},
+    {1, 1},
+    {kDotted, 1},
+    {kDoubleDotted, 1},
+}};
+
+/// Beats per minute that a tempo byte gives in a mode, made even.
+std::int16_t TempoOf(const ModeFactors& mode, int tempo_byte) {
+    const double beats = 15360.0 / tempo_byte / static_cast<double>(mode.a) / static_cast<double>(mode.b);
+    const auto rounded = static_cast<int>(std::nearbyint(beats + 1.0));
+    return static_cast<std::int16_t>(rounded / 2 * 2);
+}
+
+using TempoValues = std::array<std::array<std::int16_t, kTempoBytes + 2>, kTimingModes>;
+
+/// [mode][tempo byte]; byte 0 and the byte behind the last one have no tempo and hold 0.
+TempoValues BuildTempoValues() {
+    TempoValues values{};
+    for (std::size_t mode = 0; mode < kTimingModes; ++mode) {
+        for (std::size_t byte = 1; byte <= kTempoBytes; ++byte) {
+            values[mode][byte] = TempoOf(kModes[mode], static_cast<int>(byte));
+        }
+    }
+    return values;
+}
+
+/// The mode with the fastest of three tempos; equal ones go to the lower mode.
+std::size_t FastestOf(std::int16_t first, std::int16_t second, std::int16_t third) {
+    if (first < second) return second < third ? 2 : 1;
+    return first < third ? 2 : 0;
+}
+
+void BuildTempoList(TimingTables& tables, const TempoValues& values) {
+    std::array<std::size_t, kTimingModes> cursor = {1, 1, 1};
+    std::size_t n = 0;
+    while (cursor[0] <= kTempoBytes && n < kTempoListSize) {
+        const std::size_t fastest =
+            FastestOf(values[0][cursor[0]], values[1][cursor[1]], values[2][cursor[2]]);
+        const std::int16_t tempo = values[fastest][cursor[fastest]];
+        if (tempo < kSlowestListed) return;
+        tables.tempo_list[n] = tempo;
+        for (std::size_t mode = 0; mode < kTimingModes; ++mode) {
+            const bool same = values[mode][cursor[mode]] == tempo;
+            tables.mode_tempo_bytes[mode][n] =
+                same ? static_cast<std::int16_t>(cursor[mode]) : std::int16_t{0};
+            if (same) ++cursor[mode];
+        }
+        ++n;
+        if (n >= 2 && tables.tempo_list[n - 1] == tables.tempo_list[n - 2]) {
+            // A duplicate: its tempo bytes stay behind the list's end, where nobody reads them.
+            --n;
+            tables.tempo_list[n] = 0;
+        }
+    }
+}
+
+/// How badly a duration rounds to whole units. Long durations cost by their count of records.
+std::int16_t CostOf(float units) {
+    const auto hundredths = static_cast<int>(std::floor(units * 100.0F));
+    if (hundredths < 1700) {
+        const int rest = hundredths % 100;
+        if (rest < 20 || rest >= 80) return 0;
+        if (rest < 30 || rest >= 70) return 1;
+        if (rest < 40 || rest >= 60) return 2;
+        return 4;
+    }
+    const int whole = hundredths / 100;
+    if (whole <= 32) return 1;
+    if (whole <= 48) return 2;
+    if (whole <= 64) return 3;
+    if (whole <= 80) return 4;
+    if (whole == 81) return 0; // a gap between the steps, kept as it is
+    return 5;
+}
+
+std::int16_t LastAtLeast(const TimingTables& tables, std::int16_t tempo) {
+    std::int16_t index = 0;
+    for (std::size_t i = 0; i < kTempoListSize && tables.tempo_list[i] != 0; ++i) {
+        if (tables.tempo_list[i] >= tempo) index = static_cast<std::int16_t>(i);
+    }
+    return index;
+}
+
+bool IsBlank(wchar_t letter) {
+    return letter == L' ' || letter == L'\t';
+}
+bool IsDigit(wchar_t letter) {
+    return letter >= L'0' && letter <= L'9';
+}
+
+struct ReadNumber {
+    double value = 0;
+    bool any_digit = false;
+    std::wstring_view rest; ///< the text behind the number
+};
+
+ReadNumber ReadNumberFrom(std::wstring_view text) {
+    while (!text.empty() && IsBlank(text.front()))
+        text.remove_prefix(1);
+    bool negative = false;
+    if (!text.empty() && (text.front() == L'-' || text.front() == L'+')) {
+        negative = text.front() == L'-';
+        text.remove_prefix(1);
+    }
+    ReadNumber number;
+    while (!text.empty() && IsDigit(text.front())) {
+        number.value = number.value * 10 + (text.front() - L'0');
+        number.any_digit = true;
+        text.remove_prefix(1);
+    }
+    if (!text.empty() && text.front() == L'.') {
+        text.remove_prefix(1);
+        double fraction = 0;
+        double weight = 1;
+        while (!text.empty() && IsDigit(text.front())) {
+            // Digits beyond what a double holds would only let both numbers grow out of range.
+            if (weight < 1e15) {
+                fraction = fraction * 10 + (text.front() - L'0');
+                weight *= 10;
+            }
+            number.any_digit = true;
+            text.remove_prefix(1);
+        }
+        number.value += fraction / weight;
+    }
+    if (negative) number.value = -number.value;
+    number.rest = text;
+    return number;
+}
+
+} // namespace
+
+TimingTables BuildTimingTables() {
+    TimingTables tables;
+    BuildTempoList(tables, BuildTempoValues());
+    for (std::size_t mode = 0; mode < kTimingModes; ++mode) {
+        for (std::size_t code = 0; code < kLengthCodes; ++code) {
+            const NoteLength& length = kLengths[code];
+            const float units = kModes[mode].b * length.factor * kModes[mode].a / length.division;
+            tables.length_units[mode][code] = units;
+            tables.length_cost[mode][code] = CostOf(units);
+        }
+    }
+    tables.default_tempo_index = LastAtLeast(tables, kDefaultTempo);
+    return tables;
+}
+
+int TempoIndexOf(const TimingTables& tables, std::int16_t tempo) {
+    for (std::size_t i = 0; i < kTempoListSize && tables.tempo_list[i] != 0; ++i) {
+        if (tables.tempo_list[i] == tempo) return static_cast<int>(i);
+    }
+    return -1;
+}
+
+std::wstring_view TempoNameOf(double beats) {
+    for (const TempoRange& range : kTempoRanges) {
+        if (beats >= range.lower && beats < range.upper) return range.name;
+    }
+    return {};
+}
+
+double NumericValueOf(std::wstring_view text) {
+    return ReadNumberFrom(text).value;
+}
+
+std::int16_t WholeNumberOf(std::wstring_view text) {
+    const ReadNumber number = ReadNumberFrom(text);
+    if (!number.any_digit) return 0;
+    for (const wchar_t letter : number.rest) {
+        if (!IsBlank(letter)) return 0;
+    }
+    const double rounded = std::nearbyint(number.value);
+    if (!(rounded >= -32768.0 && rounded <= 32767.0)) return 0;
+    return static_cast<std::int16_t>(rounded);
+}
+
+std::wstring NumberToText(std::int16_t value) {
+    const std::wstring digits = std::to_wstring(value);
+    return value < 0 ? digits : L" " + digits;
+}
+
+} // namespace tonex
