@@ -1,1 +1,199 @@
 #include "preview/synthesis.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <cstring>
+#include <numeric>
+
+namespace tonex {
+namespace {
+
+/// Samples handed over at once. One cycle repeated to this size stays in the processor's cache while a long
+/// tone is written from it again and again.
+constexpr std::size_t kBufferSize = 64 * 1024;
+
+constexpr int kUnitsOfZeroNibble = 16;
+
+/// What one record asks for.
+struct Note {
+    std::uint64_t samples = 0;  ///< the whole span
+    std::uint64_t sounding = 0; ///< at this sample the tone starts to end; 0 = all silent
+    std::uint32_t step = 1;     ///< table phases a sample
+    std::uint32_t period = 1;   ///< table phases a cycle
+    std::span<const std::uint8_t> wave;
+};
+
+int UnitsOf(std::uint8_t length_byte) {
+    const int nibble = length_byte & 15;
+    return nibble == 0 ? kUnitsOfZeroNibble : nibble;
+}
+
+/// Samples in a number of 1/256 seconds, rounded down. The product is exact, so no float is needed.
+std::uint64_t SamplesIn(int quarter_units) {
+    return static_cast<std::uint64_t>(quarter_units) * kSampleRate / 256;
+}
+
+bool Write(const ByteSink& sink, const std::uint8_t* bytes, std::size_t count) {
+    return count == 0 || sink.write(sink.context, bytes, count);
+}
+
+std::size_t AtMost(std::uint64_t count, std::size_t limit) {
+    return static_cast<std::size_t>(std::min<std::uint64_t>(count, limit));
+}
+
+/// Samples of the tone before it stops. It starts to end behind sample `sounding` and stops at the next start
+/// of a cycle, or where the note's span does.
+std::uint64_t ToneLength(const Note& note) {
+    const std::uint64_t cycles = (note.sounding + 1) * note.step / note.period + 1;
+    const std::uint64_t length = (cycles * note.period + note.step - 1) / note.step;
+    return std::min(length, note.samples);
+}
+
+/// Samples after which the phase is back at 0 and the tone repeats.
+std::size_t RepetitionOf(const Note& note) {
+    return note.period / std::gcd(note.period, note.step);
+}
+
+/// Fills a buffer with the start of a tone: the first repetition from the table, the rest by copying.
+void FillTone(const Note& note, std::span<std::uint8_t> buffer) {
+    std::uint32_t phase = 0;
+    std::size_t filled = std::min(RepetitionOf(note), buffer.size());
+    for (std::size_t k = 0; k < filled; ++k) {
+        buffer[k] = note.wave[phase];
+        phase += note.step;
+        if (phase >= note.period) phase -= note.period;
+    }
+    while (filled < buffer.size()) {
+        const std::size_t count = std::min(filled, buffer.size() - filled);
+        std::memcpy(buffer.data() + filled, buffer.data(), count);
+        filled += count;
+    }
+}
+
+/// A tone whose step is shorter than its cycle: the phase never leaves the cycle and the samples repeat.
+SynthesisResult WriteRepeatingTone(const Note& note, const ByteSink& sink) {
+    std::array<std::uint8_t, kBufferSize> buffer;
+    std::uint64_t tone = note.sounding == 0 ? 0 : ToneLength(note);
+    std::uint64_t silence = note.samples - tone;
+
+    FillTone(note, std::span(buffer).first(AtMost(tone, buffer.size())));
+    const std::size_t whole = buffer.size() / RepetitionOf(note) * RepetitionOf(note);
+    while (tone > buffer.size()) {
+        if (!Write(sink, buffer.data(), whole)) return SynthesisResult::WriteError;
+        tone -= whole;
+    }
+    // What is left of the tone stands at the front of the buffer; the silence joins it.
+    auto front = static_cast<std::size_t>(tone);
+    std::fill_n(buffer.data() + front, AtMost(silence, buffer.size() - front), kSilence);
+    while (front + silence > 0) {
+        const std::size_t gap = AtMost(silence, buffer.size() - front);
+        if (!Write(sink, buffer.data(), front + gap)) return SynthesisResult::WriteError;
+        silence -= gap;
+        std::fill_n(buffer.data(), AtMost(silence, front), kSilence);
+        front = 0;
+    }
+    return SynthesisResult::Done;
+}
+
+/// A tone whose step is longer than its cycle. The phase goes back by one cycle a sample at most, so it
+/// drifts into the unfilled part of the table and in the end out of it.
+SynthesisResult WriteDriftingTone(const Note& note, const ByteSink& sink) {
+    std::array<std::uint8_t, kBufferSize> buffer;
+    std::size_t filled = 0;
+    std::uint32_t phase = 0;
+    bool silent = false;
+    bool finishing = false;
+    for (std::uint64_t k = 0; k < note.samples; ++k) {
+        if (!silent && phase >= note.wave.size()) return SynthesisResult::PhaseError;
+        buffer[filled++] = silent ? kSilence : note.wave[phase];
+        if (filled == buffer.size()) {
+            if (!Write(sink, buffer.data(), filled)) return SynthesisResult::WriteError;
+            filled = 0;
+        }
+        if (silent) continue;
+        phase += note.step;
+        if (phase >= note.period) {
+            phase -= note.period;
+            silent = finishing;
+        }
+        finishing = finishing || k >= note.sounding;
+    }
+    return Write(sink, buffer.data(), filled) ? SynthesisResult::Done : SynthesisResult::WriteError;
+}
+
+void PutLittleEndian(std::uint8_t* at, std::uint32_t value, int size) {
+    for (int i = 0; i < size; ++i)
+        at[i] = static_cast<std::uint8_t>(value >> (8 * i));
+}
+
+} // namespace
+
+void BuildWaveTable(WaveTable& table, std::int32_t sample_rate) {
+    assert(sample_rate > 0);
+    table = WaveTable{};
+    for (std::size_t i = 0; i < kPitchClasses; ++i) {
+        const auto frequency = static_cast<float>(55.0 * std::pow(2.0, static_cast<double>(i + 1) / 12.0));
+        const double length = std::floor(sample_rate / static_cast<double>(frequency));
+        const int period = static_cast<int>(std::clamp(length, 1.0, 32767.0));
+        table.period[i] = static_cast<std::int16_t>(period);
+        for (int j = 0; j < std::min(period, kPhases); ++j) {
+            // Nine decimals of two pi, kept as it is: more would change samples.
+            const double height = std::sin(j * 6.283185307 / period) * 127.5 + 128.0;
+            table.wave[i][static_cast<std::size_t>(j)] = static_cast<std::uint8_t>(std::floor(height));
+        }
+    }
+}
+
+std::uint32_t NoteSampleCount(std::uint8_t length_byte, std::uint8_t tempo_byte) {
+    return static_cast<std::uint32_t>(SamplesIn(tempo_byte * UnitsOf(length_byte) * 4));
+}
+
+SynthesisResult WriteNoteSamples(const WaveTable& table, const ByteSink& sink, std::uint8_t pitch_byte,
+                                 std::uint8_t length_byte, std::uint8_t tempo_byte) {
+    const int sounding = tempo_byte * UnitsOf(length_byte) * (length_byte >> 4);
+    if (sounding >= 32768) return SynthesisResult::Overflow;
+    const auto pitch_class = static_cast<std::size_t>(pitch_byte % kPitchClasses);
+    const Note note{
+        .samples = NoteSampleCount(length_byte, tempo_byte),
+        .sounding = SamplesIn(sounding),
+        .step = std::uint32_t{1} << (pitch_byte / kPitchClasses),
+        .period = static_cast<std::uint32_t>(table.period[pitch_class]),
+        .wave = table.wave[pitch_class],
+    };
+    const bool repeats = note.step < note.period && note.period <= kPhases;
+    if (repeats || note.sounding == 0) return WriteRepeatingTone(note, sink);
+    return WriteDriftingTone(note, sink);
+}
+
+std::array<std::uint8_t, kWavHeaderSize> WavHeader(std::uint32_t data_size) {
+    std::array<std::uint8_t, kWavHeaderSize> header{};
+    std::memcpy(&header[0], "RIFF", 4);
+    PutLittleEndian(&header[4], data_size + 36, 4);
+    std::memcpy(&header[8], "WAVE", 4);
+    std::memcpy(&header[12], "fmt ", 4);
+    PutLittleEndian(&header[16], 16, 4);          // size of the format chunk
+    PutLittleEndian(&header[20], 1, 2);           // PCM
+    PutLittleEndian(&header[22], 1, 2);           // channels
+    PutLittleEndian(&header[24], kSampleRate, 4); // samples a second
+    PutLittleEndian(&header[28], kSampleRate, 4); // bytes a second
+    PutLittleEndian(&header[32], 1, 2);           // bytes a sample of all channels
+    PutLittleEndian(&header[34], 8, 2);           // bits a sample
+    std::memcpy(&header[36], "data", 4);
+    PutLittleEndian(&header[40], data_size, 4);
+    return header;
+}
+
+bool ReadPlayBlock(std::span<const std::uint8_t> file, PlayBlock& block) {
+    if (file.size() < 4) return false;
+    if (file[0] != 7 || file[1] != 0 || file[2] < 1 || file[2] > 32 || file[3] != 0) return false;
+    for (std::size_t offset = 4; offset + 2 <= file.size(); offset += 2) {
+        if (file[offset] != 255 || file[offset + 1] != 255) continue;
+        block.tempo_byte = file[2];
+        block.records = file.subspan(4, offset - 4);
+        return true;
+    }
+    return false;
+}
+
+} // namespace tonex
