@@ -78,6 +78,7 @@ struct ScoreGrid {
     std::array<std::int16_t, kSlots> ColWidth{}; ///< twips
     std::array<CellText, kSlots> Text{};
     bool Redraw = true; ///< off while a command changes many cells
+    std::int16_t TabIndex = 0;
 };
 
 struct TempoBox {
@@ -85,6 +86,7 @@ struct TempoBox {
     std::wstring Text;
     std::vector<std::wstring> List;
     int ListIndex = -1; ///< -1 = none selected
+    std::int16_t TabIndex = 0;
 };
 
 struct Label {
@@ -108,10 +110,10 @@ struct ConvertWindow {
 
 /// The document: where the score lives.
 struct Document {
-    std::wstring current_path;        ///< full path; empty for an untitled score
-    std::int16_t location_flag = 1;   ///< 1 = a PC file, any other value = a device file
-    bool upload_requested = false;    ///< the next save writes a temporary file and uploads it
-    std::wstring device_path;         ///< device-side path of the last device file saved
+    std::wstring current_path;      ///< full path; empty for an untitled score
+    std::int16_t location_flag = 1; ///< 1 = a PC file, any other value = a device file
+    bool upload_requested = false;  ///< the next save writes a temporary file and uploads it
+    std::wstring device_path;       ///< device-side path of the last device file saved
     FileDialog ComOpen;
     FileDialog ComSave;
 };
@@ -142,10 +144,10 @@ struct sndmain {
     TimingTables tables;
     std::array<TempoRange, 8> tempo_ranges{};
     ScreenMeasures screen;
-    bool doremi = false;                  ///< note names as do-re-mi
-    std::int16_t StaffOffset = 0;         ///< twips added to every staff position
-    std::int16_t KeyboardBaseOctave = 4;  ///< printed on the leftmost group of piano keys
-    std::int16_t current_length = 11;     ///< entry code 1 to 20 that a key click gives to a new note
+    bool doremi = false;                   ///< note names as do-re-mi
+    std::int16_t StaffOffset = 0;          ///< twips added to every staff position
+    std::int16_t KeyboardBaseOctave = 4;   ///< printed on the leftmost group of piano keys
+    std::int16_t current_length = 11;      ///< entry code 1 to 20 that a key click gives to a new note
     std::int16_t standard_col_width = 390; ///< of a grid column, twips
     int rounding_toggle = 0;
     bool preview_busy = false;
@@ -180,17 +182,37 @@ struct sndmain {
     std::int16_t highlighted_button = 0; ///< index 1 to 20 or 101 to 120; 0 = none
     std::optional<PianoKey> highlighted_key;
 
-    sndmain() { toolbar_enabled.fill(true); }
+    sndmain() {
+        toolbar_enabled.fill(true);
+        for (std::size_t slot = 0; slot < cbtNote.size(); ++slot) {
+            cbtNote[slot].Picture = static_cast<std::int16_t>(slot + 1);
+        }
+        for (PianoKeyControl& key : kenBlack)
+            key.BackColor = kBlackKeyColour;
+        imgNow.Picture = current_length;
+        imgNow.Visible = true;
+        Label2.Caption = L"Tempo";
+    }
 
     MenuState& item(MenuItem which) { return menu[static_cast<std::size_t>(which)]; }
     const MenuState& item(MenuItem which) const { return menu[static_cast<std::size_t>(which)]; }
 };
 
 /// Place in cbtNote of a note-length button's index: 1 to 20 give 0 to 19, 101 to 120 give 20 to 39.
-constexpr int LengthButtonSlot(int index) { return index <= 20 ? index - 1 : index - 81; }
+constexpr int LengthButtonSlot(int index) {
+    return index <= 20 ? index - 1 : index - 81;
+}
 /// The index of the button at a place in cbtNote.
-constexpr int LengthButtonIndex(int slot) { return slot < 20 ? slot + 1 : slot + 81; }
+constexpr int LengthButtonIndex(int slot) {
+    return slot < 20 ? slot + 1 : slot + 81;
+}
+/// The highest first visible column: the last column then stands at the right edge.
+constexpr int LastLeftCol(const ScoreGrid& grid) {
+    return grid.Cols > kGridColumnsShown ? grid.Cols - kGridColumnsShown : 0;
+}
 /// Whether more than one column is selected.
-constexpr bool RangeSelected(const ScoreGrid& grid) { return grid.Col != grid.ColSel; }
+constexpr bool RangeSelected(const ScoreGrid& grid) {
+    return grid.Col != grid.ColSel;
+}
 
 } // namespace tonex

@@ -15,13 +15,15 @@ struct CellText {
 
     constexpr CellText() = default;
     constexpr CellText(std::wstring_view text) { // NOLINT: a text is a cell text
-        for (const wchar_t c : text) Append(c);
+        for (const wchar_t c : text)
+            Append(c);
     }
     constexpr void Append(wchar_t c) {
         if (length + 1u < characters.size()) characters[length++] = c;
     }
     constexpr void Append(std::wstring_view text) {
-        for (const wchar_t c : text) Append(c);
+        for (const wchar_t c : text)
+            Append(c);
     }
     constexpr std::wstring_view View() const { return {characters.data(), length}; }
     friend constexpr bool operator==(const CellText& a, const CellText& b) { return a.View() == b.View(); }

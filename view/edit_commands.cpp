@@ -1,1 +1,234 @@
 #include "view/edit_commands.h"
+
+#include "app/sndmain.h"
+#include "score/int16.h"
+#include "view/score_view.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace tonex {
+
+namespace {
+
+// Insert stops one entry short of what the score can hold, Paste does not; both kept as they are.
+constexpr int kInsertLimit = 509;
+constexpr int kPasteLimit = 510;
+
+struct Range {
+    int lo, hi; ///< columns, both included
+};
+
+Range SelectedRange(const ScoreGrid& grid) {
+    return {std::min(grid.Col, grid.ColSel), std::max(grid.Col, grid.ColSel)};
+}
+
+Entry& SlotAt(sndmain& window, int column) {
+    return window.score.sound[static_cast<std::size_t>(column)];
+}
+
+// The selection without the end column; nothing when it holds no entry.
+std::optional<Range> SelectedEntries(const sndmain& window) {
+    Range range = SelectedRange(window.grdScore);
+    const int end = EndColumn(window.score);
+    if (range.lo >= end) return std::nullopt;
+    range.hi = std::min(range.hi, end - 1);
+    return range;
+}
+
+// Entries from a column to the end, and the empty slot that ends them, move right. The caller knows that they
+// fit.
+void MoveRight(sndmain& window, int column, int count) {
+    const auto begin = window.score.sound.begin();
+    const auto behind_end = begin + window.score.end_count;
+    std::move_backward(begin + column, behind_end, behind_end + count);
+}
+
+void PutCursor(sndmain& window, int column) {
+    ScoreGrid& grid = window.grdScore;
+    grid.Col = std::clamp(column, 0, grid.Cols - 1);
+    grid.ColSel = grid.Col;
+    KeepColumnInView(window, grid.Col);
+}
+
+void FinishEdit(sndmain& window) {
+    window.score.changed = true;
+    RefreshEnabling(window);
+}
+
+// What a transposition makes of a note's pitch and staff position; false when 16 bits do not hold it.
+using Transposition = bool (*)(Entry& entry, int amount, std::int16_t staff_offset);
+
+bool ShiftOctave(Entry& entry, int octaves, std::int16_t) {
+    const auto pitch = ToInt16(AsSigned(entry.pitch) + 12 * octaves);
+    const auto position = ToInt16(AsSigned(entry.position) - 420 * octaves);
+    if (!pitch || !position) return false;
+    entry.pitch = AsCell(*pitch);
+    entry.position = AsCell(*position);
+    return true;
+}
+
+bool ShiftHalfTone(Entry& entry, int half_tones, std::int16_t staff_offset) {
+    const auto pitch = ToInt16(AsSigned(entry.pitch) + half_tones);
+    if (!pitch) return false;
+    const auto position = StaffPositionOf(AsCell(*pitch), staff_offset);
+    if (!position) return false;
+    entry.pitch = AsCell(*pitch);
+    entry.position = AsCell(*position);
+    return true;
+}
+
+void Transpose(sndmain& window, Transposition transposition, int amount) {
+    SaveUndo(window);
+    // Tried on a copy: a melody with one note that can not follow stays as it is.
+    auto sound = window.score.sound;
+    const int end = EndColumn(window.score);
+    for (int slot = 0; slot < end; ++slot) {
+        Entry& entry = sound[static_cast<std::size_t>(slot)];
+        if (IsNote(entry.code) && !transposition(entry, amount, window.StaffOffset)) return;
+    }
+    window.score.sound = sound;
+
+    window.grdScore.Redraw = false;
+    for (int slot = 0; slot < end; ++slot) {
+        const Entry& entry = SlotAt(window, slot);
+        if (IsNote(entry.code)) SetCellText(window, slot, entry.pitch);
+    }
+    DrawStrip(window, window.grdScore.LeftCol);
+    window.grdScore.Redraw = true;
+    FinishEdit(window);
+}
+
+} // namespace
+
+void SaveUndo(sndmain& window) {
+    UndoCopy& undo = window.undo;
+    undo.current_length = window.current_length;
+    undo.end_count = window.score.end_count;
+    undo.sound = window.score.sound;
+    undo.first_shown = window.score.first_shown;
+    undo.strip_cursor = window.score.strip_cursor;
+    undo.LeftCol = static_cast<std::int16_t>(window.grdScore.LeftCol);
+    undo.Col = static_cast<std::int16_t>(window.grdScore.Col);
+    undo.ColSel = static_cast<std::int16_t>(window.grdScore.ColSel);
+}
+
+void SwapUndo(sndmain& window) {
+    const UndoCopy before = window.undo;
+    SaveUndo(window);
+    window.current_length = before.current_length;
+    window.imgNow.Picture = before.current_length;
+    window.score.end_count = before.end_count;
+    window.score.sound = before.sound;
+    window.score.first_shown = before.first_shown;
+    window.score.strip_cursor = before.strip_cursor;
+    RedrawGrid(window);
+    window.grdScore.LeftCol = before.LeftCol;
+    window.grdScore.Col = before.Col;
+    window.grdScore.ColSel = before.ColSel;
+    DrawStrip(window, window.score.first_shown);
+    FinishEdit(window);
+}
+
+void mnuCopy_Click(sndmain& window) {
+    const auto range = SelectedEntries(window);
+    if (!range) return;
+    const auto begin = window.score.sound.begin();
+    window.clipboard.columns.assign(begin + range->lo, begin + range->hi + 1);
+    window.clipboard.filled = true;
+    RefreshEnabling(window);
+}
+
+void mnuCut_Click(sndmain& window) {
+    mnuCopy_Click(window);
+    mnuDelete_Click(window);
+}
+
+void mnuDelete_Click(sndmain& window) {
+    SaveUndo(window);
+    Score& score = window.score;
+    Range range = SelectedRange(window.grdScore);
+    // With 508 entries counted and one more in the last column the selection stands as it is: the column that
+    // would be the end column holds an entry. Kept as it is.
+    const bool last_column_filled = score.end_count == kMaxEntries && SlotAt(window, 508).code != kEmpty;
+    if (!last_column_filled) {
+        const auto entries = SelectedEntries(window);
+        if (!entries) return;
+        range = *entries;
+    }
+
+    const int count = range.hi - range.lo + 1;
+    const auto begin = score.sound.begin();
+    const auto is_empty = [](const Entry& entry) { return entry.code == kEmpty; };
+    const auto old_end = std::find_if(begin, begin + kUsableSlots, is_empty);
+    const auto behind_selection = std::min(begin + range.lo + count, old_end);
+    const auto new_end = std::move(behind_selection, old_end, begin + range.lo);
+    std::fill(new_end, old_end, Entry());
+    score.end_count = static_cast<std::int16_t>(new_end - begin + 1);
+
+    RedrawGrid(window);
+    PutCursor(window, range.lo);
+    DrawStrip(window, window.grdScore.LeftCol);
+    FinishEdit(window);
+}
+
+void mnuInsert_Click(sndmain& window) {
+    SaveUndo(window);
+    Score& score = window.score;
+    ScoreGrid& grid = window.grdScore;
+    Range range = SelectedRange(grid);
+    int count = range.hi - range.lo + 1;
+    if (score.end_count + count > kInsertLimit) {
+        count = kInsertLimit - score.end_count;
+        range.hi = range.lo + count - 1;
+    }
+    if (count <= 0) return;
+
+    MoveRight(window, range.lo, count);
+    const Entry blank{kSeparator, 0, 0};
+    std::fill_n(score.sound.begin() + range.lo, count, blank);
+    score.end_count = static_cast<std::int16_t>(score.end_count + count);
+    // The selection lies on the blanks, its ends the way round that they were.
+    const bool backwards = grid.ColSel < grid.Col;
+    grid.Col = backwards ? range.hi : range.lo;
+    grid.ColSel = backwards ? range.lo : range.hi;
+    RedrawGrid(window);
+    DrawStrip(window, score.first_shown);
+    FinishEdit(window);
+}
+
+void mnuPaste_Click(sndmain& window) {
+    SaveUndo(window);
+    Score& score = window.score;
+    const auto& columns = window.clipboard.columns;
+    const int position = SelectedRange(window.grdScore).lo;
+    int count = static_cast<int>(columns.size());
+    if (score.end_count + count > kPasteLimit) count = kPasteLimit - score.end_count;
+    if (count <= 0) return;
+
+    MoveRight(window, position, count);
+    std::copy_n(columns.begin(), count, score.sound.begin() + position);
+    score.end_count = static_cast<std::int16_t>(score.end_count + count);
+    RedrawGrid(window);
+    PutCursor(window, position + count);
+    DrawStrip(window, window.grdScore.LeftCol);
+    FinishEdit(window);
+}
+
+void mnuOctUp_Click(sndmain& window) {
+    Transpose(window, ShiftOctave, 1);
+}
+
+void mnuOctDown_Click(sndmain& window) {
+    Transpose(window, ShiftOctave, -1);
+}
+
+void mnuSoundUp_Click(sndmain& window) {
+    Transpose(window, ShiftHalfTone, 1);
+}
+
+void mnuSoundDown_Click(sndmain& window) {
+    Transpose(window, ShiftHalfTone, -1);
+}
+
+} // namespace tonex

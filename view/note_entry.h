@@ -18,7 +18,8 @@ void cbtNote_Click(sndmain& window, int index);
 
 /// A character typed on the grid: "+" and "-" raise and lower a note.
 void grdScore_KeyPress(sndmain& window, wchar_t character);
-/// The grid's cursor moved to `column` by mouse or keyboard; the selection runs to `far_end` (equal: no range).
+/// The grid's cursor moved to `column` by mouse or keyboard; the selection runs to `far_end` (equal: no
+/// range).
 void grdScore_SelChange(sndmain& window, int column, int far_end);
 /// The mouse was released on the grid.
 void grdScore_MouseUp(sndmain& window);

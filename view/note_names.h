@@ -27,8 +27,8 @@ CellText NoteNameOf(std::uint16_t pitch, bool doremi);
 /// The caption of a piano key: "c4#" with no blank, or "ド#". `octave` is printed in letter mode only.
 CellText KeyCaptionOf(int semitone_from_c, int octave, bool doremi);
 
-/// "Quarter note", "Dotted eighth rest", "Double-dotted half note", "Triplet sixteenth note": for tooltips and
-/// screen readers. `entry_code` is 1 to 40; empty for any other.
+/// "Quarter note", "Dotted eighth rest", "Double-dotted half note", "Triplet sixteenth note": for tooltips
+/// and screen readers. `entry_code` is 1 to 40; empty for any other.
 std::wstring LengthNameOf(std::uint16_t entry_code);
 
 /// What a screen reader says of a slot: "c4#, Quarter note", "Eighth rest", "Separator", "End".

@@ -7,8 +7,8 @@ namespace tonex {
 
 struct sndmain;
 
-/// Works StaffOffset out from the screen's scale and the first two staff lines, hides the strip's pictures and
-/// moves each right by the offset (horizontal by a vertical amount; kept as it is). Run once, at set-up.
+/// Works StaffOffset out from the screen's scale and the first two staff lines, hides the strip's pictures
+/// and moves each right by the offset (horizontal by a vertical amount; kept as it is). Run once, at set-up.
 void ComputeStaffOffset(sndmain& window);
 
 /// Sets sizes, places and tab order of the piano keys for the window's client width.
@@ -20,8 +20,8 @@ void LayoutKeyLabels(sndmain& window);
 /// Clear: an empty score, grid and strip; the default tempo; changed flag off; enabling refreshed.
 void ClearAll(sndmain& window);
 
-/// Rebuilds the grid from the score: column count, widths and texts. Col, ColSel and LeftCol are kept, brought
-/// inside the columns there are.
+/// Rebuilds the grid from the score: column count, widths and texts. Col, ColSel and LeftCol are kept,
+/// brought inside the columns there are.
 void RedrawGrid(sndmain& window);
 
 /// Sets a cell's text from a pitch.
@@ -37,7 +37,10 @@ void DrawStripImage(sndmain& window, int image, int slot);
 /// Highlights the length button and the piano key of the slot under the cursor, and no other.
 void ShowPressedKey(sndmain& window);
 
-/// Brings a column into the grid's 30 visible ones; strip and strip cursor follow.
+/// Strip cursor = current column - first shown, brought within 0 to 29 while the cursor is out of view.
+void UpdateStripCursor(sndmain& window);
+
+/// Brings a column into the grid's 30 visible ones by the least scrolling; strip and strip cursor follow.
 void KeepColumnInView(sndmain& window, int column);
 
 /// Number of a slot's picture: 1 to 20 notes with stem up, 21 to 40 rests, 41 to 57 notes with stem down, 58
