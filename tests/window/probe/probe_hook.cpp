@@ -1,0 +1,220 @@
+// The part of the probe that works inside the watched program: a hook on its window messages answers requests that
+// can not be answered from outside, such as the texts and states of menu items.
+#include "probe_shared.h"
+
+#include <commctrl.h>
+#include <oleacc.h>
+
+#include <string>
+
+namespace {
+
+using namespace probe;
+
+// --- menu
+
+std::string MenuItems(HMENU menu) {
+    std::string result = "[";
+    const int count = GetMenuItemCount(menu);
+    for (int i = 0; i < count; ++i) {
+        wchar_t text[200] = L"";
+        MENUITEMINFOW info = {};
+        info.cbSize = sizeof info;
+        info.fMask = MIIM_STRING | MIIM_STATE | MIIM_FTYPE | MIIM_ID | MIIM_SUBMENU;
+        info.dwTypeData = text;
+        info.cch = 200;
+        GetMenuItemInfoW(menu, static_cast<UINT>(i), TRUE, &info);
+        const bool separator = (info.fType & MFT_SEPARATOR) != 0;
+        result += i == 0 ? "" : ",";
+        result += "{\"text\":" + Quoted(separator ? L"-" : text);
+        result += ",\"id\":" + std::to_string(info.wID);
+        result += ",\"separator\":" + Bool(separator);
+        result += ",\"enabled\":" + Bool((info.fState & (MFS_DISABLED | MFS_GRAYED)) == 0);
+        result += ",\"checked\":" + Bool((info.fState & MFS_CHECKED) != 0);
+        if (info.hSubMenu != nullptr) {
+            result += ",\"items\":" + MenuItems(info.hSubMenu);
+        }
+        result += "}";
+    }
+    return result + "]";
+}
+
+/// The whole menu bar as the user would see it: each popup gets the message that its opening would bring.
+std::string MenuOf(HWND window) {
+    const HMENU bar = GetMenu(window);
+    if (bar == nullptr) {
+        return "[]";
+    }
+    for (int i = 0; i < GetMenuItemCount(bar); ++i) {
+        if (const HMENU popup = GetSubMenu(bar, i)) {
+            SendMessageW(window, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(popup), MAKELPARAM(i, FALSE));
+        }
+    }
+    return MenuItems(bar);
+}
+
+// --- toolbar
+
+std::wstring ToolTipOf(HWND toolbar, int command) {
+    wchar_t text[200] = L"";
+    // The toolbar asks its parent, in one of two ways, unless the tip is the button's own text.
+    NMTBGETINFOTIPW info = {};
+    info.hdr = {toolbar, static_cast<UINT_PTR>(GetDlgCtrlID(toolbar)), static_cast<UINT>(TBN_GETINFOTIPW)};
+    info.pszText = text;
+    info.cchTextMax = 200;
+    info.iItem = command;
+    SendMessageW(GetParent(toolbar), WM_NOTIFY, info.hdr.idFrom, reinterpret_cast<LPARAM>(&info));
+    if (text[0] != 0) {
+        return text;
+    }
+    NMTTDISPINFOW tip = {};
+    tip.hdr = {reinterpret_cast<HWND>(SendMessageW(toolbar, TB_GETTOOLTIPS, 0, 0)), static_cast<UINT_PTR>(command),
+               static_cast<UINT>(TTN_GETDISPINFOW)};
+    tip.lpszText = tip.szText;
+    SendMessageW(GetParent(toolbar), WM_NOTIFY, tip.hdr.idFrom, reinterpret_cast<LPARAM>(&tip));
+    if (tip.lpszText != nullptr && !IS_INTRESOURCE(tip.lpszText) && tip.lpszText[0] != 0) {
+        return tip.lpszText;
+    }
+    const LRESULT length = SendMessageW(toolbar, TB_GETBUTTONTEXTW, static_cast<WPARAM>(command), 0);
+    if (length > 0 && length < 200) {
+        SendMessageW(toolbar, TB_GETBUTTONTEXTW, static_cast<WPARAM>(command), reinterpret_cast<LPARAM>(text));
+    }
+    return text;
+}
+
+std::string ToolbarOf(HWND toolbar) {
+    std::string result = "[";
+    const int count = static_cast<int>(SendMessageW(toolbar, TB_BUTTONCOUNT, 0, 0));
+    for (int i = 0; i < count; ++i) {
+        TBBUTTON button = {};
+        SendMessageW(toolbar, TB_GETBUTTON, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&button));
+        RECT rect = {};
+        SendMessageW(toolbar, TB_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&rect));
+        MapWindowPoints(toolbar, nullptr, reinterpret_cast<POINT*>(&rect), 2);
+        const bool separator = (button.fsStyle & BTNS_SEP) != 0;
+        const std::wstring tip = separator ? std::wstring() : ToolTipOf(toolbar, button.idCommand);
+        result += i == 0 ? "" : ",";
+        result += "{\"tooltip\":" + Quoted(tip);
+        result += ",\"id\":" + std::to_string(button.idCommand);
+        result += ",\"separator\":" + Bool(separator);
+        result += ",\"enabled\":" + Bool((button.fsState & TBSTATE_ENABLED) != 0);
+        result += ",\"rect\":" + RectText(rect) + "}";
+    }
+    return result + "]";
+}
+
+// --- what a screen reader is told
+
+std::wstring TakeText(BSTR text) {
+    std::wstring result = text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
+    SysFreeString(text);
+    return result;
+}
+
+std::string AccessibleItem(IAccessible* object, long child) {
+    VARIANT which = {};
+    which.vt = VT_I4;
+    which.lVal = child;
+    BSTR name = nullptr;
+    BSTR value = nullptr;
+    BSTR action = nullptr;
+    VARIANT role = {};
+    VARIANT state = {};
+    RECT rect = {};
+    object->get_accName(which, &name);
+    object->get_accValue(which, &value);
+    object->get_accDefaultAction(which, &action);
+    object->get_accRole(which, &role);
+    object->get_accState(which, &state);
+    long left = 0;
+    long top = 0;
+    long width = 0;
+    long height = 0;
+    if (SUCCEEDED(object->accLocation(&left, &top, &width, &height, which))) {
+        rect = {left, top, left + width, top + height};
+    }
+    std::string result = "{\"name\":" + Quoted(TakeText(name)) + ",\"value\":" + Quoted(TakeText(value));
+    result += ",\"action\":" + Quoted(TakeText(action));
+    result += ",\"role\":" + std::to_string(role.vt == VT_I4 ? role.lVal : -1);
+    result += ",\"state\":" + std::to_string(state.vt == VT_I4 ? state.lVal : 0);
+    result += ",\"rect\":" + RectText(rect);
+    return result;
+}
+
+std::string AccessibleOf(HWND window) {
+    IAccessible* object = nullptr;
+    const HRESULT result =
+        AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+                                   reinterpret_cast<void**>(&object));
+    if (FAILED(result) || object == nullptr) {
+        return "{\"error\":\"no accessible object\"}";
+    }
+    long count = 0;
+    object->get_accChildCount(&count);
+    std::string text = AccessibleItem(object, CHILDID_SELF) + ",\"children\":[";
+    for (long i = 1; i <= count; ++i) {
+        text += (i == 1 ? "" : ",") + AccessibleItem(object, i) + "}";
+    }
+    object->Release();
+    return text + "]}";
+}
+
+// --- combo box
+
+std::string ComboOf(HWND combo) {
+    const LRESULT count = SendMessageW(combo, CB_GETCOUNT, 0, 0);
+    std::string items = "[";
+    for (LRESULT i = 0; i < count; ++i) {
+        wchar_t text[200] = L"";
+        if (SendMessageW(combo, CB_GETLBTEXTLEN, static_cast<WPARAM>(i), 0) < 200) {
+            SendMessageW(combo, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text));
+        }
+        items += (i == 0 ? "" : ",") + Quoted(text);
+    }
+    wchar_t text[200] = L"";
+    SendMessageW(combo, WM_GETTEXT, 200, reinterpret_cast<LPARAM>(text));
+    return "{\"text\":" + Quoted(text) +
+           ",\"selected\":" + std::to_string(SendMessageW(combo, CB_GETCURSEL, 0, 0)) + ",\"items\":" + items + "]}";
+}
+
+void Answer(const std::string& text) {
+    const HANDLE mapping = OpenFileMappingW(FILE_MAP_WRITE, FALSE, kAnswerName);
+    if (mapping == nullptr) {
+        return;
+    }
+    if (void* const view = MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0)) {
+        const DWORD length = text.size() + 4 <= kAnswerSize ? static_cast<DWORD>(text.size()) : 0;
+        CopyMemory(static_cast<char*>(view) + 4, text.data(), length);
+        *static_cast<DWORD*>(view) = length;
+        UnmapViewOfFile(view);
+    }
+    CloseHandle(mapping);
+}
+
+} // namespace
+
+extern "C" __declspec(dllexport) LRESULT CALLBACK ProbeHook(int code, WPARAM wparam, LPARAM lparam) {
+    if (code >= 0) {
+        const auto* const message = reinterpret_cast<const CWPSTRUCT*>(lparam);
+        if (message->message == RegisterWindowMessageW(probe::kMessageName)) {
+            const HWND window = message->hwnd;
+            switch (message->wParam) {
+            case kMenu:
+                Answer(MenuOf(window));
+                break;
+            case kToolbar:
+                Answer(ToolbarOf(window));
+                break;
+            case kAccessible:
+                Answer(AccessibleOf(window));
+                break;
+            case kCombo:
+                Answer(ComboOf(window));
+                break;
+            default:
+                break;
+            }
+        }
+    }
+    return CallNextHookEx(nullptr, code, wparam, lparam);
+}
