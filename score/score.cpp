@@ -33,12 +33,13 @@ FileEntry ToFileEntry(const Entry& entry) {
 }
 
 Entry FromFileEntry(const FileEntry& entry) {
-    if (entry.code == kFileSeparator) return {kSeparator, 0, 0};
     if (entry.code < 20) {
         return {static_cast<std::uint16_t>(entry.code + 1), static_cast<std::uint16_t>(entry.pitch + 1),
                 kEmpty};
     }
-    return {static_cast<std::uint16_t>(entry.code - kRestDistance), kEmpty, kEmpty};
+    const auto code = static_cast<std::uint16_t>(entry.code - kRestDistance);
+    if (entry.code == kFileSeparator || code == kSeparator) return {kSeparator, 0, 0};
+    return {code, kEmpty, kEmpty};
 }
 
 } // namespace
