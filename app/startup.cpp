@@ -1,1 +1,113 @@
 #include "app/startup.h"
+
+#include "app/layout.h"
+#include "app/sndmain.h"
+#include "link/device_commands.h"
+#include "link/discovery.h"
+#include "link/paths.h"
+#include "link/settings.h"
+#include "link/single_instance.h"
+#include "platform/main_window.h"
+#include "platform/window_list.h"
+#include "preview/timing_tables.h"
+#include "score/document.h"
+#include "view/score_view.h"
+#include "view/tempo_box.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tonex {
+
+namespace {
+
+constexpr std::int16_t kOnPc = 1;
+
+/// The record's own measures: the screen, and a client area in which everything has its place.
+void LayOut(sndmain& window) {
+    window.screen = MeasureScreen();
+    LayoutWindow(window, std::max(window.ClientWidth, kMinClientWidth),
+                 std::max(window.ClientHeight, kMinClientHeight));
+}
+
+void SetUpTitleAndHelp(sndmain& window) {
+    window.link.HelpFilePath = ProgramFolder() + L"\\Veloxa.hlp";
+    SetTitle(window, kSuffixUntitled);
+}
+
+void SetUpGridAndStrip(sndmain& window) {
+    ComputeStaffOffset(window);
+    LayoutKeys(window);
+    LoadDoremiSetting(window);
+    LayoutKeyLabels(window);
+}
+
+void SetUpTempo(sndmain& window) {
+    FillTempoTable(window);
+    window.tables = BuildTimingTables();
+    FillTempoCombo(window);
+}
+
+/// Opens what the command line names, else what was open last.
+void OpenFirstDocument(sndmain& window, const std::wstring& command_line_path) {
+    if (!WithoutQuotes(command_line_path).empty()) {
+        OpenDroppedFile(window, command_line_path);
+        return;
+    }
+    if (!ReopenLastFile(window, kSettingsSection)) return;
+    // Untitled until the file is accepted: what is refused must not be the target of a later save.
+    const std::wstring path = std::exchange(window.document.current_path, {});
+    OpenDroppedFile(window, path);
+}
+
+/// After device work the user is reminded to transfer, unless that is not wanted.
+void RemindOfTransfer(const sndmain& window) {
+    if (!window.link.device_work || ReadMsgDsp()) return;
+    if (ShowTransferReminder()) SaveMsgDsp(1);
+}
+
+} // namespace
+
+StartResult StartUp(sndmain& window, const std::wstring& command_line_path) {
+    window.second_copy = PreviousInstanceRunning();
+    if (window.second_copy) {
+        ActivatePreviousInstance(L"Sound Editor");
+        return StartResult::EndSilent;
+    }
+    LayOut(window);
+    RestoreWindowPlacement(window, kSettingsSection);
+    if (!DiscoverLinkSoftware(window)) return StartResult::EndSilent;
+    SetUpTitleAndHelp(window);
+    SetUpGridAndStrip(window);
+    RefreshEnabling(window);
+    SetUpTempo(window);
+    ClearAll(window);
+    OpenFirstDocument(window, command_line_path);
+    return StartResult::Run;
+}
+
+bool CloseAllowed(sndmain& window) {
+    if (window.second_copy) return true;
+    if (window.preview_busy) return false;
+    if (!AskToSaveChanges(window)) return false;
+    if (!Disconnect(window)) return false;
+    RemindOfTransfer(window);
+    SaveWindowPlacement(kSettingsSection);
+    return true;
+}
+
+void OpenDroppedFile(sndmain& window, const std::wstring& path) {
+    if (!window.Enabled) return;
+    std::wstring dropped = WithoutQuotes(path);
+    if (!AskToSaveChanges(window)) return;
+    if (!CheckSndExtension(dropped)) return;
+    Document& document = window.document;
+    std::wstring scratch;
+    RememberFolderOfFile(window, dropped, scratch, document.location_flag);
+    document.current_path = dropped;
+    const bool on_pc = document.location_flag == kOnPc;
+    (on_pc ? window.link.PcSoundDir : window.link.CacheSoundDir) = FolderOfPath(dropped);
+    LoadDocument(window, on_pc ? kSuffixPc : kSuffixVeloxa);
+}
+
+} // namespace tonex

@@ -1,1 +1,235 @@
 #include "link/device_commands.h"
+
+#include "app/sndmain.h"
+#include "link/discovery.h"
+#include "link/paths.h"
+#include "link/settings.h"
+#include "platform/files.h"
+#include "platform/settings.h"
+#include "platform/text.h"
+#include "score/document.h"
+#include "score/save_file.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tonex {
+
+namespace {
+
+constexpr const char* kDeviceExtension = "snd";
+constexpr std::int16_t kOnPc = 1;
+constexpr std::int16_t kOnDevice = 0;
+
+/// What the library writes text into. It is told of 200 characters and no more are read; the rest is a margin
+/// for a library that puts its ending NUL behind them.
+struct LinkBuffer {
+    std::array<char, 256> characters{};
+
+    char* Begin() { return characters.data(); }
+    /// The text up to its first NUL, at most `limit` characters.
+    std::string Text(std::size_t limit = kLinkBufferSize) const {
+        const char* begin = characters.data();
+        const char* end = begin + std::min<std::size_t>(limit, kLinkBufferSize);
+        return {begin, std::find(begin, end, '\0')};
+    }
+};
+
+using Conversion = std::int16_t(TONEX_STDCALL*)(char*, std::int32_t, const char*);
+
+/// The path as the other side names it; empty when it is not convertible, or no library can say.
+std::string Convert(Conversion conversion, const std::string& path) {
+    if (!conversion) return {};
+    LinkBuffer buffer;
+    const std::int16_t count = conversion(buffer.Begin(), kLinkBufferSize, path.c_str());
+    if (count <= 0) return {};
+    return buffer.Text(static_cast<std::size_t>(count));
+}
+
+std::string CacheToDevice(const sndmain& window, const std::wstring& cache_path) {
+    return Convert(window.library.Cor_ConvPathCacheToCorvane, ToAnsi(cache_path));
+}
+
+std::wstring DeviceToCache(const sndmain& window, const std::string& device_path) {
+    return FromAnsi(Convert(window.library.Cor_ConvPathCorvaneToCache, device_path));
+}
+
+using DeviceDialog = std::int32_t(TONEX_STDCALL*)(const char*, const char*, char*, std::int32_t);
+
+/// The device path of the choice; empty on cancel.
+std::string ChooseOnDevice(DeviceDialog dialog, const std::string& start) {
+    if (!dialog) return {};
+    LinkBuffer buffer;
+    if (dialog(start.c_str(), kDeviceExtension, buffer.Begin(), kLinkBufferSize) == 0) return {};
+    return buffer.Text();
+}
+
+/// Writes the score and hands it over to `device_path`. True when the device took it. The location is set
+/// first, because setting the title stores it; what a disk refused is then as it was.
+bool SaveAndHandOver(sndmain& window, const std::wstring& cache_path, const std::string& device_path) {
+    Document& document = window.document;
+    const std::int16_t location = std::exchange(document.location_flag, kOnDevice);
+    const std::wstring target = std::exchange(document.device_path, FromAnsi(device_path));
+    document.upload_requested = true;
+    const SndResult result = SaveDocument(window, cache_path, kSuffixVeloxa);
+    if (result == kSndWriteError) {
+        document.location_flag = location;
+        document.device_path = target;
+    }
+    // A refused upload has left the melody nowhere but in the editor: the changed flag stays, so that New,
+    // Open and Close ask again before it is gone.
+    const bool taken = (result == kSndDone || result == kSndFull) && !window.link.upload_refused;
+    if (taken) window.score.changed = false;
+    window.link.device_work = window.link.device_work || taken;
+    RefreshEnabling(window);
+    return taken;
+}
+
+bool CanSaveToDevice(const LinkLibrary& library) {
+    return library.Cor_ConvPathCacheToCorvane && library.Cor_PutFile;
+}
+
+/// The start text of the save dialog: the device folder with the proposed name behind it.
+std::string StartTextFor(const sndmain& window, std::string folder) {
+    if (!folder.ends_with('\\')) folder += '\\';
+    const std::wstring name = FileNameOfPath(window.document.current_path);
+    return folder + ToAnsi(name.empty() ? L"Untitled" : name);
+}
+
+bool SaveToDeviceAs(sndmain& window) {
+    if (!CanSaveToDevice(window.library)) return false;
+    const std::string folder = CacheToDevice(window, window.link.CacheSoundDir);
+    if (folder.empty()) return false;
+    const std::string chosen =
+        ChooseOnDevice(window.library.Cor_PIMSaveFileDialog, StartTextFor(window, folder));
+    if (chosen.empty()) return false;
+    const std::wstring cache_path = DeviceToCache(window, chosen);
+    if (cache_path.empty()) return false;
+    window.link.CacheSoundDir = FolderOfPath(cache_path);
+    DeleteFileIfExists(cache_path);
+    return SaveAndHandOver(window, cache_path, chosen);
+}
+
+/// Lists the device's sounds. A count or a list that runs over the buffer is cut at its end.
+std::vector<std::wstring> ListDeviceSounds(const sndmain& window) {
+    std::vector<std::wstring> sounds;
+    if (!window.library.Cor_DirByExt) return sounds;
+    std::array<char, 8192> names{};
+    const auto size = static_cast<std::int32_t>(names.size());
+    std::int32_t count = window.library.Cor_DirByExt("\\system\\sound", kDeviceExtension, names.data(), size);
+    const char* name = names.data();
+    const char* const end = name + names.size();
+    while (count-- > 0 && name < end && *name != '\0') {
+        const char* const stop = std::find(name, end, '\0');
+        sounds.push_back(L"\\system\\sound\\" + FromAnsi({name, static_cast<std::size_t>(stop - name)}));
+        name = stop == end ? end : stop + 1;
+    }
+    return sounds;
+}
+
+/// Has the link software bring a device file into the cache; empty when it does not know it or can not.
+std::wstring FetchDeviceFile(const sndmain& window, const std::wstring& cache_path) {
+    const std::string device_path = CacheToDevice(window, cache_path);
+    const LinkLibrary& library = window.library;
+    if (device_path.empty() || !library.Cor_IsExist || !library.Cor_GetFile) return {};
+    if (library.Cor_IsExist(device_path.c_str()) == 0) return {};
+    LinkBuffer buffer;
+    if (library.Cor_GetFile(buffer.Begin(), device_path.c_str(), -1) != 0) return {};
+    return FromAnsi(buffer.Text());
+}
+
+/// Splits the stored text at its first two commas; a file name with a comma in it is cut wrongly and not
+/// found later (kept as it is: other programs of the suite read and write this text too).
+std::wstring PathInLastDocument(const std::wstring& text, std::int16_t& location_flag) {
+    const std::size_t first = text.find(L',');
+    location_flag = WholeNumberOf(std::wstring_view(text).substr(0, first));
+    if (first == std::wstring::npos) return {};
+    const std::size_t second = text.find(L',', first + 1);
+    return second == std::wstring::npos ? std::wstring() : text.substr(second + 1);
+}
+
+} // namespace
+
+bool SaveToDevice(sndmain& window) {
+    Document& document = window.document;
+    const bool name_fits = CheckNameLength(document.current_path);
+    if (document.current_path.empty() || !name_fits || document.location_flag == kOnPc) {
+        return SaveToDeviceAs(window);
+    }
+    if (!CanSaveToDevice(window.library)) {
+        document.upload_requested = false;
+        return false;
+    }
+    // The cache copy goes before anyone knows whether its path can be converted; kept as it is.
+    DeleteFileIfExists(document.current_path);
+    document.upload_requested = true;
+    const std::string device_path = CacheToDevice(window, document.current_path);
+    if (device_path.empty()) {
+        document.upload_requested = false;
+        return false;
+    }
+    const std::wstring cache_path = document.current_path;
+    return SaveAndHandOver(window, cache_path, device_path);
+}
+
+void mnuFileOverWriteZ730_Click(sndmain& window) {
+    SaveToDevice(window);
+}
+
+// The library's own dialog sees to the length of a new name, so the rule for PC names is not applied here.
+void mnuFileSaveWithNameZ730_Click(sndmain& window) {
+    SaveToDeviceAs(window);
+}
+
+void mnuFileOpenZ730_Click(sndmain& window) {
+    if (!AskToSaveChanges(window)) return;
+    const std::string folder = CacheToDevice(window, window.link.CacheSoundDir);
+    if (folder.empty()) return;
+    const std::string chosen = ChooseOnDevice(window.library.Cor_PIMOpenFileDialog, folder);
+    if (chosen.empty()) return;
+    const std::wstring cache_path = DeviceToCache(window, chosen);
+    if (cache_path.empty()) return;
+    window.link.CacheSoundDir = FolderOfPath(cache_path);
+    // Marked before loading: the title stores the location, and a load that fails makes it a PC's again.
+    window.document.current_path = cache_path;
+    window.document.location_flag = kOnDevice;
+    LoadDocument(window, kSuffixVeloxa);
+}
+
+void Disconnection_Click(sndmain& window) {
+    if (window.library.Cor_SetupDisconnection) window.library.Cor_SetupDisconnection();
+}
+
+bool Disconnect(sndmain& window) {
+    if (!window.library.Cor_DoDisconnect) return true;
+    return window.library.Cor_DoDisconnect() == 0;
+}
+
+bool UploadFile(sndmain& window, const std::wstring& file_path) {
+    if (!window.library.Cor_PutFile) return false;
+    return window.library.Cor_PutFile(ToAnsi(window.document.device_path).c_str(), ToAnsi(file_path).c_str(),
+                                      0) == 0;
+}
+
+bool ReopenLastFile(sndmain& window, const std::wstring& section) {
+    if (section == L"Sclview") window.link.device_sounds = ListDeviceSounds(window);
+    Document& document = window.document;
+    const std::wstring stored = ReadSetting(kSettingsApplication, section, L"File1", L"");
+    document.current_path = PathInLastDocument(stored, document.location_flag);
+    if (document.current_path.empty()) return false;
+    // What the library says of the path counts for more than the number stored.
+    RememberFolderOfFile(window, document.current_path, window.link.CacheSoundDir, document.location_flag);
+    if (document.location_flag == kOnDevice) {
+        document.current_path = FetchDeviceFile(window, document.current_path);
+    }
+    if (PathExists(document.current_path, kAttributeHidden | kAttributeSystem).empty()) {
+        document.current_path.clear();
+    }
+    return !document.current_path.empty();
+}
+
+} // namespace tonex

@@ -7,6 +7,10 @@ namespace tonex {
 
 struct sndmain;
 
+/// Save to Veloxa. True when the device took the score; otherwise nothing has changed but what the user was
+/// told.
+bool SaveToDevice(sndmain& window);
+
 void mnuFileOpenZ730_Click(sndmain& window);
 void mnuFileOverWriteZ730_Click(sndmain& window);
 void mnuFileSaveWithNameZ730_Click(sndmain& window);

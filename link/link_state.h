@@ -1,7 +1,9 @@
-// The path variables that the link software's installation decides, set once at start-up.
+// The path variables that the link software's installation decides, set once at start-up, and what device
+// work has been done.
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace tonex {
 
@@ -11,6 +13,9 @@ struct LinkState {
     std::wstring CacheSoundDir; ///< later the folder of each device file opened or saved
     std::wstring SystemIniPath; ///< held for the link operations
     std::wstring HelpFilePath;
+    bool device_work = false;                ///< a document was saved to the device in this run
+    bool upload_refused = false;             ///< the device refused what the last save handed over
+    std::vector<std::wstring> device_sounds; ///< device paths, listed only for the suite's viewer
 };
 
 } // namespace tonex
