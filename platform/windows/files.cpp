@@ -1,0 +1,248 @@
+// platform/files.h on Win32. Needs nothing but kernel32, so console programs use it too.
+#include "platform/files.h"
+
+#include "platform/windows/desktop_windows.h"
+
+#include <algorithm>
+#include <cassert>
+#include <new>
+#include <string_view>
+
+namespace tonex {
+
+static_assert(kAttributeReadOnly == FILE_ATTRIBUTE_READONLY && kAttributeHidden == FILE_ATTRIBUTE_HIDDEN &&
+              kAttributeSystem == FILE_ATTRIBUTE_SYSTEM && kAttributeDirectory == FILE_ATTRIBUTE_DIRECTORY &&
+              kAttributeArchive == FILE_ATTRIBUTE_ARCHIVE);
+
+struct OutputFile {
+    HANDLE handle = INVALID_HANDLE_VALUE;
+};
+
+namespace {
+
+// Bytes handed to the system in one call. Larger single calls fail on network folders of old systems.
+constexpr DWORD kLargestTransfer = 16 * 1024 * 1024;
+
+// Attributes that keep a name out of a listing unless they are asked for.
+constexpr std::uint32_t kListedOnRequest = kAttributeHidden | kAttributeSystem | kAttributeDirectory;
+
+// The characters that a listing takes as wildcards, the three of the old system among them.
+bool HasWildcard(std::wstring_view path) {
+    return path.find_first_of(L"*?<>\"") != std::wstring_view::npos;
+}
+
+std::wstring_view WithoutEndingBackslashes(std::wstring_view path) {
+    while (!path.empty() && path.back() == L'\\')
+        path.remove_suffix(1);
+    return path;
+}
+
+bool IsDriveRoot(std::wstring_view path) {
+    return path.size() == 3 && path[1] == L':' && path[2] == L'\\';
+}
+
+bool WriteAll(HANDLE handle, const std::uint8_t* bytes, std::size_t count) {
+    while (count > 0) {
+        const DWORD part = static_cast<DWORD>(std::min<std::size_t>(count, kLargestTransfer));
+        DWORD written = 0;
+        // A full disk takes a part and reports success, so the count decides.
+        if (!WriteFile(handle, bytes, part, &written, nullptr) || written != part) return false;
+        bytes += part;
+        count -= part;
+    }
+    return true;
+}
+
+bool ReadUpTo(HANDLE handle, std::vector<std::uint8_t>& bytes, std::size_t limit) {
+    LARGE_INTEGER size = {};
+    GetFileSizeEx(handle, &size);
+    std::size_t step = std::min<std::size_t>(limit, 64 * 1024);
+    // One byte more than the size, so that the first call that reads nothing needs no larger buffer.
+    if (size.QuadPart > 0 && size.QuadPart < static_cast<LONGLONG>(kLargestTransfer))
+        step = std::min<std::size_t>(limit, static_cast<std::size_t>(size.QuadPart) + 1);
+
+    while (bytes.size() < limit) {
+        const std::size_t start = bytes.size();
+        const std::size_t wanted =
+            std::min({step, limit - start, static_cast<std::size_t>(kLargestTransfer)});
+        bytes.resize(start + wanted);
+        DWORD read = 0;
+        const bool good =
+            ReadFile(handle, bytes.data() + start, static_cast<DWORD>(wanted), &read, nullptr) != 0;
+        bytes.resize(start + (good ? read : 0));
+        if (!good) return false;
+        if (read == 0) return true;
+    }
+    return true;
+}
+
+wchar_t UpperCased(wchar_t letter) {
+    wchar_t upper = letter;
+    LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, &letter, 1, &upper, 1);
+    return upper;
+}
+
+// Whether a name matches a pattern of '*' and '?'.
+bool MatchesPattern(std::wstring_view name, std::wstring_view pattern) {
+    std::size_t n = 0, p = 0;
+    std::size_t star = std::wstring_view::npos, star_n = 0;
+    while (n < name.size()) {
+        if (p < pattern.size() && pattern[p] == L'*') {
+            star = p++;
+            star_n = n;
+        } else if (p < pattern.size() &&
+                   (pattern[p] == L'?' || UpperCased(pattern[p]) == UpperCased(name[n]))) {
+            ++p;
+            ++n;
+        } else if (star != std::wstring_view::npos) {
+            p = star + 1;
+            n = ++star_n;
+        } else {
+            return false;
+        }
+    }
+    while (p < pattern.size() && pattern[p] == L'*')
+        ++p;
+    return p == pattern.size();
+}
+
+} // namespace
+
+std::wstring PathExists(const std::wstring& path, std::uint32_t attribute_mask) {
+    if (path.empty() || HasWildcard(path)) return {};
+    const auto within_mask = [&](DWORD attributes) {
+        return (attributes & kListedOnRequest & ~attribute_mask) == 0;
+    };
+    if (IsDriveRoot(path)) { // a root has no entry of its own in any listing
+        const DWORD attributes = GetFileAttributesW(path.c_str());
+        if (attributes == INVALID_FILE_ATTRIBUTES || !(attribute_mask & kAttributeDirectory)) return {};
+        return path;
+    }
+    const std::wstring entry(WithoutEndingBackslashes(path));
+    if (entry.empty()) return {};
+    WIN32_FIND_DATAW found;
+    const HANDLE listing = FindFirstFileW(entry.c_str(), &found);
+    if (listing == INVALID_HANDLE_VALUE) return {};
+    FindClose(listing);
+    if (entry.size() != path.size() && !(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) return {};
+    return within_mask(found.dwFileAttributes) ? std::wstring(found.cFileName) : std::wstring();
+}
+
+std::optional<std::uint32_t> AttributesOf(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return std::nullopt;
+    return attributes;
+}
+
+bool SetAttributesOf(const std::wstring& path, std::uint32_t attributes) {
+    // No attribute at all has a value of its own.
+    return SetFileAttributesW(path.c_str(), attributes ? attributes : FILE_ATTRIBUTE_NORMAL) != 0;
+}
+
+bool RemoveFile(const std::wstring& path) {
+    return DeleteFileW(path.c_str()) != 0;
+}
+
+bool ReadWholeFile(const std::wstring& path, std::vector<std::uint8_t>& bytes, std::size_t limit) {
+    bytes.clear();
+    const HANDLE handle =
+        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return false;
+    bool good = false;
+    try {
+        good = ReadUpTo(handle, bytes, limit);
+    } catch (const std::bad_alloc&) {
+        good = false;
+    }
+    CloseHandle(handle);
+    if (!good) bytes.clear();
+    return good;
+}
+
+void OutputFileCloser::operator()(OutputFile* file) const {
+    CloseHandle(file->handle);
+    delete file;
+}
+
+OutputFilePtr CreateOutput(const std::wstring& path) {
+    const HANDLE handle = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                      CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return nullptr;
+    return OutputFilePtr(new OutputFile{handle});
+}
+
+bool WriteOutput(OutputFile& file, const std::uint8_t* bytes, std::size_t count) {
+    return WriteAll(file.handle, bytes, count);
+}
+
+bool PatchOutput(OutputFile& file, std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) {
+    LARGE_INTEGER append = {}, target = {}, none = {};
+    if (!SetFilePointerEx(file.handle, none, &append, FILE_CURRENT)) return false;
+    assert(offset + count <= static_cast<std::uint64_t>(append.QuadPart));
+    target.QuadPart = static_cast<LONGLONG>(offset);
+    if (!SetFilePointerEx(file.handle, target, nullptr, FILE_BEGIN)) return false;
+    const bool written = WriteAll(file.handle, bytes, count);
+    return SetFilePointerEx(file.handle, append, nullptr, FILE_BEGIN) && written;
+}
+
+bool FlushOutput(OutputFile& file) {
+    return FlushFileBuffers(file.handle) != 0;
+}
+
+bool CloseOutput(OutputFilePtr file) {
+    if (!file) return false;
+    OutputFile* const released = file.release();
+    const bool closed = CloseHandle(released->handle) != 0;
+    delete released;
+    return closed;
+}
+
+bool RenameOver(const std::wstring& from, const std::wstring& to) {
+    return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
+}
+
+std::vector<std::wstring> ListFiles(const std::wstring& folder, const std::wstring& pattern) {
+    std::vector<std::wstring> names;
+    const std::wstring query = std::wstring(WithoutEndingBackslashes(folder)) + L"\\" + pattern;
+    WIN32_FIND_DATAW found;
+    const HANDLE listing = FindFirstFileW(query.c_str(), &found);
+    if (listing == INVALID_HANDLE_VALUE) return names;
+    do {
+        // The system compares the short names too, by which "*.snd" also finds "tune.sndx".
+        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) && MatchesPattern(found.cFileName, pattern))
+            names.emplace_back(found.cFileName);
+    } while (FindNextFileW(listing, &found));
+    FindClose(listing);
+    return names;
+}
+
+std::optional<std::uint64_t> AgeOfFile(const std::wstring& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) return std::nullopt;
+    if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) return std::nullopt;
+    FILETIME time_now;
+    GetSystemTimeAsFileTime(&time_now);
+    const auto ticks = [](const FILETIME& time) { // of 100 ns
+        return static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+    };
+    const std::uint64_t now = ticks(time_now), written = ticks(data.ftLastWriteTime);
+    return now > written ? (now - written) / 10'000'000 : 0; // a clock set back makes no file older
+}
+
+void PauseBriefly(std::uint32_t milliseconds) {
+    Sleep(milliseconds);
+}
+
+std::uint32_t UniqueNumber() {
+    // The start differs between processes, the counter between calls.
+    static LONG counter = 0;
+    static const std::uint32_t start = [] {
+        LARGE_INTEGER fine = {};
+        QueryPerformanceCounter(&fine);
+        return GetCurrentProcessId() * 2654435761u ^ GetTickCount() * 40503u ^ fine.LowPart;
+    }();
+    return start + static_cast<std::uint32_t>(InterlockedIncrement(&counter));
+}
+
+} // namespace tonex

@@ -1,0 +1,78 @@
+// The help half of platform/main_window.h on Win32.
+#include "platform/main_window.h"
+
+#include "platform/files.h"
+#include "platform/windows/desktop_windows.h"
+
+#include <shellapi.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <vector>
+
+namespace tonex {
+
+namespace {
+
+constexpr std::array<std::uint8_t, 4> kHelpFileMark = {0x3F, 0x5F, 0x03, 0x00};
+
+// Since Vista the system holds a reader of a few kilobytes that only says that there is none. The real one,
+// which can be added, has more than this.
+constexpr std::uint64_t kSmallestRealReader = 64 * 1024;
+
+bool IsHelpFile(const std::wstring& path) {
+    std::vector<std::uint8_t> mark;
+    return ReadWholeFile(path, mark, kHelpFileMark.size()) &&
+           std::equal(mark.begin(), mark.end(), kHelpFileMark.begin(), kHelpFileMark.end());
+}
+
+bool SystemHasHelpReader() {
+    wchar_t folder[MAX_PATH];
+    const UINT length = GetWindowsDirectoryW(folder, static_cast<UINT>(std::size(folder)));
+    if (length == 0 || length >= std::size(folder)) return false;
+    const std::wstring reader = std::wstring(folder, length) + L"\\winhlp32.exe";
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (!GetFileAttributesExW(reader.c_str(), GetFileExInfoStandard, &data)) return false;
+    return (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32 | data.nFileSizeLow) >= kSmallestRealReader;
+}
+
+} // namespace
+
+bool OpenHelpFile(const std::wstring& path, std::uint32_t command, const std::wstring& key) {
+    // The system's call reports success for a missing file, for no help file, and with no reader.
+    if (!IsHelpFile(path) || !SystemHasHelpReader()) return false;
+    using HelpFunction = BOOL(WINAPI*)(HWND, const wchar_t*, UINT, ULONG_PTR);
+    const auto help = LibraryFunction<HelpFunction>(GetModuleHandleW(L"user32.dll"), "WinHelpW");
+    if (!help) return false;
+    const InProgramFolder no_document_folder;
+    return help(Hooks().main_window, path.c_str(), command, reinterpret_cast<ULONG_PTR>(key.c_str())) != 0;
+}
+
+bool OpenHelpGuide() {
+    const std::wstring guide = ProgramFolder() + L"\\Veloxa.htm";
+    if (PathExists(guide, kAttributeHidden | kAttributeSystem).empty()) return false;
+    using ShellFunction =
+        HINSTANCE(WINAPI*)(HWND, const wchar_t*, const wchar_t*, const wchar_t*, const wchar_t*, INT);
+    const auto open = LibraryFunction<ShellFunction>(SystemLibrary(L"shell32.dll"), "ShellExecuteW");
+    if (!open) return false;
+    const HINSTANCE result =
+        open(Hooks().main_window, L"open", guide.c_str(), nullptr, ProgramFolder().c_str(), SW_SHOWNORMAL);
+    return reinterpret_cast<INT_PTR>(result) > 32; // smaller numbers are error codes
+}
+
+std::wstring ProgramFolder() {
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) { // a path that fills the buffer was cut
+        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            break;
+        }
+        path.resize(path.size() * 2);
+    }
+    const std::size_t backslash = path.rfind(L'\\');
+    return backslash == std::wstring::npos ? std::wstring() : path.substr(0, backslash);
+}
+
+} // namespace tonex

@@ -1,0 +1,47 @@
+// The hooks, and the rules by which libraries are found.
+#include "platform/windows/desktop_windows.h"
+
+#include "platform/main_window.h"
+
+#include <iterator>
+
+namespace tonex {
+
+DesktopHooks& Hooks() {
+    static DesktopHooks hooks;
+    return hooks;
+}
+
+void ShowDifferencesNow() {
+    if (Hooks().show_differences) Hooks().show_differences();
+}
+
+void SecureLibrarySearch() {
+    // Not in the first edition of XP; there InProgramFolder alone guards the search.
+    using SetDllDirectoryFunction = BOOL(WINAPI*)(const wchar_t*);
+    const auto set_folder =
+        LibraryFunction<SetDllDirectoryFunction>(GetModuleHandleW(L"kernel32.dll"), "SetDllDirectoryW");
+    if (set_folder) set_folder(L"");
+}
+
+HMODULE SystemLibrary(const wchar_t* file_name) {
+    wchar_t folder[MAX_PATH];
+    const UINT length = GetSystemDirectoryW(folder, static_cast<UINT>(std::size(folder)));
+    if (length == 0 || length >= std::size(folder)) return nullptr;
+    const std::wstring path = std::wstring(folder, length) + L"\\" + file_name;
+    // The system counts the loads of a library; a second one only finds it.
+    return LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+
+InProgramFolder::InProgramFolder() {
+    const DWORD size = GetCurrentDirectoryW(0, nullptr);
+    previous.resize(size);
+    previous.resize(size ? GetCurrentDirectoryW(size, previous.data()) : 0);
+    SetCurrentDirectoryW((ProgramFolder() + L"\\").c_str());
+}
+
+InProgramFolder::~InProgramFolder() {
+    if (!previous.empty()) SetCurrentDirectoryW(previous.c_str());
+}
+
+} // namespace tonex
