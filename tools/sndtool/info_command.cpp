@@ -1,0 +1,131 @@
+#include "tools/sndtool/sndtool.h"
+
+#include "preview/synthesis.h"
+#include "preview/timing_tables.h"
+#include "score/melody_text.h"
+#include "tools/sndtool/console.h"
+#include "tools/sndtool/inputs.h"
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace tonex {
+
+namespace {
+
+struct Facts {
+    int entries = 0;
+    int notes = 0;
+    int rests = 0;
+    int separators = 0;
+    int unknown = 0; ///< entries with a code that no writer of ours makes
+    int lowest = 0;  ///< pitch, 0 when there is no note
+    int highest = 0;
+    double seconds = 0.0;
+};
+
+Facts FactsOf(const SndInput& snd) {
+    Facts facts;
+    facts.entries = CountEntries(snd.list);
+    for (int i = 0; i < facts.entries; ++i) {
+        const FileEntry& entry = snd.list[static_cast<std::size_t>(i)];
+        if (entry.code == 200) {
+            ++facts.separators;
+        } else if (entry.code >= 100 && entry.code < 120) {
+            ++facts.rests;
+        } else if (entry.code >= 20) {
+            ++facts.unknown;
+        } else {
+            const int pitch = entry.pitch + 1;
+            if (facts.notes++ == 0 || pitch < facts.lowest) facts.lowest = pitch;
+            if (pitch > facts.highest) facts.highest = pitch;
+        }
+    }
+    PlayBlock block;
+    if (!ReadPlayBlock(snd.bytes, block)) return facts;
+    int units = 0;
+    for (std::size_t i = 0; i + 1 < block.records.size(); i += 2) {
+        const int low = block.records[i + 1] & 15;
+        units += low == 0 ? 16 : low;
+    }
+    facts.seconds = units * static_cast<int>(block.tempo_byte) / 64.0; // a unit lasts tempo byte / 64 seconds
+    return facts;
+}
+
+std::string SecondsText(double seconds) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3f", seconds);
+    return text;
+}
+
+std::string Narrow(std::wstring_view ascii) {
+    return std::string(ascii.begin(), ascii.end());
+}
+
+std::string PlainText(const std::string& name, const SndInput& snd, const Facts& facts) {
+    const std::string tempo_name = Narrow(TempoNameOf(snd.tempo));
+    std::string text = name + "\n";
+    text += "  tempo        " + std::to_string(snd.tempo);
+    text += tempo_name.empty() ? "\n" : " (" + tempo_name + ")\n";
+    text += "  timing mode  " + std::to_string(snd.mode) + "\n";
+    text += "  entries      " + std::to_string(facts.entries) + "\n";
+    text += "  notes        " + std::to_string(facts.notes) + "\n";
+    text += "  rests        " + std::to_string(facts.rests) + "\n";
+    text += "  separators   " + std::to_string(facts.separators) + "\n";
+    if (facts.unknown > 0) text += "  unknown      " + std::to_string(facts.unknown) + "\n";
+    text += "  lowest note  " + (facts.notes > 0 ? PitchTextOf(facts.lowest) : "-") + "\n";
+    text += "  highest note " + (facts.notes > 0 ? PitchTextOf(facts.highest) : "-") + "\n";
+    text += "  duration     " + SecondsText(facts.seconds) + " s\n";
+    return text;
+}
+
+nlohmann::ordered_json JsonOf(const std::string& name, const SndInput& snd, const Facts& facts) {
+    nlohmann::ordered_json object;
+    object["file"] = name;
+    object["tempo"] = snd.tempo;
+    object["timing_mode"] = snd.mode;
+    object["entries"] = facts.entries;
+    object["notes"] = facts.notes;
+    object["rests"] = facts.rests;
+    object["separators"] = facts.separators;
+    object["unknown"] = facts.unknown;
+    object["lowest_note"] = nullptr;
+    object["highest_note"] = nullptr;
+    if (facts.notes > 0) {
+        object["lowest_note"] = PitchTextOf(facts.lowest);
+        object["highest_note"] = PitchTextOf(facts.highest);
+    }
+    object["duration_seconds"] = facts.seconds;
+    return object;
+}
+
+} // namespace
+
+int InfoCommand(const Arguments& files, bool as_json) {
+    if (!StandardInputOnce(files)) return kExitWrongUsage;
+    int status = kExitGood;
+    std::string text;
+    auto array = nlohmann::ordered_json::array();
+    for (const std::string& file : files) {
+        SndInput snd;
+        std::string reason;
+        if (!ReadSnd(file, snd, reason)) {
+            status = kExitBadInput;
+            array.push_back({{"file", file}, {"error", reason}});
+            continue;
+        }
+        const Facts facts = FactsOf(snd);
+        if (as_json) {
+            array.push_back(JsonOf(file, snd, facts));
+        } else {
+            text += (text.empty() ? "" : "\n") + PlainText(file, snd, facts);
+        }
+    }
+    // JSON is UTF-8; a byte of a file name that is not becomes the replacement character.
+    if (as_json) text = array.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    if (WriteText(text)) return status;
+    Complain("standard output", "can not be written");
+    return kExitBadInput;
+}
+
+} // namespace tonex

@@ -1,0 +1,102 @@
+// The command line of sndtool.
+#include "tools/sndtool/console.h"
+#include "tools/sndtool/sndtool.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
+
+namespace tonex {
+
+namespace {
+
+struct Options {
+    Arguments files;
+    std::string output;
+    bool as_json = false;
+    bool fit = false;
+};
+
+constexpr const char* kFooter =
+    "A file named - is standard input or output.\n"
+    "Exit status: 0 good, 1 bad input or an output that can not be written, 2 wrong usage.";
+
+void DescribeCommands(CLI::App& app, Options& options) {
+    app.allow_windows_style_options(false); // a path may start with a slash
+    app.require_subcommand(1);
+    app.set_version_flag("--version", "sndtool " TONEX_VERSION);
+    app.footer(kFooter);
+
+    const auto files = [&](CLI::App* command, const char* name, const char* help) {
+        command->add_option(name, options.files, help)->required()->option_text(std::string(name) + "...");
+    };
+    const auto output = [&](CLI::App* command, const char* help) {
+        command->add_option("-o,--output", options.output, help)->option_text("OUT|DIR");
+    };
+
+    CLI::App* info = app.add_subcommand("info", "Tell tempo, timing mode, entries, notes and duration");
+    files(info, "FILE", "SND files");
+    info->add_flag("--json", options.as_json, "As JSON: an array with one object a file");
+
+    CLI::App* check = app.add_subcommand("check", "Check that files are as the editor writes them");
+    files(check, "FILE", "SND files");
+
+    CLI::App* wav = app.add_subcommand("wav", "Convert SND files to WAV files");
+    files(wav, "IN.snd", "SND files");
+    output(wav, "File, folder or -; without it IN.wav beside each file");
+
+    CLI::App* text = app.add_subcommand("text", "Print a SND file as melody text");
+    text->add_option("IN.snd", options.files, "SND file")->required()->expected(1)->option_text("IN.snd");
+
+    CLI::App* build = app.add_subcommand("build", "Build SND files from melody text");
+    files(build, "IN.txt", "Melody text");
+    output(build, "File, folder or -; without it IN.snd beside each file");
+    build->add_flag("--fit", options.fit, "Write the part that fits the play block and report the rest");
+}
+
+/// Answers --help and --version, or tells what is wrong with the command line.
+int AnswerParseEnd(const CLI::App& app, const CLI::ParseError& end) {
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = app.exit(end, out, err);
+    WriteErrorText(err.str());
+    if (code != 0) return kExitWrongUsage;
+    return WriteText(out.str()) ? kExitGood : kExitBadInput;
+}
+
+int RunCommand(const CLI::App& app, const Options& options) {
+    const std::string command = app.get_subcommands().front()->get_name();
+    if (command == "info") return InfoCommand(options.files, options.as_json);
+    if (command == "check") return CheckCommand(options.files);
+    if (command == "wav") return WavCommand(options.files, options.output);
+    if (command == "text") return TextCommand(options.files.front());
+    return BuildCommand(options.files, options.output, options.fit);
+}
+
+int RunSndtool(int count, char** given) {
+    std::vector<std::string> arguments = StartConsole(count, given);
+    Options options;
+    CLI::App app("Sound Editor's companion: looks at, checks, converts and builds melody files (SND)",
+                 "sndtool");
+    DescribeCommands(app, options);
+    try {
+        std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
+        app.parse(std::move(arguments));
+    } catch (const CLI::ParseError& end) {
+        return AnswerParseEnd(app, end);
+    }
+    return RunCommand(app, options);
+}
+
+} // namespace
+
+} // namespace tonex
+
+int main(int count, char** arguments) {
+    try {
+        return tonex::RunSndtool(count, arguments);
+    } catch (const std::exception& error) {
+        tonex::WriteErrorText(std::string("sndtool: ") + error.what() + "\n");
+        return tonex::kExitBadInput;
+    }
+}

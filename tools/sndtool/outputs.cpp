@@ -1,0 +1,122 @@
+#include "tools/sndtool/outputs.h"
+
+#include "platform/files.h"
+#include "score/save_file.h"
+#include "tools/sndtool/console.h"
+#include "tools/sndtool/inputs.h"
+
+#include <cstddef>
+
+namespace tonex {
+
+namespace {
+
+#ifdef _WIN32
+constexpr std::string_view kSeparators = "\\/";
+constexpr char kSeparator = '\\';
+#else
+constexpr std::string_view kSeparators = "/";
+constexpr char kSeparator = '/';
+#endif
+
+bool IsFolder(const std::string& argument) {
+    const auto attributes = AttributesOf(PathOfArgument(argument));
+    return attributes && (*attributes & kAttributeDirectory) != 0;
+}
+
+bool EndsWithSeparator(const std::string& argument) {
+    return !argument.empty() && kSeparators.find(argument.back()) != std::string_view::npos;
+}
+
+/// Where the file name starts in an argument.
+std::size_t NameStart(const std::string& argument) {
+    const std::size_t separator = argument.find_last_of(kSeparators);
+    return separator == std::string::npos ? 0 : separator + 1;
+}
+
+std::string WithExtension(const std::string& argument, const std::string& extension) {
+    const std::size_t dot = argument.rfind('.');
+    // A dot in a folder's name, or the one that a hidden file's name starts with, begins no extension.
+    if (dot == std::string::npos || dot <= NameStart(argument)) return argument + extension;
+    return argument.substr(0, dot) + extension;
+}
+
+bool Refuse(const std::string& reason) {
+    WriteErrorText("sndtool: " + reason + "\n");
+    return false;
+}
+
+/// The output of one input, as an argument; false with the user told.
+bool OutputOf(const std::string& input, const std::string& output, bool into_folder,
+              const std::string& extension, std::string& result) {
+    if (output.empty()) {
+        result = input == kStandardStream ? std::string(kStandardStream) : WithExtension(input, extension);
+        return true;
+    }
+    if (!into_folder) {
+        result = output;
+        return true;
+    }
+    if (input == kStandardStream) return Refuse("standard input has no name for a file in " + output);
+    const std::string name = WithExtension(input.substr(NameStart(input)), extension);
+    result = EndsWithSeparator(output) ? output + name : output + kSeparator + name;
+    return true;
+}
+
+} // namespace
+
+bool PlanJobs(const std::vector<std::string>& inputs, const std::string& output, const std::string& extension,
+              std::vector<Job>& jobs) {
+    if (!StandardInputOnce(inputs)) return false;
+    const bool into_folder = !output.empty() && output != kStandardStream && IsFolder(output);
+    if (!into_folder && EndsWithSeparator(output)) return Refuse(output + " is no folder");
+    if (!into_folder && !output.empty() && inputs.size() > 1) {
+        return Refuse("several files need a folder behind -o, and " + output + " is none");
+    }
+    for (const std::string& input : inputs) {
+        Job job;
+        job.input = input;
+        if (!OutputOf(input, output, into_folder, extension, job.output)) return false;
+        if (job.output == kStandardStream) {
+            job.stream = true;
+            if (StandardOutputIsTerminal()) return Refuse("the result is no text for a terminal: give -o");
+        } else {
+            job.path = PathOfArgument(job.output);
+            job.stream = IsStreamPath(job.path);
+        }
+        for (const Job& other : jobs) {
+            if (!job.stream && other.path == job.path) {
+                return Refuse(other.input + " and " + input + " would both become " + job.output);
+            }
+        }
+        jobs.push_back(job);
+    }
+    for (const Job& job : jobs) {
+        for (const std::string& input : inputs) {
+            if (job.stream || input == kStandardStream || PathOfArgument(input) != job.path) continue;
+            return Refuse(job.output + " is an input and would be replaced");
+        }
+    }
+    return true;
+}
+
+bool WriteJobOutput(const Job& job, std::span<const std::uint8_t> bytes) {
+    bool written = false;
+    if (!job.stream) {
+        written = SaveWholeFile(job.path, bytes);
+    } else if (job.path.empty()) {
+        written = WriteStream(StandardOutput(), bytes.data(), bytes.size());
+    } else if (const Stream stream = OpenStream(job.path); stream != kNoStream) {
+        written = WriteStream(stream, bytes.data(), bytes.size());
+        written = CloseStream(stream) && written;
+    }
+    if (!written) ComplainOutput(job);
+    return written;
+}
+
+void ComplainOutput(const Job& job) {
+    const std::string name = job.output == kStandardStream ? "standard output" : job.output;
+    WriteErrorText("sndtool: " + name + ": can not be written\n");
+}
+
+} // namespace tonex
