@@ -66,4 +66,6 @@ std::vector<std::uint32_t> ProgramIconPixels(int size_px) {
     return std::vector<std::uint32_t>(static_cast<std::size_t>(size_px) * static_cast<std::size_t>(size_px), 0xFF3D6EA5);
 }
 
+int NoteHeadLeft(int, bool) { return (kPictureWidth - 142) / 2; }
+
 } // namespace tonex

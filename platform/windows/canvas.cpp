@@ -1,0 +1,137 @@
+// Drawing into a device-independent bitmap. Windows-only because text and the copy to the screen are GDI's.
+#include "platform/windows/canvas.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tonex {
+
+namespace {
+
+std::uint32_t ToPixel(COLORREF colour) {
+    return static_cast<std::uint32_t>(GetRValue(colour)) << 16 |
+           static_cast<std::uint32_t>(GetGValue(colour)) << 8 | GetBValue(colour);
+}
+
+std::uint32_t MixPixels(std::uint32_t below, std::uint32_t above, unsigned alpha) {
+    const auto channel = [&](int shift) {
+        const unsigned from = below >> shift & 0xFF, to = above >> shift & 0xFF;
+        return (from * (255 - alpha) + to * alpha + 127) / 255 << shift;
+    };
+    return channel(0) | channel(8) | channel(16);
+}
+
+RECT Clipped(const Canvas& canvas, const RECT& area) {
+    return {std::max<LONG>(area.left, 0), std::max<LONG>(area.top, 0),
+            std::min<LONG>(area.right, canvas.width), std::min<LONG>(area.bottom, canvas.height)};
+}
+
+/// The part of a pixel at distance (x, y) from a corner circle's centre that lies inside the circle, 0 to 255.
+unsigned CornerCoverage(int x, int y, int radius) {
+    const float dx = static_cast<float>(x) + 0.5f, dy = static_cast<float>(y) + 0.5f;
+    const float inside = static_cast<float>(radius) + 0.5f - std::sqrt(dx * dx + dy * dy);
+    return static_cast<unsigned>(std::clamp(inside, 0.0f, 1.0f) * 255.0f);
+}
+
+} // namespace
+
+bool ResizeCanvas(Canvas& canvas, int width, int height) {
+    if (canvas.bitmap && width <= canvas.width && height <= canvas.height) return false;
+    width = std::max(width, canvas.width);
+    height = std::max(height, canvas.height);
+    FreeCanvas(canvas);
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = std::max(width, 1);
+    info.bmiHeader.biHeight = -std::max(height, 1);
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    void* bits = nullptr;
+    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    if (!bitmap) return false;
+    canvas.dc = CreateCompatibleDC(nullptr);
+    canvas.bitmap = bitmap;
+    canvas.old_bitmap = SelectObject(canvas.dc, bitmap);
+    canvas.bits = static_cast<std::uint32_t*>(bits);
+    canvas.width = std::max(width, 1);
+    canvas.height = std::max(height, 1);
+    SetBkMode(canvas.dc, TRANSPARENT);
+    return true;
+}
+
+void FreeCanvas(Canvas& canvas) {
+    if (canvas.dc) {
+        SelectObject(canvas.dc, canvas.old_bitmap);
+        DeleteDC(canvas.dc);
+    }
+    if (canvas.bitmap) DeleteObject(canvas.bitmap);
+    canvas = {};
+}
+
+void FillArea(Canvas& canvas, const RECT& area, COLORREF colour) {
+    const RECT r = Clipped(canvas, area);
+    if (r.left >= r.right) return;
+    GdiFlush();
+    const std::uint32_t pixel = ToPixel(colour);
+    for (LONG y = r.top; y < r.bottom; ++y) {
+        std::uint32_t* row = canvas.bits + y * canvas.width;
+        std::fill(row + r.left, row + r.right, pixel);
+    }
+}
+
+void TintArea(Canvas& canvas, const RECT& area, COLORREF colour, int share) {
+    const RECT r = Clipped(canvas, area);
+    GdiFlush();
+    const std::uint32_t pixel = ToPixel(colour);
+    for (LONG y = r.top; y < r.bottom; ++y)
+        for (LONG x = r.left; x < r.right; ++x) {
+            std::uint32_t& p = canvas.bits[y * canvas.width + x];
+            p = MixPixels(p, pixel, static_cast<unsigned>(share));
+        }
+}
+
+void BlendMask(Canvas& canvas, const CoverageMask& mask, int x, int y, COLORREF colour, const RECT& clip) {
+    const RECT r = Clipped(canvas, clip);
+    GdiFlush();
+    const std::uint32_t pixel = ToPixel(colour);
+    const int top = std::max<int>(0, static_cast<int>(r.top) - y);
+    const int bottom = std::min<int>(mask.height, static_cast<int>(r.bottom) - y);
+    const int left = std::max<int>(0, static_cast<int>(r.left) - x);
+    const int right = std::min<int>(mask.width, static_cast<int>(r.right) - x);
+    for (int row = top; row < bottom; ++row)
+        for (int column = left; column < right; ++column) {
+            const std::uint8_t alpha = mask.alpha[static_cast<std::size_t>(row * mask.width + column)];
+            if (alpha == 0) continue;
+            std::uint32_t& p = canvas.bits[(y + row) * canvas.width + x + column];
+            p = MixPixels(p, pixel, alpha);
+        }
+}
+
+void FillRound(Canvas& canvas, const RECT& area, int radius, COLORREF colour, bool square_top) {
+    const RECT r = Clipped(canvas, area);
+    GdiFlush();
+    const std::uint32_t pixel = ToPixel(colour);
+    for (LONG y = r.top; y < r.bottom; ++y)
+        for (LONG x = r.left; x < r.right; ++x) {
+            // Distance of the pixel into the corner's square, counted from the circle's centre.
+            const int from_left = radius - 1 - static_cast<int>(x - area.left);
+            const int from_right = radius - static_cast<int>(area.right - x);
+            const int from_top = square_top ? -1 : radius - 1 - static_cast<int>(y - area.top);
+            const int from_bottom = radius - static_cast<int>(area.bottom - y);
+            const int dx = std::max(from_left, from_right), dy = std::max(from_top, from_bottom);
+            std::uint32_t& p = canvas.bits[y * canvas.width + x];
+            p = dx < 0 || dy < 0 ? pixel : MixPixels(p, pixel, CornerCoverage(dx, dy, radius));
+        }
+}
+
+void DrawCentred(Canvas& canvas, const RECT& area, std::wstring_view text, HFONT font, COLORREF colour) {
+    if (text.empty()) return;
+    const HGDIOBJ old = SelectObject(canvas.dc, font);
+    SetTextColor(canvas.dc, colour);
+    RECT r = area;
+    DrawTextW(canvas.dc, text.data(), static_cast<int>(text.size()), &r,
+              DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+    SelectObject(canvas.dc, old);
+}
+
+} // namespace tonex

@@ -1,0 +1,116 @@
+// About, transfer reminder and converting window, from dialog resources. Windows-only by nature.
+#include "platform/windows/dialogs.h"
+
+#include "link/settings.h"
+#include "platform/windows/main_window.h"
+#include "platform/windows/resource.h"
+
+#include <commctrl.h>
+
+namespace tonex {
+
+namespace {
+
+void CentreOn(HWND window, const RECT& area) {
+    RECT own;
+    GetWindowRect(window, &own);
+    const LONG width = own.right - own.left, height = own.bottom - own.top;
+    SetWindowPos(window, nullptr, static_cast<int>(area.left + (area.right - area.left - width) / 2),
+                 static_cast<int>(area.top + (area.bottom - area.top - height) / 2), 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+}
+
+void CentreOnScreen(HWND window) { CentreOn(window, {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}); }
+
+void CentreOnMain(HWND window) {
+    RECT area;
+    GetWindowRect(TheMainWindow().window, &area);
+    CentreOn(window, area);
+}
+
+std::wstring VersionText() { return L"Version " TONEX_VERSION; }
+
+bool ClosesDialog(WPARAM wparam) {
+    const int id = LOWORD(wparam);
+    return id == IDC_COMMAND1 || id == IDCANCEL || id == IDOK;
+}
+
+INT_PTR CALLBACK GlobalVersionProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+    switch (message) {
+    case WM_INITDIALOG:
+        SetDlgItemTextW(dialog, IDC_APPLICATIONS, (L"Sound Editor, " + VersionText()).c_str());
+        CentreOnMain(dialog);
+        return TRUE;
+    case WM_COMMAND: return ClosesDialog(wparam) ? EndDialog(dialog, 0) : FALSE;
+    default: return FALSE;
+    }
+}
+
+INT_PTR CALLBACK VersionSndProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+    switch (message) {
+    case WM_INITDIALOG:
+        SetDlgItemTextW(dialog, IDC_OWN_VERSION, VersionText().c_str());
+        CentreOnScreen(dialog);
+        return TRUE;
+    case WM_COMMAND: return ClosesDialog(wparam) ? EndDialog(dialog, 0) : FALSE;
+    default: return FALSE;
+    }
+}
+
+INT_PTR CALLBACK ReminderProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+    switch (message) {
+    case WM_INITDIALOG:
+        SetDlgItemTextW(dialog, IDC_MSG, L"Transfer all data by PC Ferry to Corvane after close\r\n[Sound Editor]");
+        CentreOnScreen(dialog);
+        return TRUE;
+    case WM_HELP: // F1
+        ShowHelp(TheMainWindow().record);
+        return TRUE;
+    case WM_COMMAND:
+        if (!ClosesDialog(wparam)) return FALSE;
+        EndDialog(dialog, IsDlgButtonChecked(dialog, IDC_MSG_CHECK) == BST_CHECKED);
+        return TRUE;
+    default: return FALSE;
+    }
+}
+
+INT_PTR CALLBACK ConvertProc(HWND, UINT message, WPARAM, LPARAM) {
+    return message == WM_INITDIALOG || message == WM_CLOSE; // the conversion can not be cancelled
+}
+
+INT_PTR RunDialog(MainWindow& main, int id, DLGPROC procedure) {
+    ShowDifferences(main);
+    return DialogBoxParamW(Hooks().instance, MAKEINTRESOURCEW(id), main.window, procedure, 0);
+}
+
+HWND CreateConvertWindow(MainWindow& main) {
+    HWND made = CreateDialogParamW(Hooks().instance, MAKEINTRESOURCEW(IDD_CONVERT), main.window, ConvertProc, 0);
+    if (!made) return nullptr;
+    const ConvertWindow& convert = main.record.FrmWavConvert;
+    const Scale& scale = main.theme.scale;
+    SetWindowPos(made, nullptr, ToPixelsX(scale, convert.Left), ToPixelsY(scale, convert.Top), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    ShowWindow(made, SW_SHOWNOACTIVATE);
+    return made;
+}
+
+} // namespace
+
+void ShowConvertWindow(MainWindow& main) {
+    const ConvertWindow& convert = main.record.FrmWavConvert;
+    if (!convert.Loaded) {
+        if (main.convert) DestroyWindow(main.convert);
+        main.convert = nullptr;
+        return;
+    }
+    if (!main.convert) main.convert = CreateConvertWindow(main);
+    HWND bar = GetDlgItem(main.convert, IDC_PROGRESS);
+    SendMessageW(bar, PBM_SETRANGE32, static_cast<WPARAM>(convert.Min), convert.Max);
+    SendMessageW(bar, PBM_SETPOS, static_cast<WPARAM>(convert.Value), 0);
+    UpdateWindow(main.convert);
+}
+
+void ShowGlobalVersion(MainWindow& main) { RunDialog(main, IDD_GLOBAL_VERSION, GlobalVersionProc); }
+void ShowVersionSnd(MainWindow& main) { RunDialog(main, IDD_VERSION_SND, VersionSndProc); }
+bool ShowReminder(MainWindow& main) { return RunDialog(main, IDD_TRANSFER_REMINDER, ReminderProc) == 1; }
+
+} // namespace tonex

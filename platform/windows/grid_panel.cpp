@@ -1,0 +1,245 @@
+// The score grid: one row of cells with cursor, selection and scroll bar. Windows-only drawing and input; every
+// event becomes a call of the note-entry procedures.
+#include "platform/main_window.h"
+#include "platform/windows/main_window.h"
+
+#include "view/note_entry.h"
+#include "view/note_names.h"
+
+#include <oleacc.h>
+#include <windowsx.h>
+
+#include <algorithm>
+
+namespace tonex {
+
+namespace {
+
+constexpr UINT_PTR kDragTimer = 1;
+constexpr UINT kDragPeriod = 60; ///< milliseconds a column while a selection is dragged beyond the grid's edge
+
+const sndmain& Record(const Panel& panel) { return panel.main->record; }
+const ScoreGrid& Grid(const Panel& panel) { return panel.main->record.grdScore; }
+
+int Count(const Panel& panel) {
+    return std::min(kGridColumnsShown, std::max(0, Grid(panel).Cols - Grid(panel).LeftCol));
+}
+
+RECT ItemArea(const Panel& panel, int item) {
+    const ScoreGrid& grid = Grid(panel);
+    const Scale& scale = panel.main->theme.scale;
+    const int left = grid.place.Left + item * Record(panel).standard_col_width;
+    RECT client;
+    GetClientRect(panel.window, &client);
+    return {ToPixelsX(scale, left) - ToPixelsX(scale, grid.place.Left), 0,
+            ToPixelsX(scale, left + Record(panel).standard_col_width) - ToPixelsX(scale, grid.place.Left),
+            client.bottom};
+}
+
+std::wstring ItemName(const Panel& panel, int item) {
+    const sndmain& w = Record(panel);
+    const int slot = w.grdScore.LeftCol + item;
+    if (slot >= kSlots) return {};
+    const Entry& entry = w.score.sound[static_cast<std::size_t>(slot)];
+    return EntryNameOf(entry.code, entry.pitch, w.doremi);
+}
+
+bool Selected(const ScoreGrid& grid, int column) {
+    const auto [low, high] = std::minmax(grid.Col, grid.ColSel);
+    return column >= low && column <= high;
+}
+
+bool ItemChosen(const Panel& panel, int item) { return Selected(Grid(panel), Grid(panel).LeftCol + item); }
+
+int ItemAt(const Panel& panel, POINT point) {
+    for (int item = 0; item < Count(panel); ++item) {
+        const RECT area = ItemArea(panel, item);
+        if (PtInRect(&area, point)) return item;
+    }
+    return -1;
+}
+
+void Press(Panel& panel, int item) {
+    const int column = Grid(panel).LeftCol + item;
+    grdScore_SelChange(panel.main->record, column, column);
+}
+
+// ---- events ----
+
+void Select(Panel& panel, int column, int far_end) {
+    grdScore_SelChange(panel.main->record, column, far_end);
+    ShowDifferences(*panel.main);
+    panel.focus_item = Grid(panel).ColSel - Grid(panel).LeftCol;
+    if (panel.focused) NotifyWinEvent(EVENT_OBJECT_FOCUS, panel.window, OBJID_CLIENT, panel.focus_item + 1);
+}
+
+void ScrollTo(Panel& panel, int left_col) {
+    const int last = std::max(0, Grid(panel).Cols - kGridColumnsShown);
+    grdScore_Scroll(panel.main->record, std::clamp(left_col, 0, last));
+    ShowDifferences(*panel.main);
+}
+
+void Scroll(Panel& panel, int code) {
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_TRACKPOS;
+    GetScrollInfo(panel.window, SB_HORZ, &info);
+    const int left = Grid(panel).LeftCol;
+    switch (code) {
+    case SB_LINELEFT: ScrollTo(panel, left - 1); break;
+    case SB_LINERIGHT: ScrollTo(panel, left + 1); break;
+    case SB_PAGELEFT: ScrollTo(panel, left - kGridColumnsShown); break;
+    case SB_PAGERIGHT: ScrollTo(panel, left + kGridColumnsShown); break;
+    case SB_THUMBTRACK:
+    case SB_THUMBPOSITION: ScrollTo(panel, info.nTrackPos); break;
+    case SB_LEFT: ScrollTo(panel, 0); break;
+    case SB_RIGHT: ScrollTo(panel, Grid(panel).Cols); break;
+    default: break;
+    }
+}
+
+/// Three columns a notch; what is less than a column waits for the next turn.
+void Wheel(Panel& panel, int delta) {
+    panel.wheel += delta * 3;
+    const int columns = panel.wheel / WHEEL_DELTA;
+    panel.wheel -= columns * WHEEL_DELTA;
+    if (columns != 0) ScrollTo(panel, Grid(panel).LeftCol - columns);
+}
+
+/// The column under a point, also left and right of the grid while a selection is dragged there.
+int ColumnAt(const Panel& panel, int x) {
+    const RECT first = ItemArea(panel, 0);
+    const int width = std::max<int>(1, static_cast<int>(first.right));
+    const int column = Grid(panel).LeftCol + (x < 0 ? -1 : x / width);
+    return std::clamp(column, 0, std::max(0, Grid(panel).Cols - 1));
+}
+
+void ButtonDown(Panel& panel, LPARAM lparam) {
+    SetFocus(panel.window);
+    const int column = ColumnAt(panel, GET_X_LPARAM(lparam));
+    SetCapture(panel.window);
+    SetTimer(panel.window, kDragTimer, kDragPeriod, nullptr);
+    const bool extend = GetKeyState(VK_SHIFT) < 0;
+    Select(panel, extend ? Grid(panel).Col : column, column);
+}
+
+void Drag(Panel& panel, int x) {
+    const int column = ColumnAt(panel, x);
+    if (column != Grid(panel).ColSel) Select(panel, Grid(panel).Col, column);
+}
+
+/// Beyond the edges the selection goes on column by column while the button is held.
+void DragTimer(Panel& panel) {
+    POINT point;
+    GetCursorPos(&point);
+    ScreenToClient(panel.window, &point);
+    RECT client;
+    GetClientRect(panel.window, &client);
+    if (point.x >= 0 && point.x < client.right) return;
+    const int next = Grid(panel).ColSel + (point.x < 0 ? -1 : 1);
+    if (next >= 0 && next < Grid(panel).Cols) Select(panel, Grid(panel).Col, next);
+}
+
+void ButtonUp(Panel& panel) {
+    if (GetCapture() != panel.window) return;
+    ReleaseCapture();
+    grdScore_MouseUp(panel.main->record);
+    ShowDifferences(*panel.main);
+}
+
+/// Where a movement key leads from a column; -1 for other keys.
+int Destination(const ScoreGrid& grid, WPARAM key) {
+    switch (key) {
+    case VK_LEFT: return grid.ColSel - 1;
+    case VK_RIGHT: return grid.ColSel + 1;
+    case VK_PRIOR: return grid.ColSel - kGridColumnsShown;
+    case VK_NEXT: return grid.ColSel + kGridColumnsShown;
+    case VK_HOME: return 0;
+    case VK_END: return grid.Cols - 1;
+    default: return -kSlots;
+    }
+}
+
+bool KeyDown(Panel& panel, WPARAM key) {
+    const int to = Destination(Grid(panel), key);
+    if (to == -kSlots) return key == VK_SPACE || key == VK_RETURN;
+    const int column = std::clamp(to, 0, std::max(0, Grid(panel).Cols - 1));
+    const bool extend = GetKeyState(VK_SHIFT) < 0;
+    Select(panel, extend ? Grid(panel).Col : column, column);
+    return true;
+}
+
+void Character(Panel& panel, wchar_t character) {
+    grdScore_KeyPress(panel.main->record, character);
+    ShowDifferences(*panel.main);
+}
+
+bool Message(Panel& panel, UINT message, WPARAM wparam, LPARAM lparam, LRESULT&) {
+    switch (message) {
+    case WM_LBUTTONDOWN:
+    case WM_LBUTTONDBLCLK: ButtonDown(panel, lparam); return true;
+    case WM_MOUSEMOVE:
+        if (GetCapture() != panel.window) return false;
+        Drag(panel, GET_X_LPARAM(lparam));
+        return true;
+    case WM_LBUTTONUP: ButtonUp(panel); return true;
+    case WM_CAPTURECHANGED: KillTimer(panel.window, kDragTimer); return true;
+    case WM_TIMER: DragTimer(panel); return true;
+    case WM_RBUTTONDOWN:
+        PopUpEditMenu();
+        ShowDifferences(*panel.main);
+        return true;
+    case WM_HSCROLL: Scroll(panel, LOWORD(wparam)); return true;
+    case WM_MOUSEWHEEL: Wheel(panel, GET_WHEEL_DELTA_WPARAM(wparam)); return true;
+    case WM_KEYDOWN: return KeyDown(panel, wparam);
+    case WM_CHAR: Character(panel, static_cast<wchar_t>(wparam)); return true;
+    case WM_SETFOCUS: panel.focus_item = std::max(0, Grid(panel).ColSel - Grid(panel).LeftCol); return false;
+    default: return false;
+    }
+}
+
+// ---- painting ----
+
+void PaintCell(Panel& panel, int item) {
+    const ScoreGrid& grid = Grid(panel);
+    const Theme& theme = panel.main->theme;
+    const int column = grid.LeftCol + item;
+    const RECT area = ItemArea(panel, item);
+    const bool chosen = Selected(grid, column);
+    FillArea(panel.canvas, area, chosen ? theme.colours.select : theme.colours.paper);
+    FillArea(panel.canvas, {area.right - 1, area.top, area.right, area.bottom}, theme.colours.rule);
+    const CellText& text = grid.Text[static_cast<std::size_t>(column)];
+    const HFONT font = FontFor(text.View(), theme.fonts.cell, theme.fonts.cell_japanese);
+    DrawCentred(panel.canvas, {area.left, area.top, area.right - 1, area.bottom}, text.View(), font,
+                chosen ? theme.colours.select_text : theme.colours.ink);
+    if (panel.focused && column == grid.ColSel) {
+        RECT mark = {area.left, area.top, area.right - 1, area.bottom};
+        InflateRect(&mark, -1, -1);
+        DrawFocusMark(panel, mark, theme.colours.select_text);
+    }
+}
+
+void PaintPanel(Panel& panel, const RECT& dirty) {
+    const Colours& colours = panel.main->theme.colours;
+    FillArea(panel.canvas, dirty, Mix(colours.paper, colours.face, colours.high_contrast ? 0 : 128));
+    for (int item = 0; item < Count(panel); ++item) {
+        const RECT area = ItemArea(panel, item);
+        RECT part;
+        if (IntersectRect(&part, &area, &dirty)) PaintCell(panel, item);
+    }
+    RECT client;
+    GetClientRect(panel.window, &client);
+    FillArea(panel.canvas, {0, client.bottom - 1, client.right, client.bottom}, colours.rule);
+    FillArea(panel.canvas, {0, 0, 1, client.bottom}, colours.rule);
+    FillArea(panel.canvas, {client.right - 1, 0, client.right, client.bottom}, colours.rule);
+}
+
+int Neighbour(const Panel&, int, WPARAM) { return -1; } // the grid moves its cursor itself
+
+} // namespace
+
+const PanelKind kGridPanel = {L"TonexGrid", L"Score",  ROLE_SYSTEM_CELL, WS_HSCROLL, false,  false,
+                              Count,        ItemArea,  ItemName,         ItemChosen, ItemAt, Press,
+                              Neighbour,    PaintPanel, Message};
+
+} // namespace tonex

@@ -1,0 +1,111 @@
+// What commands ask of the main window: placement, focus, menus and small windows. Windows-only by nature.
+#include "platform/main_window.h"
+
+#include "platform/windows/dialogs.h"
+#include "platform/windows/main_window.h"
+
+namespace tonex {
+
+namespace {
+
+HWND Window() { return TheMainWindow().window; }
+
+/// Moves a rectangle onto the screen nearest to it so that all of it shows, its corner first of all.
+RECT OntoScreen(RECT area) {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    if (!GetMonitorInfoW(MonitorFromRect(&area, MONITOR_DEFAULTTONEAREST), &monitor)) return area;
+    const RECT& work = monitor.rcWork;
+    LONG dx = 0, dy = 0;
+    if (area.right > work.right) dx = work.right - area.right;
+    if (area.left + dx < work.left) dx = work.left - area.left;
+    if (area.bottom > work.bottom) dy = work.bottom - area.bottom;
+    if (area.top + dy < work.top) dy = work.top - area.top;
+    OffsetRect(&area, static_cast<int>(dx), static_cast<int>(dy));
+    return area;
+}
+
+/// At least the smallest size: a stored rectangle may come from another scale or be damaged.
+RECT LargeEnough(RECT area) {
+    const SIZE smallest = MinimumWindowSize(TheMainWindow());
+    if (area.right - area.left < smallest.cx) area.right = area.left + smallest.cx;
+    if (area.bottom - area.top < smallest.cy) area.bottom = area.top + smallest.cy;
+    return area;
+}
+
+} // namespace
+
+bool GetMainWindowPlacement(WindowPlacement& placement) {
+    WINDOWPLACEMENT system{};
+    system.length = sizeof system; // 44
+    if (!GetWindowPlacement(Window(), &system)) return false;
+    placement.flags = static_cast<int>(system.flags);
+    placement.show_state = static_cast<int>(system.showCmd);
+    placement.min_x = static_cast<int>(system.ptMinPosition.x);
+    placement.min_y = static_cast<int>(system.ptMinPosition.y);
+    placement.max_x = static_cast<int>(system.ptMaxPosition.x);
+    placement.max_y = static_cast<int>(system.ptMaxPosition.y);
+    placement.left = static_cast<int>(system.rcNormalPosition.left);
+    placement.top = static_cast<int>(system.rcNormalPosition.top);
+    placement.right = static_cast<int>(system.rcNormalPosition.right);
+    placement.bottom = static_cast<int>(system.rcNormalPosition.bottom);
+    return true;
+}
+
+bool SetMainWindowPlacement(const WindowPlacement& placement) {
+    const RECT area = OntoScreen(LargeEnough({placement.left, placement.top, placement.right, placement.bottom}));
+    WINDOWPLACEMENT system{};
+    system.length = sizeof system;
+    // The window is not on the screen yet: a maximised one is maximised when it is first shown.
+    system.showCmd = SW_HIDE;
+    system.ptMaxPosition = {-1, -1};
+    system.ptMinPosition = {-1, -1};
+    system.rcNormalPosition = area;
+    if (!SetWindowPlacement(Window(), &system)) return false;
+    TheMainWindow().first_show = placement.show_state == SW_SHOWMAXIMIZED ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL;
+    return true;
+}
+
+int MainWindowBorderStyle() {
+    return (GetWindowLongW(Window(), GWL_STYLE) & WS_THICKFRAME) != 0 ? kBorderSizable : kBorderFixedSingle;
+}
+
+WindowSize MainWindowSize() {
+    RECT area;
+    GetWindowRect(Window(), &area);
+    const Scale& scale = TheMainWindow().theme.scale;
+    return {ToTwipsX(scale, static_cast<int>(area.right - area.left)),
+            ToTwipsY(scale, static_cast<int>(area.bottom - area.top))};
+}
+
+void MoveMainWindow(int left, int top) {
+    RECT area;
+    GetWindowRect(Window(), &area);
+    const Scale& scale = TheMainWindow().theme.scale;
+    OffsetRect(&area, ToPixelsX(scale, left) - static_cast<int>(area.left), ToPixelsY(scale, top) - static_cast<int>(area.top));
+    area = OntoScreen(area);
+    SetWindowPos(Window(), nullptr, static_cast<int>(area.left), static_cast<int>(area.top), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void BringMainWindowToForeground() {
+    ShowDifferences(TheMainWindow());
+    SetForegroundWindow(Window());
+}
+
+void FocusScoreGrid() { SetFocus(TheMainWindow().panel(PanelId::Grid).window); }
+
+void CloseMainWindow() { PostMessageW(Window(), WM_CLOSE, 0, 0); }
+
+void PopUpEditMenu() {
+    MainWindow& main = TheMainWindow();
+    POINT point;
+    GetCursorPos(&point);
+    TrackPopupMenu(GetSubMenu(main.menu, static_cast<int>(Menu::mnuEdit)), TPM_RIGHTBUTTON, point.x, point.y, 0,
+                   main.window, nullptr);
+}
+
+void ShowAboutWindow() { ShowGlobalVersion(TheMainWindow()); }
+bool ShowTransferReminder() { return ShowReminder(TheMainWindow()); }
+
+} // namespace tonex

@@ -1,0 +1,139 @@
+// The real menu and toolbar, made from the command tables. Windows-only by nature.
+#include "platform/windows/main_window.h"
+
+#include "pictures/glyphs.h"
+
+#include <commctrl.h>
+
+#include <string>
+
+namespace tonex {
+
+namespace {
+
+constexpr int kIconSize = 20; ///< pixels at 100 %
+
+std::wstring ShortcutText(const Shortcut& shortcut) {
+    if (shortcut.key == 0) return {};
+    if (shortcut.key == kDeleteKey) return L"\tDel";
+    return std::wstring(L"\tCtrl+") + static_cast<wchar_t>(shortcut.key);
+}
+
+void AppendItem(HMENU menu, const MenuRow& row) {
+    const UINT id = kFirstMenuId + static_cast<UINT>(row.item);
+    if (row.caption == L"-") {
+        AppendMenuW(menu, MF_SEPARATOR, id, nullptr);
+        return;
+    }
+    const std::wstring text = std::wstring(row.caption) + ShortcutText(row.shortcut);
+    AppendMenuW(menu, MF_STRING, id, text.c_str());
+}
+
+/// The colour of a toolbar layer over what is below it, premultiplied.
+std::uint32_t Over(std::uint32_t below, std::uint32_t rgb, unsigned alpha) {
+    const auto channel = [&](int shift, unsigned value) {
+        const unsigned old = below >> shift & 0xFF;
+        return (value * alpha + old * (255 - alpha) + 127) / 255 << shift;
+    };
+    return channel(24, 255) | channel(16, rgb >> 16 & 0xFF) | channel(8, rgb >> 8 & 0xFF) | channel(0, rgb & 0xFF);
+}
+
+std::uint32_t GreyOf(std::uint32_t rgb, std::uint32_t paper) {
+    const unsigned light = ((rgb >> 16 & 0xFF) * 30 + (rgb >> 8 & 0xFF) * 59 + (rgb & 0xFF) * 11) / 100;
+    const unsigned target = (paper & 0xFF) > 128 ? 150 + light * 70 / 255 : 90 + light * 60 / 255;
+    return target << 16 | target << 8 | target;
+}
+
+std::vector<std::uint32_t> IconPixels(ToolIcon icon, int size, bool grey, COLORREF face) {
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(size * size));
+    for (const ColourLayer& layer : ToolIconLayers(icon, size)) {
+        const std::uint32_t rgb = grey ? GreyOf(layer.rgb, face) : layer.rgb;
+        for (std::size_t i = 0; i < pixels.size() && i < layer.mask.alpha.size(); ++i)
+            pixels[i] = Over(pixels[i], rgb, layer.mask.alpha[i]);
+    }
+    return pixels;
+}
+
+/// The icon on the toolbar's own colour: image lists with alpha are drawn differently by each system version.
+void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size, COLORREF face) {
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = size;
+    info.bmiHeader.biHeight = -size;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    void* bits = nullptr;
+    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    if (!bitmap) return;
+    (void)face;
+    std::copy(pixels.begin(), pixels.end(), static_cast<std::uint32_t*>(bits));
+    ImageList_Add(list, bitmap, nullptr);
+    DeleteObject(bitmap);
+}
+
+HIMAGELIST MakeImageList(const MainWindow& main, bool grey) {
+    const int size = Scaled(main.theme.scale, kIconSize);
+    HIMAGELIST list = ImageList_Create(size, size, ILC_COLOR32, kToolButtons, 0);
+    for (int i = 0; i < kToolButtons; ++i)
+        AddIcon(list, IconPixels(static_cast<ToolIcon>(i), size, grey, main.theme.colours.face), size,
+                main.theme.colours.face);
+    return list;
+}
+
+/// Groups are set apart by a thin line in front of these buttons.
+constexpr bool BeginsGroup(int button) { return button == 3 || button == 5 || button == 10; }
+
+void AddButtons(HWND toolbar) {
+    for (int i = 0; i < kToolButtons; ++i) {
+        TBBUTTON buttons[2]{};
+        buttons[0].fsStyle = BTNS_SEP;
+        buttons[1].iBitmap = i;
+        buttons[1].idCommand = static_cast<int>(kFirstToolId) + i;
+        buttons[1].fsState = TBSTATE_ENABLED;
+        buttons[1].fsStyle = BTNS_BUTTON;
+        const int from = BeginsGroup(i) ? 0 : 1;
+        // The text is never drawn (there is no room for it) but names the button for screen readers.
+        buttons[1].iString = reinterpret_cast<INT_PTR>(ToolButtonRows()[static_cast<std::size_t>(i)].tooltip.data());
+        SendMessageW(toolbar, TB_ADDBUTTONSW, static_cast<WPARAM>(2 - from), reinterpret_cast<LPARAM>(buttons + from));
+    }
+}
+
+} // namespace
+
+HMENU CreateMainMenu() {
+    HMENU bar = CreateMenu();
+    for (const MenuTitle& title : MenuTitles()) {
+        HMENU menu = CreatePopupMenu();
+        for (const MenuRow& row : MenuRows())
+            if (row.menu == title.menu) AppendItem(menu, row);
+        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(menu), std::wstring(title.caption).c_str());
+    }
+    return bar;
+}
+
+void LoadToolbarPictures(MainWindow& main) {
+    const auto replace = [&](UINT message, HIMAGELIST list) {
+        auto* old = reinterpret_cast<HIMAGELIST>(SendMessageW(main.toolbar, message, 0, reinterpret_cast<LPARAM>(list)));
+        if (old) ImageList_Destroy(old);
+    };
+    replace(TB_SETIMAGELIST, MakeImageList(main, false));
+    replace(TB_SETDISABLEDIMAGELIST, MakeImageList(main, true));
+}
+
+void CreateToolbar(MainWindow& main, HINSTANCE instance) {
+    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_BAR_CLASSES | ICC_PROGRESS_CLASS};
+    InitCommonControlsEx(&controls);
+    main.toolbar = CreateWindowExW(0, TOOLBARCLASSNAMEW, L"Toolbar", WS_CHILD | WS_VISIBLE | WS_TABSTOP | TBSTYLE_FLAT | TBSTYLE_TOOLTIPS | CCS_TOP,
+                                   0, 0, 0, 0, main.window, nullptr, instance, nullptr);
+    SendMessageW(main.toolbar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
+    SendMessageW(main.toolbar, TB_SETMAXTEXTROWS, 0, 0); // names without room: shown as tooltips only
+    const int icon = Scaled(main.theme.scale, kIconSize);
+    SendMessageW(main.toolbar, TB_SETBITMAPSIZE, 0, MAKELPARAM(icon, icon));
+    LoadToolbarPictures(main);
+    const int button = Scaled(main.theme.scale, kIconSize + 10);
+    SendMessageW(main.toolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(button, button));
+    AddButtons(main.toolbar);
+    SendMessageW(main.toolbar, TB_AUTOSIZE, 0, 0);
+}
+
+} // namespace tonex

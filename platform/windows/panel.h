@@ -1,0 +1,66 @@
+// A panel: one window that shows a row of items (pictures, cells, buttons, keys) and lets mouse, keyboard and
+// screen readers reach each. What the items are is told by a static table of procedures, one a kind.
+#pragma once
+
+#include "platform/windows/canvas.h"
+
+#include "platform/windows/desktop_windows.h"
+
+#include <string>
+
+namespace tonex {
+
+struct MainWindow;
+struct Panel;
+struct sndmain;
+
+struct PanelKind {
+    const wchar_t* class_name;
+    const wchar_t* title; ///< of the whole panel, for screen readers
+    long item_role;       ///< ROLE_SYSTEM_...
+    DWORD style;          ///< beyond that of a child window
+    bool tab_each;        ///< Tab stops at each item, not only at the panel
+    bool tooltips;
+    int (*count)(const Panel&);
+    RECT (*item_area)(const Panel&, int item); ///< pixels in the panel
+    std::wstring (*item_name)(const Panel&, int item);
+    bool (*item_chosen)(const Panel&, int item);
+    int (*item_at)(const Panel&, POINT point); ///< -1 = none
+    void (*press)(Panel&, int item);           ///< runs the item's command on the record
+    int (*neighbour)(const Panel&, int item, WPARAM key); ///< where an arrow key, Home or End leads
+    void (*paint)(Panel&, const RECT& dirty);
+    /// First look at a message; true when it was used up. May be null.
+    bool (*message)(Panel&, UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
+};
+
+struct Panel {
+    const PanelKind* kind = nullptr;
+    MainWindow* main = nullptr;
+    HWND window = nullptr;
+    HWND tooltip = nullptr;
+    Canvas canvas;
+    int origin_x = 0, origin_y = 0; ///< of the panel in the window's client area, twips
+    int focus_item = 0;
+    int hot_item = -1;     ///< under the mouse
+    int pressed_item = -1; ///< between button down and up
+    bool focused = false;
+    bool keyboard_used = false; ///< the focus came by keyboard: show where it is
+    int wheel = 0;              ///< mouse wheel travel not yet used
+};
+
+void RegisterPanelClass(const PanelKind& kind, HINSTANCE instance);
+bool CreatePanel(Panel& panel, const PanelKind& kind, MainWindow& main, HINSTANCE instance);
+/// Draws an item again.
+void InvalidateItem(Panel& panel, int item);
+/// Gives the panel's item the keyboard.
+void FocusItem(Panel& panel, int item);
+/// Draws the mark of the keyboard focus inside an area when the panel has the keyboard and shows it.
+void DrawFocusMark(Panel& panel, const RECT& area, COLORREF colour);
+bool FocusShown(const Panel& panel, int item);
+
+/// Answers WM_GETOBJECT with the panel's accessible object.
+LRESULT AnswerGetObject(Panel& panel, WPARAM wparam, LPARAM lparam);
+
+extern const PanelKind kStaffPanel, kGridPanel, kLengthPanel, kPianoPanel;
+
+} // namespace tonex

@@ -1,0 +1,171 @@
+// The piano: 29 white and 20 black keys with their captions. Windows-only drawing. Items run along the keyboard
+// from left to right, as the tab order does.
+#include "platform/windows/main_window.h"
+
+#include "view/note_entry.h"
+#include "view/note_names.h"
+
+#include <oleacc.h>
+
+#include <array>
+
+namespace tonex {
+
+namespace {
+
+constexpr int kKeys = kWhiteKeys + kBlackKeys;
+
+const sndmain& Record(const Panel& panel) { return panel.main->record; }
+
+/// The key of an item: items count semitones up from c4.
+PianoKey KeyOf(int item) { return *KeyOfPitch(static_cast<std::uint16_t>(kLowestKeyPitch + item)); }
+
+RECT Place(const Panel& panel, const Rect& rect) {
+    const Scale& scale = panel.main->theme.scale;
+    RECT area = ToPixels(scale, rect);
+    OffsetRect(&area, -ToPixelsX(scale, panel.origin_x), -ToPixelsY(scale, panel.origin_y));
+    return area;
+}
+
+const PianoKeyControl& ControlOf(const Panel& panel, PianoKey key) {
+    const auto index = static_cast<std::size_t>(key.index);
+    return key.kind == KeyKind::White ? Record(panel).kenWhite[index] : Record(panel).kenBlack[index];
+}
+
+int Count(const Panel&) { return kKeys; }
+
+RECT ItemArea(const Panel& panel, int item) { return Place(panel, ControlOf(panel, KeyOf(item)).place); }
+
+std::wstring ItemName(const Panel& panel, int item) {
+    const PianoKey key = KeyOf(item);
+    const auto index = static_cast<std::size_t>(key.index);
+    const KeyLabel& label =
+        key.kind == KeyKind::White ? Record(panel).lblWNote[index] : Record(panel).lblBNote[index];
+    return std::wstring(label.Caption.View());
+}
+
+bool Lit(const Panel& panel, PianoKey key) {
+    const std::uint32_t rest = key.kind == KeyKind::White ? kWhiteKeyColour : kBlackKeyColour;
+    return ControlOf(panel, key).BackColor != rest;
+}
+
+bool ItemChosen(const Panel& panel, int item) { return Lit(panel, KeyOf(item)); }
+
+/// Black keys lie over the white ones.
+int ItemAt(const Panel& panel, POINT point) {
+    int found = -1;
+    for (int item = 0; item < kKeys; ++item) {
+        const RECT area = ItemArea(panel, item);
+        if (!PtInRect(&area, point)) continue;
+        if (KeyOf(item).kind == KeyKind::Black) return item;
+        found = item;
+    }
+    return found;
+}
+
+void Press(Panel& panel, int item) {
+    const PianoKey key = KeyOf(item);
+    if (key.kind == KeyKind::White) kenWhite_Click(panel.main->record, key.index);
+    else kenBlack_Click(panel.main->record, key.index);
+}
+
+int NextWhite(int item, int step) {
+    for (item += step; item >= 0 && item < kKeys; item += step)
+        if (KeyOf(item).kind == KeyKind::White) return item;
+    return -1;
+}
+
+/// Left and right go by semitones, up to the black key on the right, down to the white key on the left, page
+/// keys by octaves.
+int Neighbour(const Panel&, int item, WPARAM key) {
+    const bool black = KeyOf(item).kind == KeyKind::Black;
+    switch (key) {
+    case VK_LEFT: return item - 1;
+    case VK_RIGHT: return item + 1;
+    case VK_UP: return !black && item + 1 < kKeys && KeyOf(item + 1).kind == KeyKind::Black ? item + 1 : -1;
+    case VK_DOWN: return black ? NextWhite(item, -1) : -1;
+    case VK_PRIOR: return item - 12;
+    case VK_NEXT: return item + 12;
+    case VK_HOME: return 0;
+    case VK_END: return kKeys - 1;
+    default: return -1;
+    }
+}
+
+// ---- painting ----
+
+COLORREF ToColour(std::uint32_t rgb) {
+    return RGB(static_cast<BYTE>(rgb >> 16), static_cast<BYTE>(rgb >> 8), static_cast<BYTE>(rgb));
+}
+
+void PaintCaption(Panel& panel, const KeyLabel& label, COLORREF colour) {
+    const Fonts& fonts = panel.main->theme.fonts;
+    DrawCentred(panel.canvas, Place(panel, label.place), label.Caption.View(),
+                FontFor(label.Caption.View(), fonts.key, fonts.key_japanese), colour);
+}
+
+COLORREF LitColour(const Panel& panel, PianoKey key) {
+    const Colours& colours = panel.main->theme.colours;
+    return colours.high_contrast ? colours.select : ToColour(ControlOf(panel, key).BackColor);
+}
+
+void PaintWhite(Panel& panel, int item, const RECT& dirty) {
+    const PianoKey key = KeyOf(item);
+    const Scale& scale = panel.main->theme.scale;
+    RECT area = ItemArea(panel, item), part;
+    if (!IntersectRect(&part, &area, &dirty)) return;
+    const COLORREF edge = RGB(120, 124, 130);
+    COLORREF face = Lit(panel, key) ? LitColour(panel, key) : RGB(255, 255, 255);
+    if (panel.pressed_item == item) face = Mix(face, RGB(120, 130, 145), 70);
+    else if (panel.hot_item == item && !Lit(panel, key)) face = RGB(240, 244, 249);
+    FillRound(panel.canvas, area, Scaled(scale, 3), edge, true);
+    const int line = Scaled(scale, 1);
+    // Neighbours share one line between them; the first key has its own at the left.
+    const RECT inner = {area.left + (item == 0 ? line : 0), area.top + line, area.right - line, area.bottom - line};
+    FillRound(panel.canvas, inner, Scaled(scale, 2), face, true);
+    if (!Lit(panel, key) && panel.pressed_item != item)
+        TintArea(panel.canvas, {inner.left + 1, inner.bottom - Scaled(scale, 4), inner.right - 1, inner.bottom - line}, edge,
+                 36);
+    const COLORREF text = Lit(panel, key) ? RGB(255, 255, 255) : RGB(70, 74, 80);
+    PaintCaption(panel, Record(panel).lblWNote[static_cast<std::size_t>(key.index)], text);
+    if (FocusShown(panel, item)) DrawFocusMark(panel, inner, panel.main->theme.colours.select);
+}
+
+void PaintBlack(Panel& panel, int item, const RECT& dirty) {
+    const PianoKey key = KeyOf(item);
+    const Scale& scale = panel.main->theme.scale;
+    RECT area = ItemArea(panel, item), part;
+    if (!IntersectRect(&part, &area, &dirty)) return;
+    const COLORREF face = Lit(panel, key) ? LitColour(panel, key) : RGB(38, 40, 44);
+    FillRound(panel.canvas, area, Scaled(scale, 2), RGB(16, 17, 19), true);
+    // A lighter top face with a darker rim reads as a raised key.
+    const int rim = Scaled(scale, 2);
+    const RECT top = {area.left + rim, area.top, area.right - rim, area.bottom - Scaled(scale, panel.pressed_item == item ? 3 : 7)};
+    COLORREF shade = Lit(panel, key) ? face : Mix(face, RGB(255, 255, 255), panel.hot_item == item ? 70 : 38);
+    if (panel.pressed_item == item) shade = Mix(shade, RGB(0, 0, 0), 60);
+    if (Lit(panel, key)) FillRound(panel.canvas, area, Scaled(scale, 2), Mix(face, RGB(0, 0, 0), 60), true);
+    FillRound(panel.canvas, top, Scaled(scale, 2), shade, true);
+    if (FocusShown(panel, item)) DrawFocusMark(panel, area, panel.main->theme.colours.select);
+}
+
+void PaintPanel(Panel& panel, const RECT& dirty) {
+    const Colours& colours = panel.main->theme.colours;
+    FillArea(panel.canvas, dirty, colours.face);
+    for (int item = 0; item < kKeys; ++item)
+        if (KeyOf(item).kind == KeyKind::White) PaintWhite(panel, item, dirty);
+    for (int item = 0; item < kKeys; ++item)
+        if (KeyOf(item).kind == KeyKind::Black) PaintBlack(panel, item, dirty);
+    for (const KeyLabel& label : Record(panel).lblBNote) {
+        const RECT area = Place(panel, label.place);
+        RECT part;
+        if (IntersectRect(&part, &area, &dirty)) PaintCaption(panel, label, colours.face_text);
+    }
+}
+
+} // namespace
+
+const PanelKind kPianoPanel = {L"TonexPiano", L"Piano",   ROLE_SYSTEM_PUSHBUTTON, 0,  true,   true,
+                               Count,         ItemArea,   ItemName, ItemChosen, ItemAt, Press,
+                               Neighbour,     PaintPanel, nullptr};
+
+} // namespace tonex

@@ -1,0 +1,203 @@
+// The staff panel: clef, lines, and the strip of 30 note pictures. Windows-only drawing; what stands where is
+// read from the record.
+#include "platform/main_window.h"
+#include "platform/windows/main_window.h"
+
+#include "pictures/glyphs.h"
+#include "view/note_entry.h"
+#include "view/note_names.h"
+#include "view/score_view.h"
+
+#include <oleacc.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace tonex {
+
+namespace {
+
+constexpr int kLedgerReach = 25; ///< twips that a ledger line reaches beyond the head on each side
+constexpr int kHeadWidth = 142;  ///< twips, 1.18 staff spaces
+
+const sndmain& Record(const Panel& panel) { return panel.main->record; }
+const Scale& ScaleOf(const Panel& panel) { return panel.main->theme.scale; }
+
+int Count(const Panel& panel) {
+    const sndmain& w = Record(panel);
+    const auto hidden = std::find_if(w.imgNote.begin(), w.imgNote.end(),
+                                     [](const NoteImage& image) { return !image.Visible; });
+    return static_cast<int>(hidden - w.imgNote.begin());
+}
+
+/// The column of the panel that a picture stands in, from top to bottom, in pixels.
+RECT ColumnArea(const Panel& panel, int image) {
+    const sndmain& w = Record(panel);
+    const int left = w.grdScore.place.Left - w.picStaff.Left + image * w.standard_col_width;
+    const Scale& scale = ScaleOf(panel);
+    return {ToPixelsX(scale, w.picStaff.Left + left) - ToPixelsX(scale, w.picStaff.Left), 0,
+            ToPixelsX(scale, w.picStaff.Left + left + w.standard_col_width) - ToPixelsX(scale, w.picStaff.Left),
+            ToPixelsY(scale, w.picStaff.Height)};
+}
+
+/// What a picture can touch: its column, and where the scale moved it into the next one.
+RECT ItemArea(const Panel& panel, int image) {
+    RECT area = ColumnArea(panel, image);
+    const NoteImage& note = Record(panel).imgNote[static_cast<std::size_t>(image)];
+    area.right = std::max<LONG>(area.right, ToPixelsX(ScaleOf(panel), note.place.Left + note.place.Width) + 1);
+    return area;
+}
+
+std::wstring ItemName(const Panel& panel, int image) {
+    const sndmain& w = Record(panel);
+    const int slot = w.score.first_shown + image;
+    if (slot >= kSlots) return {};
+    const Entry& entry = w.score.sound[static_cast<std::size_t>(slot)];
+    return EntryNameOf(entry.code, entry.pitch, w.doremi);
+}
+
+bool Selected(const sndmain& w, int slot) {
+    const auto [low, high] = std::minmax(w.grdScore.Col, w.grdScore.ColSel);
+    return slot >= low && slot <= high;
+}
+
+bool ItemChosen(const Panel& panel, int image) {
+    return Selected(Record(panel), Record(panel).score.first_shown + image);
+}
+
+int ItemAt(const Panel& panel, POINT point) {
+    for (int image = 0; image < Count(panel); ++image) {
+        const RECT area = ColumnArea(panel, image);
+        if (PtInRect(&area, point)) return image;
+    }
+    return -1;
+}
+
+void Press(Panel& panel, int image) { imgNote_Click(panel.main->record, image); }
+
+int Neighbour(const Panel& panel, int image, WPARAM key) {
+    switch (key) {
+    case VK_LEFT: return image - 1;
+    case VK_RIGHT: return image + 1;
+    case VK_HOME: return 0;
+    case VK_END: return Count(panel) - 1;
+    default: return -1;
+    }
+}
+
+// ---- painting ----
+
+int LineThickness(const Panel& panel) { return StaffLinePixels(1 / ScaleOf(panel).twips_per_pixel_y); }
+
+void PaintLine(Panel& panel, int left, int right, int y_twips, COLORREF colour) {
+    const int y = static_cast<int>(std::floor(static_cast<float>(y_twips) / ScaleOf(panel).twips_per_pixel_y));
+    FillArea(panel.canvas, {left, y, right, y + LineThickness(panel)}, colour);
+}
+
+void PaintSelection(Panel& panel, const RECT& dirty) {
+    const sndmain& w = Record(panel);
+    const Colours& colours = panel.main->theme.colours;
+    for (int image = 0; image < kStripPictures; ++image) {
+        const int slot = w.score.first_shown + image;
+        if (!Selected(w, slot) || slot > EndColumn(w.score)) continue;
+        RECT area = ColumnArea(panel, image), part;
+        if (IntersectRect(&part, &area, &dirty))
+            TintArea(panel.canvas, part, colours.select, colours.high_contrast ? 255 : 40);
+    }
+}
+
+void PaintStaff(Panel& panel, const RECT& dirty) {
+    const sndmain& w = Record(panel);
+    const Colours& colours = panel.main->theme.colours;
+    const Scale& scale = ScaleOf(panel);
+    for (const Line& line : w.Line1)
+        PaintLine(panel, std::max<int>(static_cast<int>(dirty.left), ToPixelsX(scale, w.linSub[0].X1)),
+                  std::min<int>(static_cast<int>(dirty.right), ToPixelsX(scale, w.linSub[5].X2)), line.Y,
+                  colours.staff_line);
+    const float x = static_cast<float>(kClefBox.left) / scale.twips_per_pixel_x;
+    const float y = static_cast<float>(kClefBox.top) / scale.twips_per_pixel_y;
+    const CoverageMask clef = ClefMask(1 / scale.twips_per_pixel_y, x - std::floor(x), y - std::floor(y));
+    BlendMask(panel.canvas, clef, static_cast<int>(x), static_cast<int>(y), colours.ink, dirty);
+}
+
+void PaintLedgerLines(Panel& panel, const NoteImage& image, COLORREF colour) {
+    const sndmain& w = Record(panel);
+    const auto position = static_cast<std::int16_t>(image.place.Top);
+    const LedgerLines ledger = LedgerLinesOf(position, w.StaffOffset);
+    const int head_left = image.place.Left + NoteHeadLeft(image.Picture, image.Sharp);
+    const int left = ToPixelsX(ScaleOf(panel), head_left - kLedgerReach);
+    const int right = ToPixelsX(ScaleOf(panel), head_left + kHeadWidth + kLedgerReach);
+    for (int i = 0; i < ledger.count; ++i) {
+        const int y = ledger.first_y + i * ledger.step_y;
+        if (y > 0 && y < w.picStaff.Height) PaintLine(panel, left, right, y, colour);
+    }
+}
+
+bool HeadOnLine(const sndmain& w, const NoteImage& image) {
+    const int centre = HeadCentreOf(static_cast<std::int16_t>(image.place.Top), w.StaffOffset);
+    return (centre - w.Line1[0].Y) % kStaffSpace == 0;
+}
+
+void PaintImage(Panel& panel, int index, const RECT& dirty) {
+    const sndmain& w = Record(panel);
+    const NoteImage& image = w.imgNote[static_cast<std::size_t>(index)];
+    if (!image.Visible || image.Picture == 0) return;
+    const Colours& colours = panel.main->theme.colours;
+    const bool inverse = colours.high_contrast && ItemChosen(panel, index);
+    const COLORREF ink = inverse ? colours.select_text : colours.ink;
+    const bool note = image.Picture <= 20 || (image.Picture > 40 && image.Picture < kLastPicture);
+    if (note) PaintLedgerLines(panel, image, inverse ? colours.select_text : colours.staff_line);
+    const Scale& scale = ScaleOf(panel);
+    const float x = static_cast<float>(image.place.Left) / scale.twips_per_pixel_x;
+    const float y = static_cast<float>(image.place.Top) / scale.twips_per_pixel_y;
+    const CoverageMask mask =
+        NotePictureMask(image.Picture, image.Sharp, 1 / scale.twips_per_pixel_y, x - std::floor(x),
+                        y - std::floor(y), w.StaffOffset, note && HeadOnLine(w, image));
+    BlendMask(panel.canvas, mask, static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)), ink, dirty);
+}
+
+/// The place of the cursor, also behind the last entry where no picture is: a small mark under the staff.
+void PaintCursor(Panel& panel, const RECT& dirty) {
+    const sndmain& w = Record(panel);
+    const int image = w.grdScore.Col - w.score.first_shown;
+    if (image < 0 || image >= kStripPictures) return;
+    RECT area = ColumnArea(panel, image);
+    area.top = area.bottom - Scaled(ScaleOf(panel), 3);
+    RECT part;
+    if (IntersectRect(&part, &area, &dirty)) FillArea(panel.canvas, part, panel.main->theme.colours.select);
+}
+
+void PaintPanel(Panel& panel, const RECT& dirty) {
+    const Colours& colours = panel.main->theme.colours;
+    FillArea(panel.canvas, dirty, colours.paper);
+    PaintSelection(panel, dirty);
+    PaintStaff(panel, dirty);
+    for (int image = 0; image < kStripPictures; ++image) {
+        const RECT area = ItemArea(panel, image);
+        RECT part;
+        if (IntersectRect(&part, &area, &dirty)) PaintImage(panel, image, dirty);
+        if (FocusShown(panel, image)) DrawFocusMark(panel, ColumnArea(panel, image), colours.select);
+    }
+    PaintCursor(panel, dirty);
+    RECT client;
+    GetClientRect(panel.window, &client);
+    FillArea(panel.canvas, {0, 0, client.right, 1}, colours.rule);
+    FillArea(panel.canvas, {0, client.bottom - 1, client.right, client.bottom}, colours.rule);
+    FillArea(panel.canvas, {0, 0, 1, client.bottom}, colours.rule);
+    FillArea(panel.canvas, {client.right - 1, 0, client.right, client.bottom}, colours.rule);
+}
+
+bool Message(Panel& panel, UINT message, WPARAM, LPARAM, LRESULT&) {
+    if (message != WM_RBUTTONDOWN) return false;
+    PopUpEditMenu();
+    ShowDifferences(*panel.main);
+    return true;
+}
+
+} // namespace
+
+const PanelKind kStaffPanel = {L"TonexStaff", L"Staff",  ROLE_SYSTEM_GRAPHIC, 0,     false,     true,
+                               Count,         ItemArea,  ItemName,            ItemChosen, ItemAt, Press,
+                               Neighbour,     PaintPanel, Message};
+
+} // namespace tonex

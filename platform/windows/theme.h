@@ -1,0 +1,66 @@
+// Scale, colours and fonts of the main window. Lengths in the record are twips; this is where pixels begin.
+#pragma once
+
+#include "app/sndmain.h"
+
+#include "platform/windows/desktop_windows.h"
+
+namespace tonex {
+
+/// The scale of the screen the program started on.
+struct Scale {
+    float twips_per_pixel_x = 15;
+    float twips_per_pixel_y = 15;
+};
+
+/// Colours of everything the program draws itself, from the system's so that high contrast is respected.
+struct Colours {
+    bool high_contrast = false;
+    COLORREF face = 0;           ///< of the window
+    COLORREF face_text = 0;
+    COLORREF paper = 0;          ///< of staff and grid
+    COLORREF ink = 0;            ///< notes and texts on paper
+    COLORREF staff_line = 0;
+    COLORREF rule = 0;           ///< between grid cells and around panels
+    COLORREF select = 0;
+    COLORREF select_text = 0;
+    COLORREF button = 0;         ///< a length button
+    COLORREF button_hot = 0;
+    COLORREF button_pressed = 0;
+    COLORREF button_edge = 0;
+    COLORREF disabled_text = 0;
+};
+
+struct Fonts {
+    HFONT ui = nullptr;          ///< controls
+    HFONT cell = nullptr;        ///< letter names in the grid
+    HFONT cell_japanese = nullptr;
+    HFONT key = nullptr;         ///< captions of the piano keys
+    HFONT key_japanese = nullptr;
+};
+
+struct Theme {
+    Scale scale;
+    Colours colours;
+    Fonts fonts;
+};
+
+int ToPixelsX(const Scale& scale, int twips);
+int ToPixelsY(const Scale& scale, int twips);
+int ToTwipsX(const Scale& scale, int pixels);
+int ToTwipsY(const Scale& scale, int pixels);
+/// A rectangle of the record in pixels; neighbours that touch in twips touch in pixels.
+RECT ToPixels(const Scale& scale, const Rect& rect);
+/// A length at 100 % in pixels of this scale.
+int Scaled(const Scale& scale, int pixels_at_96_dpi);
+
+/// Reads colours from the system; again after WM_SYSCOLORCHANGE.
+Colours ReadColours();
+/// Creates the fonts, sized so that the widest name fits a grid cell and a key.
+Fonts CreateFonts(const Scale& scale);
+/// The font for a text: the Japanese one when the text has characters beyond Latin.
+HFONT FontFor(std::wstring_view text, HFONT latin, HFONT japanese);
+/// Between two colours, `share` 0 to 255 of the second.
+COLORREF Mix(COLORREF a, COLORREF b, int share);
+
+} // namespace tonex

@@ -1,0 +1,59 @@
+// The program's entry: window, start-up, messages. Windows-only by nature.
+#include "app/layout.h"
+#include "app/startup.h"
+#include "platform/windows/main_window.h"
+
+#include <shellapi.h>
+
+namespace {
+
+/// The file named on the command line, or nothing. A path may have come without quotes around its blanks.
+std::wstring CommandLinePath() {
+    const wchar_t* text = GetCommandLineW();
+    const wchar_t stop = *text == L'"' ? L'"' : L' ';
+    if (*text == L'"') ++text;
+    while (*text && *text != stop) ++text; // over the program's own name
+    if (*text == L'"') ++text;
+    while (*text == L' ' || *text == L'\t') ++text;
+    std::wstring path = text;
+    while (!path.empty() && (path.back() == L' ' || path.back() == L'\t')) path.pop_back();
+    return path;
+}
+
+void LayOutToFit(tonex::MainWindow& main) {
+    RECT client;
+    GetClientRect(main.window, &client);
+    const int width = tonex::ToTwipsX(main.theme.scale, static_cast<int>(client.right));
+    const int height = tonex::ToTwipsY(main.theme.scale, static_cast<int>(client.bottom));
+    tonex::LayoutWindow(main.record, width > tonex::kMinClientWidth ? width : tonex::kMinClientWidth,
+                        height > tonex::kMinClientHeight ? height : tonex::kMinClientHeight);
+}
+
+int RunMessages(tonex::MainWindow& main) {
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (tonex::TranslateMainKey(main, message)) continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    return static_cast<int>(message.wParam);
+}
+
+} // namespace
+
+int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show) {
+    tonex::SecureLibrarySearch();
+    if (!tonex::CreateMainWindow(instance)) return 1;
+    tonex::MainWindow& main = tonex::TheMainWindow();
+    if (tonex::StartUp(main.record, CommandLinePath()) == tonex::StartResult::EndSilent) {
+        DestroyWindow(main.window);
+        return 0;
+    }
+    main.up = true;
+    LayOutToFit(main);
+    tonex::ShowDifferences(main);
+    ShowWindow(main.window, show == SW_SHOWDEFAULT || show == SW_SHOWNORMAL ? main.first_show : show);
+    UpdateWindow(main.window);
+    SetFocus(main.panel(tonex::PanelId::Grid).window);
+    return RunMessages(main);
+}
