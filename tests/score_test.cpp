@@ -1,24 +1,11 @@
 #include "score/int16.h"
 #include "score/score.h"
+#include "tests/print_score.h"
 
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <utility>
 #include <vector>
-
-namespace tonex {
-
-void PrintTo(const Entry& entry, std::ostream* out) {
-    *out << "{code " << entry.code << ", pitch " << entry.pitch << ", position " << AsSigned(entry.position)
-         << "}";
-}
-
-void PrintTo(const FileEntry& entry, std::ostream* out) {
-    *out << "{code " << entry.code << ", pitch " << entry.pitch << "}";
-}
-
-} // namespace tonex
 
 namespace {
 
