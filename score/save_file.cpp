@@ -29,10 +29,16 @@ template <class Operation> bool WithRetries(Operation operation) {
     return false;
 }
 
+/// The part of a path in front of the file name. A path that starts with a slash is one of a POSIX system, where
+/// a backslash is a character like any other.
+std::wstring FolderBeside(const std::wstring& path) {
+    return path.starts_with(L'/') ? path.substr(0, path.rfind(L'/') + 1) : FolderOfPath(path);
+}
+
 /// Creates a new file beside the target; `name` is its path, also when what follows fails.
 OutputFilePtr CreateBeside(const std::wstring& target, std::wstring& name) {
     for (int i = 0; i < kNameTries; ++i) {
-        name = FolderOfPath(target);
+        name = FolderBeside(target);
         name += kTemporaryStart;
         name += std::to_wstring(UniqueNumber());
         name += kTemporaryEnd;
