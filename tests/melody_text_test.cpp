@@ -130,8 +130,8 @@ TEST(MelodyText, PitchesAreNamedLikeThePianoKeys) {
     for (int pitch = 1; pitch <= 256; ++pitch) {
         // The grid writes the sharp behind a blank, the keys and this text without.
         std::string grid;
-        const auto cell = NoteNameOf(static_cast<std::uint16_t>(pitch), false);
-        for (const wchar_t character : std::wstring(cell.begin(), cell.end())) {
+        const CellText cell = NoteNameOf(static_cast<std::uint16_t>(pitch), false);
+        for (const wchar_t character : cell.View()) {
             if (character != L' ') grid.push_back(static_cast<char>(character));
         }
         EXPECT_EQ(PitchTextOf(pitch), grid);
@@ -261,7 +261,8 @@ TEST(MelodyText, WhatTheTextCanNotNameIsTold) {
     };
     for (int code = 0; code < 256; ++code) {
         const bool known = code < 20 || (code >= 100 && code < 120) || code == 200;
-        if (!known) EXPECT_EQ(fault_entry({static_cast<std::uint16_t>(code), 26}), 1) << code;
+        if (known) continue;
+        EXPECT_EQ(fault_entry({static_cast<std::uint16_t>(code), 26}), 1) << code;
     }
     EXPECT_EQ(fault_entry({10, 256}), 1);
     EXPECT_EQ(fault_entry({10, 65534}), 1);
