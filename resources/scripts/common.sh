@@ -149,7 +149,7 @@ start_screen() {
     local pipe="$root/build/.display.$$" number=""
     rm -f "$pipe"
     mkfifo "$pipe" || return 1
-    Xvfb -displayfd 7 -screen 0 1600x1100x24 -nolisten tcp 7>"$pipe" >"$logs/xvfb.log" 2>&1 &
+    Xvfb -displayfd 7 -screen 0 1920x1200x24 -nolisten tcp 7>"$pipe" >"$logs/xvfb.log" 2>&1 &
     screen_pids="$!"
     read -r -t 20 number <"$pipe"
     rm -f "$pipe"
