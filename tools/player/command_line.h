@@ -18,6 +18,13 @@ namespace command_line_detail {
 
 constexpr bool IsBlank(wchar_t c) { return c == L' ' || c == L'\t'; }
 
+// The library's substr can throw, which would bring its whole error handling into a small program.
+constexpr std::wstring_view First(std::wstring_view text, std::size_t count) { return {text.data(), count}; }
+constexpr std::wstring_view From(std::wstring_view text, std::size_t start) {
+    text.remove_prefix(start);
+    return text;
+}
+
 constexpr std::wstring_view TrimFront(std::wstring_view text) {
     while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
     return text;
@@ -59,10 +66,10 @@ constexpr bool TakeOption(std::wstring_view word, PlayerCommand& command) {
 constexpr std::wstring_view TakeOptions(std::wstring_view text, PlayerCommand& command) {
     text = TrimFront(text);
     while (!text.empty()) {
-        const std::wstring_view word = text.substr(0, WordLength(text));
+        const std::wstring_view word = First(text, WordLength(text));
         if (!LooksLikeOption(word)) break;
         if (!TakeOption(word, command)) command.unknown = true;
-        text = TrimFront(text.substr(word.size()));
+        text = TrimFront(From(text, word.size()));
     }
     return text;
 }
@@ -74,9 +81,9 @@ constexpr std::wstring_view TakeOptionsBehind(std::wstring_view text, PlayerComm
         std::size_t word_start = text.size();
         while (word_start > 0 && !IsBlank(text[word_start - 1])) --word_start;
         if (word_start == 0) return text;
-        const std::wstring_view word = text.substr(word_start);
+        const std::wstring_view word = From(text, word_start);
         if (!LooksLikeOption(word) || !TakeOption(word, command)) return text;
-        text = TrimBack(text.substr(0, word_start));
+        text = TrimBack(First(text, word_start));
     }
 }
 
@@ -88,9 +95,9 @@ constexpr std::wstring_view ArgumentsOf(std::wstring_view line) {
     line = TrimFront(line);
     if (!line.empty() && line.front() == L'"') {
         const std::size_t quote = line.find(L'"', 1);
-        return quote == std::wstring_view::npos ? std::wstring_view{} : line.substr(quote + 1);
+        return quote == std::wstring_view::npos ? std::wstring_view{} : From(line, quote + 1);
     }
-    return line.substr(WordLength(line));
+    return From(line, WordLength(line));
 }
 
 /// Reads the arguments behind the program's own name.
@@ -104,9 +111,9 @@ constexpr PlayerCommand ParsePlayerArguments(std::wstring_view arguments) {
     }
     rest.remove_prefix(1);
     const std::size_t quote = rest.find(L'"');
-    command.path = rest.substr(0, quote);
+    command.path = quote == std::wstring_view::npos ? rest : First(rest, quote);
     if (quote == std::wstring_view::npos) return command;
-    if (!TakeOptions(rest.substr(quote + 1), command).empty()) command.unknown = true;
+    if (!TakeOptions(From(rest, quote + 1), command).empty()) command.unknown = true;
     return command;
 }
 
