@@ -15,6 +15,7 @@ namespace tonex {
 
 namespace {
 
+constexpr UINT kMouseHWheel = 0x020E; ///< WM_MOUSEHWHEEL, newer than the oldest system served
 constexpr UINT_PTR kDragTimer = 1;
 constexpr UINT kDragPeriod = 60; ///< milliseconds a column while a selection is dragged beyond the grid's edge
 
@@ -191,6 +192,7 @@ bool Message(Panel& panel, UINT message, WPARAM wparam, LPARAM lparam, LRESULT&)
         return true;
     case WM_HSCROLL: Scroll(panel, LOWORD(wparam)); return true;
     case WM_MOUSEWHEEL: Wheel(panel, GET_WHEEL_DELTA_WPARAM(wparam)); return true;
+    case kMouseHWheel: Wheel(panel, -GET_WHEEL_DELTA_WPARAM(wparam)); return true;
     case WM_KEYDOWN: return KeyDown(panel, wparam);
     case WM_CHAR: Character(panel, static_cast<wchar_t>(wparam)); return true;
     case WM_SETFOCUS: panel.focus_item = std::max(0, Grid(panel).ColSel - Grid(panel).LeftCol); return false;

@@ -78,7 +78,7 @@ void PaintButton(Panel& panel, int item, const RECT& dirty) {
     if (chosen) face = colours.select;
     else if (panel.pressed_item == item) face = colours.button_pressed;
     else if (panel.hot_item == item) face = colours.button_hot;
-    const int radius = Scaled(scale, 3), edge = Scaled(scale, 1);
+    const int radius = Scaled(scale, 3), edge = Hairline(scale);
     FillRound(panel.canvas, area, radius, chosen ? colours.select : colours.button_edge);
     InflateRect(&area, -edge, -edge);
     FillRound(panel.canvas, area, radius - edge > 0 ? radius - edge : 1, face);

@@ -370,7 +370,17 @@ LRESULT StaticColours(MainWindow& main, HDC dc) {
     return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE));
 }
 
-void GiveFocusBack(MainWindow& main) { SetFocus(main.panel(PanelId::Grid).window); }
+/// Coming back to the window leads to the control that was left; the score grid is where work begins.
+void GiveFocusBack(MainWindow& main) {
+    const bool known = main.last_focus && IsChild(main.window, main.last_focus);
+    SetFocus(known ? main.last_focus : main.panel(PanelId::Grid).window);
+}
+
+LRESULT Activated(MainWindow& main, WPARAM wparam, LPARAM lparam) {
+    HWND focus = GetFocus();
+    if (LOWORD(wparam) == WA_INACTIVE && focus && IsChild(main.window, focus)) main.last_focus = focus;
+    return DefWindowProcW(main.window, WM_ACTIVATE, wparam, lparam);
+}
 
 /// The wheel belongs to the window under the pointer's focus; anywhere in the main window it scrolls the grid.
 LRESULT PassWheel(MainWindow& main, WPARAM wparam, LPARAM lparam) {
@@ -385,6 +395,7 @@ LRESULT CALLBACK MainProc(HWND window, UINT message, WPARAM wparam, LPARAM lpara
     case WM_NOTIFY: return Notify(*reinterpret_cast<const NMHDR*>(lparam));
     case WM_SIZE: Resized(main, lparam); return 0;
     case WM_GETMINMAXINFO: MinimumSize(main, *reinterpret_cast<MINMAXINFO*>(lparam)); return 0;
+    case WM_ACTIVATE: return main.up ? Activated(main, wparam, lparam) : DefWindowProcW(window, message, wparam, lparam);
     case WM_SETFOCUS: GiveFocusBack(main); return 0;
     case WM_MOUSEWHEEL: return PassWheel(main, wparam, lparam);
     case WM_CTLCOLORSTATIC: return StaticColours(main, reinterpret_cast<HDC>(wparam));

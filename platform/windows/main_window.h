@@ -45,6 +45,7 @@ struct MainWindow {
     HWND tempo_caption = nullptr;
     HWND tempo_label = nullptr;
     HWND convert = nullptr;
+    HWND last_focus = nullptr; ///< the control that had the keyboard when the window was left
     HMENU menu = nullptr;
     Panel panels[kPanels];
     bool showing = false; ///< the controls are being changed by the program, not by the user

@@ -119,7 +119,7 @@ void PaintWhite(Panel& panel, int item, const RECT& dirty) {
     if (panel.pressed_item == item) face = Mix(face, RGB(120, 130, 145), 70);
     else if (panel.hot_item == item && !Lit(panel, key)) face = RGB(240, 244, 249);
     FillRound(panel.canvas, area, Scaled(scale, 3), edge, true);
-    const int line = Scaled(scale, 1);
+    const int line = Hairline(scale);
     // Neighbours share one line between them; the first key has its own at the left.
     const RECT inner = {area.left + (item == 0 ? line : 0), area.top + line, area.right - line, area.bottom - line};
     FillRound(panel.canvas, inner, Scaled(scale, 2), face, true);

@@ -116,6 +116,7 @@ void PaintStaff(Panel& panel, const RECT& dirty) {
                   colours.staff_line);
     const float x = static_cast<float>(kClefBox.left) / scale.twips_per_pixel_x;
     const float y = static_cast<float>(kClefBox.top) / scale.twips_per_pixel_y;
+    if (static_cast<float>(dirty.left) > x + static_cast<float>(kClefBox.width) / scale.twips_per_pixel_x) return;
     const CoverageMask clef = ClefMask(1 / scale.twips_per_pixel_y, x - std::floor(x), y - std::floor(y));
     BlendMask(panel.canvas, clef, static_cast<int>(x), static_cast<int>(y), colours.ink, dirty);
 }

@@ -28,6 +28,10 @@ int Scaled(const Scale& scale, int pixels_at_96_dpi) {
     return std::max(1, ToPixelsY(scale, pixels_at_96_dpi * 15));
 }
 
+int Hairline(const Scale& scale) {
+    return std::max(1, static_cast<int>(15.0f / scale.twips_per_pixel_y));
+}
+
 COLORREF Mix(COLORREF a, COLORREF b, int share) {
     const auto channel = [&](int shift) {
         const int from = static_cast<int>(a >> shift & 0xFF), to = static_cast<int>(b >> shift & 0xFF);
@@ -131,7 +135,7 @@ Fonts CreateFonts(const Scale& scale) {
     const LOGFONTW japanese = JapaneseFont(message);
     const int height = std::max<int>(Scaled(scale, 12), std::abs(static_cast<int>(message.lfHeight)));
     const int cell = ToPixelsX(scale, 390) - Scaled(scale, 3);
-    const int key = ToPixelsX(scale, 285) - 1;
+    const int key = ToPixelsX(scale, 285) - Scaled(scale, 2);
     Fonts fonts;
     fonts.ui = CreateFontIndirectW(&message);
     fonts.cell = FittingFont(message, height, cell, L"g8 #");

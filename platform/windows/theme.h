@@ -53,6 +53,8 @@ int ToTwipsY(const Scale& scale, int pixels);
 RECT ToPixels(const Scale& scale, const Rect& rect);
 /// A length at 100 % in pixels of this scale.
 int Scaled(const Scale& scale, int pixels_at_96_dpi);
+/// The thickness of a thin line: whole pixels, rounded down so that it stays thin between the round scales.
+int Hairline(const Scale& scale);
 
 /// Reads colours from the system; again after WM_SYSCOLORCHANGE.
 Colours ReadColours();
