@@ -124,6 +124,7 @@ bool Operation(const std::string& call, const std::wstring& path) {
         LoseUnflushed();
         throw desktop::MachineStopped{};
     }
+    if (desk.refused.contains(call)) return false;
     if (desk.fail_at < 0) return true;
     return desk.fail_for_good ? number < desk.fail_at : number != desk.fail_at;
 }
@@ -310,6 +311,8 @@ bool WriteOutput(OutputFile& file, const std::uint8_t* bytes, std::size_t count)
     const auto found = desk.files.find(file.path);
     if (found == desk.files.end()) return false;
     found->second.bytes.insert(found->second.bytes.end(), bytes, bytes + taken);
+    if (desk.garbles_writes && taken > 0)
+        (found->second.bytes.end() - static_cast<std::ptrdiff_t>(taken))[0] ^= 1;
     desktop::unflushed.insert(file.path);
     return good && taken == count;
 }

@@ -85,6 +85,8 @@ struct Desktop {
     bool fail_for_good = false; ///< ... and all after it
     int stop_at = -1; ///< the machine stops at this operation: MachineStopped is thrown, what was not flushed
                       ///< keeps only half its bytes
+    std::set<std::string> refused;         ///< operations that always fail, by name: "RenameOver"
+    bool garbles_writes = false;           ///< the disk stores another first byte than it was given
     std::uint32_t unique_number = 0;       ///< UniqueNumber counts it up
     std::optional<std::size_t> disk_space; ///< bytes that can still be written
     bool in_flight_truncated = true;       ///< a file dropped without CloseOutput keeps only half its bytes
