@@ -1,0 +1,369 @@
+#include "platform/files.h"
+
+#include "platform/temporary_files.h"
+#include "score/save_file.h"
+#include "tests/windows/support.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <set>
+
+using namespace tonex;
+using namespace tonex::windows_test;
+
+namespace {
+
+std::vector<std::uint8_t> Bytes(const std::string& text) {
+    return {text.begin(), text.end()};
+}
+
+bool Write(OutputFile& file, const std::string& text) {
+    return WriteOutput(file, reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+}
+
+bool Patch(OutputFile& file, std::uint64_t offset, const std::string& text) {
+    return PatchOutput(file, offset, reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+}
+
+// A file that no other handle may replace or read.
+struct HeldFile {
+    explicit HeldFile(const std::wstring& path)
+        : handle(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)) {}
+    ~HeldFile() { CloseHandle(handle); }
+    HANDLE handle;
+};
+
+} // namespace
+
+TEST(PathExists, FindsAnOrdinaryFileWithEveryMaskAndGivesItsNameAsItStands) {
+    const TestFolder folder;
+    WriteBytes(folder / L"Tune.snd", "x");
+    for (const std::uint32_t mask : {0u, 6u, 16u, 22u})
+        EXPECT_EQ(PathExists(folder / L"TUNE.SND", mask), L"Tune.snd");
+}
+
+TEST(PathExists, FindsReadOnlyAndArchivedFilesWithoutBeingAsked) {
+    const TestFolder folder;
+    WriteBytes(folder / L"a.snd", "x");
+    SetFileAttributesW((folder / L"a.snd").c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE);
+    EXPECT_EQ(PathExists(folder / L"a.snd", 0), L"a.snd");
+}
+
+TEST(PathExists, FindsHiddenFilesOnlyWhenAskedFor) {
+    const TestFolder folder;
+    WriteBytes(folder / L"a.snd", "x");
+    SetFileAttributesW((folder / L"a.snd").c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
+    ASSERT_TRUE(GetFileAttributesW((folder / L"a.snd").c_str()) & FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_EQ(PathExists(folder / L"a.snd", 0), L"");
+    EXPECT_EQ(PathExists(folder / L"a.snd", 16), L"");
+    EXPECT_EQ(PathExists(folder / L"a.snd", 6), L"a.snd");
+}
+
+TEST(PathExists, FindsFoldersOnlyWhenAskedForWithOrWithoutABackslash) {
+    const TestFolder folder;
+    MakeFolder(folder / L"sound");
+    EXPECT_EQ(PathExists(folder / L"sound", 0), L"");
+    EXPECT_EQ(PathExists(folder / L"sound", 6), L"");
+    EXPECT_EQ(PathExists(folder / L"sound", 16), L"sound");
+    EXPECT_EQ(PathExists(folder / L"sound\\", 16), L"sound");
+}
+
+TEST(PathExists, AFileIsNotAFolderBecauseABackslashFollows) {
+    const TestFolder folder;
+    WriteBytes(folder / L"a.snd", "x");
+    EXPECT_EQ(PathExists(folder / L"a.snd\\", 16), L"");
+}
+
+TEST(PathExists, FindsADriveRootAsAFolder) {
+    EXPECT_EQ(PathExists(L"C:\\", 16), L"C:\\");
+    EXPECT_EQ(PathExists(L"C:\\", 6), L"");
+    EXPECT_EQ(PathExists(L"Q:\\", 16), L"");
+}
+
+TEST(PathExists, WildcardsFindNothing) {
+    const TestFolder folder;
+    WriteBytes(folder / L"a.snd", "x");
+    for (const wchar_t* name : {L"*.snd", L"?.snd", L"*", L"a.s<", L"a.sn>", L"a\"snd"})
+        EXPECT_EQ(PathExists(folder / name, 22), L"") << name;
+}
+
+TEST(PathExists, ErrorsFindNothing) {
+    const TestFolder folder;
+    EXPECT_EQ(PathExists(L"", 22), L"");
+    EXPECT_EQ(PathExists(L"\\", 22), L"");
+    EXPECT_EQ(PathExists(folder / L"missing.snd", 22), L"");
+    EXPECT_EQ(PathExists(folder / L"missing\\a.snd", 22), L"");
+    EXPECT_EQ(PathExists(L"Q:\\a.snd", 22), L"");
+    EXPECT_EQ(PathExists(std::wstring(40000, L'a'), 22), L"");
+}
+
+TEST(FileAttributes, AreSetAndRead) {
+    const TestFolder folder;
+    const std::wstring path = folder / L"a.snd";
+    WriteBytes(path, "x");
+    ASSERT_TRUE(SetAttributesOf(path, kAttributeReadOnly | kAttributeHidden));
+    EXPECT_EQ(AttributesOf(path).value() & 7, kAttributeReadOnly | kAttributeHidden);
+    ASSERT_TRUE(SetAttributesOf(path, kAttributeArchive));
+    EXPECT_EQ(AttributesOf(path).value() & 7, 0u);
+    ASSERT_TRUE(SetAttributesOf(path, kAttributeReadOnly));
+    ASSERT_TRUE(SetAttributesOf(path, 0));
+    EXPECT_EQ(AttributesOf(path).value() & 7, 0u);
+    EXPECT_TRUE(AttributesOf(folder.path).value() & kAttributeDirectory);
+}
+
+TEST(FileAttributes, OfAMissingFileAreNothing) {
+    const TestFolder folder;
+    EXPECT_FALSE(AttributesOf(folder / L"a.snd"));
+    EXPECT_FALSE(SetAttributesOf(folder / L"a.snd", 0));
+}
+
+TEST(RemoveFile, DeletesAFileOnceAndNeverAReadOnlyOne) {
+    const TestFolder folder;
+    const std::wstring path = folder / L"a.snd";
+    WriteBytes(path, "x");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_FALSE(RemoveFile(path));
+    EXPECT_EQ(ReadBytes(path), "x");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_TRUE(RemoveFile(path));
+    EXPECT_EQ(ReadBytes(path), "(missing)");
+    EXPECT_FALSE(RemoveFile(path));
+    EXPECT_FALSE(RemoveFile(folder.path));
+}
+
+TEST(ReadWholeFile, ReadsUpToTheLimit) {
+    const TestFolder folder;
+    WriteBytes(folder / L"a", "0123456789");
+    std::vector<std::uint8_t> bytes = {1, 2, 3};
+    for (const std::size_t limit : {std::size_t{0}, std::size_t{1}, std::size_t{9}, std::size_t{10}}) {
+        ASSERT_TRUE(ReadWholeFile(folder / L"a", bytes, limit));
+        EXPECT_EQ(bytes, Bytes(std::string("0123456789").substr(0, limit)));
+    }
+    ASSERT_TRUE(ReadWholeFile(folder / L"a", bytes, 11));
+    EXPECT_EQ(bytes, Bytes("0123456789"));
+    ASSERT_TRUE(ReadWholeFile(folder / L"a", bytes, static_cast<std::size_t>(-1)));
+    EXPECT_EQ(bytes, Bytes("0123456789"));
+}
+
+TEST(ReadWholeFile, ReadsEmptyAndLongFiles) {
+    const TestFolder folder;
+    std::vector<std::uint8_t> bytes = {1};
+    WriteBytes(folder / L"empty", "");
+    ASSERT_TRUE(ReadWholeFile(folder / L"empty", bytes, 100));
+    EXPECT_TRUE(bytes.empty());
+    std::string longer;
+    for (int i = 0; i < 300'000; ++i)
+        longer += static_cast<char>(i * 7 + i / 256);
+    WriteBytes(folder / L"long", longer);
+    ASSERT_TRUE(ReadWholeFile(folder / L"long", bytes, 1'000'000));
+    EXPECT_EQ(bytes, Bytes(longer));
+    ASSERT_TRUE(ReadWholeFile(folder / L"long", bytes, 299'999));
+    EXPECT_EQ(bytes, Bytes(longer.substr(0, 299'999)));
+}
+
+TEST(ReadWholeFile, FailsForMissingFilesFoldersAndFilesHeldByOthers) {
+    const TestFolder folder;
+    std::vector<std::uint8_t> bytes = {1};
+    EXPECT_FALSE(ReadWholeFile(folder / L"a", bytes, 10));
+    EXPECT_TRUE(bytes.empty());
+    EXPECT_FALSE(ReadWholeFile(folder.path, bytes, 10));
+    EXPECT_FALSE(ReadWholeFile(L"", bytes, 10));
+    WriteBytes(folder / L"a", "x");
+    const HeldFile held(folder / L"a");
+    EXPECT_FALSE(ReadWholeFile(folder / L"a", bytes, 10));
+}
+
+TEST(Output, WritesPatchesAndGoesOnAppending) {
+    const TestFolder folder;
+    OutputFilePtr file = CreateOutput(folder / L"a");
+    ASSERT_TRUE(file);
+    EXPECT_TRUE(Write(*file, "0123456789"));
+    EXPECT_TRUE(Patch(*file, 2, "AB"));
+    EXPECT_TRUE(Write(*file, "end"));
+    EXPECT_TRUE(Patch(*file, 12, "X"));
+    EXPECT_TRUE(Write(*file, ""));
+    EXPECT_TRUE(FlushOutput(*file));
+    EXPECT_TRUE(CloseOutput(std::move(file)));
+    EXPECT_EQ(ReadBytes(folder / L"a"), "01AB456789enX");
+}
+
+TEST(Output, IsCreatedOnlyWhereNothingIs) {
+    const TestFolder folder;
+    WriteBytes(folder / L"a", "old");
+    EXPECT_FALSE(CreateOutput(folder / L"a"));
+    EXPECT_EQ(ReadBytes(folder / L"a"), "old");
+    EXPECT_FALSE(CreateOutput(folder / L"missing\\a"));
+    EXPECT_FALSE(CreateOutput(folder.path));
+    EXPECT_FALSE(CreateOutput(folder / L"a*b"));
+}
+
+TEST(Output, DroppedWithoutClosingLeavesNoHandleOpen) {
+    const TestFolder folder;
+    OutputFilePtr file = CreateOutput(folder / L"a");
+    ASSERT_TRUE(file);
+    EXPECT_FALSE(RemoveFile(folder / L"a")); // still open
+    file.reset();
+    EXPECT_TRUE(RemoveFile(folder / L"a"));
+    EXPECT_FALSE(CloseOutput(nullptr));
+}
+
+TEST(RenameOver, ReplacesTheTarget) {
+    const TestFolder folder;
+    WriteBytes(folder / L"new", "new");
+    WriteBytes(folder / L"old", "old");
+    EXPECT_TRUE(RenameOver(folder / L"new", folder / L"old"));
+    EXPECT_EQ(ReadBytes(folder / L"old"), "new");
+    EXPECT_EQ(ReadBytes(folder / L"new"), "(missing)");
+    EXPECT_TRUE(RenameOver(folder / L"old", folder / L"third"));
+    EXPECT_EQ(ReadBytes(folder / L"third"), "new");
+}
+
+TEST(RenameOver, WhenRefusedBothFilesAreAsTheyWere) {
+    const TestFolder folder;
+    WriteBytes(folder / L"new", "new");
+    WriteBytes(folder / L"old", "old");
+    MakeFolder(folder / L"sub");
+    EXPECT_FALSE(RenameOver(folder / L"missing", folder / L"old"));
+    EXPECT_FALSE(RenameOver(folder / L"new", folder / L"sub"));
+    EXPECT_FALSE(RenameOver(folder / L"new", folder / L"none\\old"));
+    {
+        const HeldFile held(folder / L"old");
+        EXPECT_FALSE(RenameOver(folder / L"new", folder / L"old"));
+    }
+    EXPECT_EQ(ReadBytes(folder / L"new"), "new");
+    EXPECT_EQ(ReadBytes(folder / L"old"), "old");
+    EXPECT_TRUE(IsFolder(folder / L"sub"));
+}
+
+TEST(ListFiles, GivesMatchingFilesAndNoFolders) {
+    const TestFolder folder;
+    for (const wchar_t* name : {L"a.snd", L"B.SND", L"c.sndx", L"d.wav", L"~snd12.tmp", L".snd"})
+        WriteBytes(folder / name, "x");
+    WriteBytes(folder / L"hidden.snd", "x");
+    SetFileAttributesW((folder / L"hidden.snd").c_str(), FILE_ATTRIBUTE_HIDDEN);
+    MakeFolder(folder / L"folder.snd");
+    const auto list = [&](const std::wstring& where, const std::wstring& pattern) {
+        std::vector<std::wstring> names = ListFiles(where, pattern);
+        std::sort(names.begin(), names.end());
+        return names;
+    };
+    const std::vector<std::wstring> sounds = {L".snd", L"B.SND", L"a.snd", L"hidden.snd"};
+    EXPECT_EQ(list(folder.path, L"*.snd"), sounds);
+    EXPECT_EQ(list(folder.path + L"\\", L"*.snd"), sounds);
+    EXPECT_EQ(list(folder.path, L"~snd*.tmp"), std::vector<std::wstring>{L"~snd12.tmp"});
+    EXPECT_EQ(list(folder.path, L"?.SND"), (std::vector<std::wstring>{L"B.SND", L"a.snd"}));
+    EXPECT_TRUE(list(folder.path, L"*.mid").empty());
+    EXPECT_TRUE(list(folder / L"missing", L"*.snd").empty());
+}
+
+TEST(AgeOfFile, CountsSecondsSinceTheLastWrite) {
+    const TestFolder folder;
+    EXPECT_FALSE(AgeOfFile(folder / L"a"));
+    EXPECT_FALSE(AgeOfFile(folder.path));
+    WriteBytes(folder / L"a", "x");
+    ASSERT_TRUE(AgeOfFile(folder / L"a"));
+    EXPECT_LE(*AgeOfFile(folder / L"a"), 10u);
+
+    const auto move_last_write = [&](LONGLONG seconds) {
+        FILETIME now;
+        GetSystemTimeAsFileTime(&now);
+        ULARGE_INTEGER time;
+        time.LowPart = now.dwLowDateTime;
+        time.HighPart = now.dwHighDateTime;
+        time.QuadPart += static_cast<ULONGLONG>(seconds * 10'000'000);
+        const FILETIME then = {time.LowPart, time.HighPart};
+        const HANDLE file = CreateFileW((folder / L"a").c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr,
+                                        OPEN_EXISTING, 0, nullptr);
+        EXPECT_TRUE(SetFileTime(file, nullptr, nullptr, &then));
+        CloseHandle(file);
+    };
+    move_last_write(-100'000);
+    EXPECT_GE(*AgeOfFile(folder / L"a"), 100'000u);
+    EXPECT_LE(*AgeOfFile(folder / L"a"), 100'010u);
+    move_last_write(100'000); // written in the future: a clock was set back
+    EXPECT_EQ(*AgeOfFile(folder / L"a"), 0u);
+}
+
+TEST(UniqueNumber, DiffersBetweenCalls) {
+    std::set<std::uint32_t> numbers;
+    for (int i = 0; i < 1000; ++i)
+        numbers.insert(UniqueNumber());
+    EXPECT_EQ(numbers.size(), 1000u);
+}
+
+TEST(UniqueNumber, DiffersBetweenProcesses) {
+    // Four processes that do nothing but make a number: equal ones would mean that they begin alike.
+    std::set<DWORD> numbers;
+    for (int i = 0; i < 4; ++i) {
+        Child child(L"child-number");
+        numbers.insert(child.ExitCode());
+    }
+    EXPECT_EQ(numbers.size(), 4u);
+    EXPECT_FALSE(numbers.contains(0xDEAD));
+}
+
+TEST(TemporaryFolder, EndsWithABackslashAndIsThere) {
+    const std::wstring folder = TemporaryFolder();
+    ASSERT_FALSE(folder.empty());
+    EXPECT_EQ(folder.back(), L'\\');
+    EXPECT_TRUE(IsFolder(folder.substr(0, folder.size() - 1)));
+}
+
+TEST(TemporaryFolder, OfATooLongNameIsEmpty) {
+    const std::wstring name = L"C:\\" + std::wstring(60, L'a') + L"\\" + std::wstring(60, L'b') + L"\\";
+    {
+        const Environment tmp(L"TMP", name), temp(L"TEMP", name);
+        EXPECT_EQ(TemporaryFolder(), name);
+    }
+    const std::wstring too_long = name + std::wstring(60, L'c') + L"\\" + std::wstring(80, L'd') + L"\\";
+    ASSERT_GE(too_long.size(), 256u);
+    const Environment tmp(L"TMP", too_long), temp(L"TEMP", too_long);
+    EXPECT_EQ(TemporaryFolder(), L"");
+}
+
+TEST(TemporaryFile, IsMadeWithPrefixAndANumber) {
+    const TestFolder folder;
+    const std::wstring first = CreateTemporaryFile(folder.path + L"\\", L"Snd");
+    const std::wstring second = CreateTemporaryFile(folder.path + L"\\", L"Snd");
+    EXPECT_NE(first, second);
+    for (const std::wstring& path : {first, second}) {
+        ASSERT_GT(path.size(), folder.path.size() + 8);
+        EXPECT_EQ(path.substr(0, folder.path.size() + 4), folder.path + L"\\Snd");
+        EXPECT_EQ(path.substr(path.size() - 4), L".tmp");
+        EXPECT_EQ(ReadBytes(path), "");
+    }
+}
+
+TEST(TemporaryFile, OfAMissingFolderIsEmpty) {
+    const TestFolder folder;
+    EXPECT_EQ(CreateTemporaryFile(folder / L"missing\\", L"Snd"), L"");
+}
+
+TEST(SaveWholeFileOnDisk, ReplacesAReadOnlyHiddenFileAndLeavesNothingElse) {
+    const TestFolder folder;
+    WriteBytes(folder / L"a.snd", "old");
+    SetFileAttributesW((folder / L"a.snd").c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_TRUE(SaveWholeFile(folder / L"a.snd", Bytes("new")));
+    EXPECT_EQ(ReadBytes(folder / L"a.snd"), "new");
+    EXPECT_EQ(ListFiles(folder.path, L"*"), std::vector<std::wstring>{L"a.snd"});
+}
+
+TEST(SaveWholeFileOnDisk, AFileHeldByAnotherStaysWholeAndNothingIsLeftBehind) {
+    const TestFolder folder;
+    WriteBytes(folder / L"a.snd", "old");
+    SetFileAttributesW((folder / L"a.snd").c_str(), FILE_ATTRIBUTE_READONLY);
+    {
+        const HeldFile held(folder / L"a.snd");
+        EXPECT_FALSE(SaveWholeFile(folder / L"a.snd", Bytes("new")));
+    }
+    EXPECT_EQ(ReadBytes(folder / L"a.snd"), "old");
+    EXPECT_TRUE(AttributesOf(folder / L"a.snd").value() & kAttributeReadOnly);
+    EXPECT_EQ(ListFiles(folder.path, L"*"), std::vector<std::wstring>{L"a.snd"});
+}
+
+TEST(SaveWholeFileOnDisk, IntoAMissingFolderFails) {
+    const TestFolder folder;
+    EXPECT_FALSE(SaveWholeFile(folder / L"missing\\a.snd", Bytes("new")));
+}
