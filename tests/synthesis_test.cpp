@@ -1,4 +1,5 @@
 #include "preview/synthesis.h"
+#include "tests/plain_synthesis.h"
 
 #include <gtest/gtest.h>
 
@@ -48,44 +49,8 @@ Tone Synthesise(int pitch, int length, int tempo) {
     return {result, collected.bytes};
 }
 
-/// The rules of one note, sample by sample, in the plainest words: the model that the fast way must equal.
-Tone Model(int pitch, int length, int tempo) {
-    const int octave = pitch / 12;
-    const auto pitch_class = static_cast<std::size_t>(pitch % 12);
-    const int units = (length & 15) == 0 ? 16 : length & 15;
-    const int quarters = length >> 4;
-    if (tempo * units * quarters >= 32768) return {SynthesisResult::Overflow, {}};
-    const float sound_seconds = static_cast<float>(tempo * units * quarters) / 256.0F;
-    const float gap_seconds = static_cast<float>(tempo * units * (4 - quarters)) / 256.0F;
-    const auto sound_samples =
-        static_cast<std::int64_t>(std::floor(static_cast<double>(sound_seconds) * 22050.0));
-    const auto last_sample =
-        static_cast<std::int64_t>(std::floor(static_cast<double>(sound_seconds + gap_seconds) * 22050.0)) - 1;
-    const std::int64_t period = Table().period[pitch_class];
-    enum { Sounding, Finishing, Silent } mode = sound_samples == 0 ? Silent : Sounding;
-    std::int64_t phase = 0;
-    std::int64_t counter = 0;
-    Tone tone{SynthesisResult::Done, {}};
-    for (std::int64_t k = 0; k <= last_sample; ++k) {
-        if (mode == Silent) {
-            tone.samples.push_back(128);
-        } else {
-            if (phase >= 384) return {SynthesisResult::PhaseError, {}};
-            tone.samples.push_back(Table().wave[pitch_class][static_cast<std::size_t>(phase)]);
-        }
-        phase += std::int64_t{1} << octave;
-        if (phase >= period) {
-            phase -= period;
-            if (mode == Finishing) mode = Silent;
-        }
-        if (counter >= sound_samples && mode == Sounding) mode = Finishing;
-        ++counter;
-    }
-    return tone;
-}
-
 void ExpectLikeModel(int pitch, int length, int tempo) {
-    const Tone expected = Model(pitch, length, tempo);
+    const PlainNote expected = PlainNoteSamples(Table(), pitch, length, tempo);
     const Tone actual = Synthesise(pitch, length, tempo);
     ASSERT_EQ(actual.result, expected.result)
         << "pitch " << pitch << ", length " << length << ", tempo " << tempo;
