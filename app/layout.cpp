@@ -11,7 +11,7 @@ namespace {
 
 // Twips; 15 are a pixel of the ordinary screen.
 constexpr int kGap = 180;           ///< between the blocks of the window
-constexpr int kToolbarGap = 120;    ///< below the toolbar
+constexpr int kToolbarGap = 60;    ///< below the toolbar
 constexpr int kStaffEnd = 60;       ///< of the panel right of the last picture
 constexpr int kStaffInset = 30;     ///< between the panel's edges and the staff lines
 constexpr int kTopStaffLine = 1140; ///< f6, in the panel
@@ -25,8 +25,9 @@ constexpr int kButtonWidth = 465;
 constexpr int kButtonHeight = 510;
 constexpr int kButtonRowGap = 30;
 constexpr int kFamilyGap = 90; ///< between lengths of different note values
-constexpr int kTempoLabelWidth = 690;
-constexpr int kTempoBoxWidth = 990;
+constexpr int kCaptionWidth = 705;
+constexpr int kTempoBoxWidth = 975;
+constexpr int kTempoNameGap = 75;
 constexpr int kTextHeight = 225;
 constexpr int kTempoBoxHeight = 315;
 constexpr int kBlackLabelWidth = 285;
@@ -74,24 +75,24 @@ void PlaceStaff(sndmain& window, int left, int top) {
 }
 
 void PlaceGrid(sndmain& window, int left, int top) {
-    const int width = kGridColumnsShown * kColumnWidth;
+    // As wide as the staff panel above it; the columns end a little before.
+    const int width = kGridColumnsShown * kColumnWidth + kStaffEnd;
     window.grdScore.place = {left + kClefWidth, top, width, kGridRowHeight + kScrollBarHeight};
 }
 
-// The tempo with its name below it, then the length that a key click gives.
+// One row says the tempo and its name, the row below it the length that a key click gives: they stand beside
+// the rows of notes and rests.
 void PlaceTempo(sndmain& window, int left, int top) {
-    const int box_left = left + kTempoLabelWidth;
-    const int box_top = top + (kButtonHeight - kTempoBoxHeight) / 2;
-    const int label_top = top + (kButtonHeight - kTextHeight) / 2;
-    window.Label2.place = {left, label_top, kTempoLabelWidth, kTextHeight};
-    window.TempoCombo.place = {box_left, box_top, kTempoBoxWidth, kTempoBoxHeight};
-    const int second_row = top + kButtonHeight + kButtonRowGap;
-    window.lblTempo.place = {box_left, second_row, kTempoBoxWidth, kTextHeight};
-
-    const int free_left = box_left + kTempoBoxWidth;
+    const int box_left = left + kCaptionWidth;
+    const int name_left = box_left + kTempoBoxWidth + kTempoNameGap;
     const int buttons_left = left + kPanelWidth - kLengthButtonsWidth;
-    window.imgNow.place = {free_left + (buttons_left - free_left - kPictureWidth) / 2,
-                           top + (kLengthButtonsHeight - kPictureHeight) / 2, kPictureWidth, kPictureHeight};
+    const int label_top = top + (kButtonHeight - kTextHeight) / 2;
+    window.Label2.place = {left, label_top, kCaptionWidth, kTextHeight};
+    window.TempoCombo.place = {box_left, top + (kButtonHeight - kTempoBoxHeight) / 2, kTempoBoxWidth, kTempoBoxHeight};
+    window.lblTempo.place = {name_left, label_top, buttons_left - name_left, kTextHeight};
+    const int second_row = top + kButtonHeight + kButtonRowGap;
+    window.Label3.place = {left, second_row + (kButtonHeight - kTextHeight) / 2, kCaptionWidth, kTextHeight};
+    window.imgNow.place = {box_left, second_row, kButtonWidth, kButtonHeight};
 }
 
 void PlaceLengthButtons(sndmain& window, int left, int top) {

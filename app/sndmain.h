@@ -170,6 +170,7 @@ struct sndmain {
     TempoBox TempoCombo;
     Label lblTempo; ///< the classical name
     Label Label2;   ///< "Tempo"
+    Label Label3;   ///< "Length"
     std::array<PianoKeyControl, kWhiteKeys> kenWhite{};
     std::array<PianoKeyControl, kBlackKeys> kenBlack{};
     std::array<KeyLabel, kWhiteKeys> lblWNote{};
@@ -192,6 +193,7 @@ struct sndmain {
         imgNow.Picture = current_length;
         imgNow.Visible = true;
         Label2.Caption = L"Tempo";
+        Label3.Caption = L"Length";
     }
 
     MenuState& item(MenuItem which) { return menu[static_cast<std::size_t>(which)]; }

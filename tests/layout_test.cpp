@@ -26,7 +26,8 @@ bool Overlap(const Rect& a, const Rect& b) {
 // Everything that stands beside or above something else; keys and labels overlap on purpose.
 std::vector<Rect> Blocks(const sndmain& window) {
     std::vector<Rect> blocks = {window.picStaff,         window.grdScore.place, window.Label2.place,
-                                window.TempoCombo.place, window.lblTempo.place, window.imgNow.place};
+                                window.TempoCombo.place, window.lblTempo.place, window.imgNow.place,
+                                window.Label3.place};
     for (const auto& button : window.cbtNote)
         blocks.push_back(button.place);
     for (const auto& key : window.kenWhite)
@@ -80,7 +81,8 @@ TEST(Layout, ASizeBelowTheSmallestIsTakenAsTheSmallest) {
 TEST(Layout, TheGridsColumnsStandUnderThePictures) {
     auto window = SetUpWindow();
     LayoutWindow(*window, kMinClientWidth + 3000, kMinClientHeight);
-    EXPECT_EQ(window->grdScore.place.Width, 30 * 390);
+    EXPECT_EQ(window->grdScore.place.Width, 30 * 390 + 60);
+    EXPECT_EQ(Right(window->grdScore.place), Right(window->picStaff));
     EXPECT_EQ(window->grdScore.place.Top, Bottom(window->picStaff));
     for (int i = 0; i < 30; ++i) {
         const int column_left = window->grdScore.place.Left + i * 390;

@@ -68,6 +68,7 @@ void CreateTempo(MainWindow& main, HINSTANCE instance) {
                                  0, 0, 10, 300, main.window, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(kTempoId)), instance, nullptr);
     SendMessageW(main.tempo, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), 0);
     main.tempo_label = CreateStatic(main, instance);
+    main.length_caption = CreateStatic(main, instance);
 }
 
 void CreateControls(MainWindow& main, HINSTANCE instance) {
@@ -105,6 +106,7 @@ void PlaceTempo(MainWindow& main) {
     PlaceControl(main, main.tempo_caption, w.Label2.place, 0, 0);
     PlaceControl(main, main.tempo, w.TempoCombo.place, 1, Scaled(main.theme.scale, 320));
     PlaceControl(main, main.tempo_label, w.lblTempo.place, 2, 0);
+    PlaceControl(main, main.length_caption, w.Label3.place, 3, 0);
 }
 
 void ShowPlaces(MainWindow& main) {
@@ -122,6 +124,7 @@ void ShowTempo(MainWindow& main) {
     const TempoBox& box = main.record.TempoCombo;
     Shown& shown = main.shown;
     ShowText(main.tempo_caption, main.record.Label2.Caption, shown.tempo_caption);
+    ShowText(main.length_caption, main.record.Label3.Caption, shown.length_caption);
     ShowText(main.tempo_label, main.record.lblTempo.Caption, shown.tempo_label);
     if (box.List != shown.tempo_list) {
         shown.tempo_list = box.List;

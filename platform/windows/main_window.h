@@ -14,7 +14,7 @@ inline constexpr int kPanels = static_cast<int>(PanelId::Count);
 
 /// What the controls show now. Only what differs from the record is shown again.
 struct Shown {
-    std::wstring Caption, tempo_text, tempo_label, tempo_caption;
+    std::wstring Caption, tempo_text, tempo_label, tempo_caption, length_caption;
     std::vector<std::wstring> tempo_list;
     int tempo_index = -2;
     bool enabled = true;
@@ -30,7 +30,7 @@ struct Shown {
     std::array<CellText, kBlackKeys> black_captions{};
     std::array<MenuState, kMenuItems> menu{};
     std::array<bool, kToolButtons> toolbar{};
-    std::array<Rect, kPanels + 3> places{};
+    std::array<Rect, kPanels + 4> places{};
     ConvertWindow convert;
 };
 
@@ -44,6 +44,7 @@ struct MainWindow {
     HWND tempo = nullptr;
     HWND tempo_caption = nullptr;
     HWND tempo_label = nullptr;
+    HWND length_caption = nullptr;
     HWND convert = nullptr;
     HWND last_focus = nullptr; ///< the control that had the keyboard when the window was left
     HMENU menu = nullptr;

@@ -6,16 +6,16 @@ set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/tonex.rc PROPERTIES
 
 # The icon is drawn by a program of the build machine, not of Windows.
 find_program(HOST_CXX NAMES g++ c++ REQUIRED)
-if(EXISTS ${CMAKE_SOURCE_DIR}/tools/pictures/make_icon.cpp)
-add_custom_command(
-    OUTPUT ${TONEX_ICON}
-    COMMAND ${HOST_CXX} -std=c++20 -O1 -I${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tools/pictures/make_icon.cpp
-            ${CMAKE_SOURCE_DIR}/pictures/raster.cpp ${CMAKE_SOURCE_DIR}/pictures/glyphs.cpp ${TONEX_ICON_SOURCES}
-            -o ${CMAKE_BINARY_DIR}/make_icon
-    COMMAND ${CMAKE_BINARY_DIR}/make_icon ${TONEX_ICON}
-    DEPENDS ${CMAKE_SOURCE_DIR}/tools/pictures/make_icon.cpp ${CMAKE_SOURCE_DIR}/pictures/raster.cpp
-            ${CMAKE_SOURCE_DIR}/pictures/glyphs.cpp
-    COMMENT "Drawing the program icon" VERBATIM)
+file(GLOB picture_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/pictures/*.cpp)
+set(make_icon ${CMAKE_SOURCE_DIR}/tools/pictures/make_icon.cpp)
+if(EXISTS ${make_icon})
+    add_custom_command(
+        OUTPUT ${TONEX_ICON}
+        COMMAND ${HOST_CXX} -std=c++20 -O1 -I${CMAKE_SOURCE_DIR} ${make_icon} ${picture_sources}
+                -o ${CMAKE_BINARY_DIR}/make_icon
+        COMMAND ${CMAKE_BINARY_DIR}/make_icon ${TONEX_ICON}
+        DEPENDS ${make_icon} ${picture_sources}
+        COMMENT "Drawing the program icon" VERBATIM)
 endif()
 
 add_executable(Tonex WIN32
