@@ -1,71 +1,368 @@
 #include "pictures/glyphs.h"
 
+#include "pictures/outlines.h"
+
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace tonex {
 
 namespace {
+
+constexpr int kNotes = 20;
+constexpr int kFirstStemDown = 41, kLastStemDown = 57, kBarLine = 58;
+
+/// What a length code looks like.
+struct NoteForm {
+    int division; ///< 1, 2, 4, 8, 16, 32
+    int dots;
+    bool triplet;
+};
+
+/// By length code less 1.
+constexpr NoteForm kForms[kNotes] = {
+    {32, 0, false}, {32, 0, true},  {16, 0, false}, {16, 1, false}, {16, 2, false}, {16, 0, true}, {8, 0, false},
+    {8, 1, false},  {8, 2, false},  {8, 0, true},   {4, 0, false},  {4, 1, false},  {4, 2, false}, {4, 0, true},
+    {2, 0, false},  {2, 1, false},  {2, 2, false},  {1, 0, false},  {1, 1, false},  {1, 2, false}};
+
+// Lengths in staff spaces from here on, where nothing else is said.
+constexpr float kHeadWidth = 1.19F, kWholeWidth = 1.52F, kHeadHalfHeight = 0.46F;
+constexpr float kStemJoin = 0.17F; ///< how far above its centre a head is widest to the right
+constexpr float kFlagWidth = 0.71F, kFlagHeight = 1.49F, kInnerFlagHeight = 1.0F;
+constexpr float kRestSlant = 0.25F; ///< a short rest's stem leans by this for each space of height
+
+/// The sheet that is drawn on.
+struct Pen {
+    Raster& raster;
+    float unit; ///< pixels of a staff space
+    int line;   ///< pixels of a stem
+};
+
+/// Where the parts of a note stand, in pixels.
+struct NotePlan {
+    NoteForm form{};
+    bool up = true;
+    float head_x = 0, head_y = 0; ///< centre of the head
+    float stem_end = 0;           ///< height of the stem's free end
+    float flag_width = 0;
+    float sharp_left = 0, sharp_width = 0; ///< no sharp when the width is 0
+    float dot_gap = 0, dot_size = 0, dot_step = 0;
+    bool head_on_line = false;
+    float three_x = 0, three_y = 0, three_height = 0; ///< left and bottom of the triplet's 3
+};
+
+int FlagsOf(const NoteForm& form) { return form.division >= 32 ? 3 : form.division >= 16 ? 2 : form.division >= 8; }
+
+float HeadWidth(const NoteForm& form) { return form.division == 1 ? kWholeWidth : kHeadWidth; }
+
+float WholePixel(float value) { return std::floor(value + 0.5F); }
+
+void Put(Pen& pen, Outline outline, float x, float y, float wide = 1, float high = 1) {
+    Placement placement;
+    placement.xx = pen.unit * wide / kOutlineUnits;
+    placement.yy = -pen.unit * high / kOutlineUnits;
+    placement.dx = x;
+    placement.dy = y;
+    AddOutline(pen.raster, outline, placement);
+}
+
+/// Flags from a stem's free end towards its head, together `length` pixels high.
+void DrawFlags(Pen& pen, int count, float stem_left, float end, bool up, float length, float width) {
+    if (count == 0) return;
+    const float way = up ? 1.0F : -1.0F;
+    const float wide = width / (kFlagWidth * pen.unit);
+    if (count == 1) {
+        Put(pen, kFlag, stem_left, end, wide, way * length / (kFlagHeight * pen.unit));
+        return;
+    }
+    const float step = length * (count == 2 ? 0.38F : 0.27F);
+    const float height = length - step * static_cast<float>(count - 1);
+    for (int i = 0; i < count; ++i)
+        Put(pen, kInnerFlag, stem_left, end + way * step * static_cast<float>(i), wide,
+            way * height / (kInnerFlagHeight * pen.unit));
+}
+
+/// How high the flags are together, in pixels: as high as they look best, less where the dots or the head are in
+/// their way.
+float FlagLength(const Pen& pen, const NotePlan& plan, bool dots_below) {
+    constexpr float kShare[] = {0, 0.72F, 0.8F, 0.9F};
+    const float stem = std::abs(plan.head_y - plan.stem_end);
+    const float wish = stem * kShare[FlagsOf(plan.form)];
+    float room = stem - 0.56F * pen.unit;
+    if (plan.up && plan.form.dots == 0) room = stem + 0.4F * pen.unit;
+    if (plan.up && plan.form.dots > 0)
+        room = stem - (dots_below ? -0.2F : plan.head_on_line ? 0.74F : 0.26F) * pen.unit;
+    return std::max(std::min(wish, room), 0.4F * pen.unit);
+}
+
+void DrawDots(Pen& pen, int count, float left, float y, float size, float step) {
+    for (int i = 0; i < count; ++i)
+        AddEllipse(pen.raster, left + size / 2 + step * static_cast<float>(i), y, size / 2, size / 2);
+}
+
+/// A sharp whose middle is at the height y. Its two uprights stand on whole pixels.
+void DrawSharp(Pen& pen, float left, float y, float width) {
+    const float thin = std::max(1.0F, WholePixel(0.1F * pen.unit));
+    const float first = WholePixel(left + width * 0.2F);
+    const float second = first + std::max(thin + 1, WholePixel(width * 0.62F - thin));
+    const float lean = 0.11F * pen.unit, high = 1.2F * pen.unit;
+    AddRectangle(pen.raster, first, y - high + lean, first + thin, y + high + lean / 2);
+    AddRectangle(pen.raster, second, y - high - lean / 2, second + thin, y + high - lean);
+    const float middle = (first + second + thin) / 2, reach = width / 2, thick = 0.24F * pen.unit;
+    for (const float bar : {-0.42F * pen.unit, 0.42F * pen.unit}) {
+        const PathStep steps[] = {{PathStep::Move, 0, 0, 0, 0, -1, -1},
+                                  {PathStep::Line, 0, 0, 0, 0, 1, -1},
+                                  {PathStep::Line, 0, 0, 0, 0, 1, 1},
+                                  {PathStep::Line, 0, 0, 0, 0, -1, 1},
+                                  {PathStep::Close, 0, 0, 0, 0, 0, 0}};
+        Placement slanted;
+        slanted.xx = reach;
+        slanted.yx = -lean;
+        slanted.yy = -thick / 2;
+        slanted.dx = middle;
+        slanted.dy = y + bar;
+        AddOutline(pen.raster, steps, slanted);
+    }
+}
+
+void DrawThree(Pen& pen, float left, float bottom, float height) {
+    Put(pen, kThree, left, bottom, height / pen.unit, height / pen.unit);
+}
+
+void DrawNote(Pen& pen, const NotePlan& plan) {
+    const NoteForm& form = plan.form;
+    const float half = HeadWidth(form) * pen.unit / 2, line = static_cast<float>(pen.line);
+    Put(pen, form.division == 1 ? kWholeHead : form.division == 2 ? kHalfHead : kBlackHead, plan.head_x, plan.head_y);
+    const float stem_length = std::abs(plan.head_y - plan.stem_end) / pen.unit;
+    // Beside a short stem there is no place for flags above a dot that is raised off its line.
+    const bool dots_below = plan.head_on_line && plan.up && FlagsOf(form) > 0 && stem_length < 1.6F;
+    if (form.division > 1) {
+        const float left = plan.up ? plan.head_x + half - line : plan.head_x - half;
+        const float join = plan.head_y + (plan.up ? -kStemJoin : kStemJoin) * pen.unit;
+        AddRectangle(pen.raster, left, std::min(join, plan.stem_end), left + line, std::max(join, plan.stem_end));
+        DrawFlags(pen, FlagsOf(form), left, plan.stem_end, plan.up, FlagLength(pen, plan, dots_below),
+                  plan.flag_width);
+    }
+    const float raised = plan.head_on_line ? (dots_below ? 0.5F : -0.5F) * pen.unit : 0;
+    DrawDots(pen, form.dots, plan.head_x + half + plan.dot_gap, plan.head_y + raised, plan.dot_size, plan.dot_step);
+    if (plan.sharp_width > 0) DrawSharp(pen, plan.sharp_left, plan.head_y, plan.sharp_width);
+    if (form.triplet) DrawThree(pen, plan.three_x, plan.three_y, plan.three_height);
+}
+
+/// How wide and high a rest is without dots and 3, in spaces: from `left` of its anchor to `right`, from `top`
+/// above the middle line to `bottom` below it.
+struct RestExtent {
+    float left, right, top, bottom;
+};
+
+RestExtent ExtentOf(const NoteForm& form) {
+    switch (form.division) {
+    case 1:
+    case 2:
+        return {0.6F, 0.6F, form.division == 1 ? 1.0F : 0.55F, form.division == 1 ? -0.45F : 0.0F};
+    case 4:
+        return {0.5F, 0.5F, 1.47F, 1.47F};
+    case 8:
+        return {0.5F, 0.5F, 0.78F, 1.0F};
+    case 16:
+        return {0.62F, 0.62F, 0.78F, 1.95F};
+    default:
+        return {0.75F, 0.75F, 0.78F, 2.42F};
+    }
+}
+
+/// A rest around x whose middle line is at the height y; `bar_line` is where the pixel rows of the staff line begin
+/// that a whole rest hangs from or a half rest sits on.
+void DrawRest(Pen& pen, const NoteForm& form, float x, float y, float line_row) {
+    const RestExtent extent = ExtentOf(form);
+    const float unit = pen.unit;
+    if (form.division <= 2) {
+        const float left = WholePixel(x - extent.left * unit);
+        const float right = left + WholePixel((extent.left + extent.right) * unit);
+        const float high = WholePixel(0.52F * unit), line = static_cast<float>(pen.line);
+        if (form.division == 1)
+            AddRectangle(pen.raster, left, line_row, right, line_row + line + high - 1);
+        else
+            AddRectangle(pen.raster, left, line_row - high + 1, right, line_row + line);
+        return;
+    }
+    if (form.division == 4) {
+        Put(pen, kQuarterRest, x - 0.58F * unit, y);
+        return;
+    }
+    const float stem = x + extent.right * unit, top = y - 0.76F * unit, foot = y + extent.bottom * unit;
+    const auto at = [&](float height) { return stem - (height - top) * kRestSlant; };
+    const float thick = std::max(0.13F * unit, 1.0F);
+    AddStroke(pen.raster, at(top) - thick / 2, top, at(foot) - thick / 2, foot, thick);
+    for (int i = 0; i < FlagsOf(form); ++i) {
+        const float height = top + static_cast<float>(i) * unit;
+        Put(pen, kRestHook, at(height), height);
+    }
+}
+
+NoteForm FormOf(int picture) {
+    if (picture >= kFirstStemDown) return kForms[picture - kFirstStemDown];
+    return kForms[(picture - 1) % kNotes];
+}
 
 Raster BoxRaster(int width, int height, float scale, float origin_x, float origin_y) {
     return MakeRaster(static_cast<int>(std::ceil(origin_x + static_cast<float>(width) * scale)),
                       static_cast<int>(std::ceil(origin_y + static_cast<float>(height) * scale)));
 }
 
+/// The parts of a note in the strip's narrow box, in twips: left edge of the head, gap to the dots, their size and
+/// step, and what a sharp may take.
+struct BoxPlan {
+    int head_left, dot_gap, dot_size, dot_step, sharp_width;
+};
+
+BoxPlan BoxPlanOf(const NoteForm& form) {
+    if (form.division == 1) return form.dots == 2 ? BoxPlan{70, 4, 24, 27, 66} : BoxPlan{80, 8, 30, 0, 72};
+    return form.dots == 2 ? BoxPlan{74, 9, 31, 37, 68} : BoxPlan{82, 16, 42, 0, 72};
+}
+
+void DrawStripNote(Pen& pen, int picture, bool sharp, float scale, float origin_x, float origin_y, int staff_offset,
+                   bool head_on_line) {
+    NotePlan plan;
+    plan.form = FormOf(picture);
+    plan.up = picture < kFirstStemDown;
+    plan.head_on_line = head_on_line;
+    const BoxPlan box = BoxPlanOf(plan.form);
+    const float half = HeadWidth(plan.form) * pen.unit / 2, line = static_cast<float>(pen.line);
+    const float left = origin_x + static_cast<float>(box.head_left) * scale;
+    plan.head_x = left + half;
+    // The whole picture moves with its stem to the next whole pixel, so that the parts keep their distances.
+    const float edge = plan.up ? left + 2 * half - line : left;
+    const float shift = plan.form.division == 1 ? 0 : WholePixel(edge) - edge;
+    plan.head_x += shift;
+    plan.head_y = origin_y + static_cast<float>(kHeadCentre - staff_offset) * scale + line / 2;
+    plan.stem_end = plan.up ? std::ceil(origin_y) : std::floor(origin_y + kPictureHeight * scale);
+    const float room = origin_x + 297 * scale - (plan.head_x + half);
+    plan.flag_width = plan.up ? room + line : 0.8F * pen.unit;
+    plan.dot_gap = static_cast<float>(box.dot_gap) * scale;
+    plan.dot_size = static_cast<float>(box.dot_size) * scale;
+    plan.dot_step = static_cast<float>(box.dot_step) * scale;
+    if (sharp) {
+        plan.sharp_width = static_cast<float>(box.sharp_width) * scale;
+        plan.sharp_left = std::max(origin_x, left + shift - plan.sharp_width - 6 * scale);
+    }
+    // The 3 stands on the side of the head, where no stem is.
+    const float above = plan.head_y - kHeadHalfHeight * pen.unit - origin_y;
+    plan.three_height = std::min(0.95F * pen.unit, above - 2 * scale);
+    if (plan.up) plan.three_height = 0.95F * pen.unit;
+    plan.three_x = plan.head_x - 0.36F * plan.three_height;
+    plan.three_y = plan.up ? plan.head_y + (kHeadHalfHeight + 0.3F) * pen.unit + plan.three_height
+                           : origin_y + plan.three_height + std::max(0.0F, above - plan.three_height - 0.3F * pen.unit);
+    DrawNote(pen, plan);
+}
+
+void DrawStripRest(Pen& pen, int picture, float scale, float origin_x, float origin_y) {
+    const NoteForm form = FormOf(picture);
+    const RestExtent extent = ExtentOf(form);
+    const float middle = origin_y + kRestMiddle * scale;
+    const float line_y = form.division == 1 ? middle - kStaffSpace * scale : middle;
+    const float half_line = static_cast<float>(StaffLinePixels(scale)) / 2;
+    const float x = origin_x + (form.dots == 2 ? 118.0F : form.dots == 1 || form.triplet ? 132.0F : 150.0F) * scale;
+    DrawRest(pen, form, x, middle + half_line, std::floor(line_y));
+    const float right = x + extent.right * pen.unit;
+    DrawDots(pen, form.dots, right + 22 * scale, middle + half_line - pen.unit / 2, 42 * scale, 54 * scale);
+    if (form.triplet)
+        DrawThree(pen, form.division == 4 ? x + 0.15F * pen.unit : right + 8 * scale, origin_y + 6 * scale + pen.unit * 0.9F, 0.9F * pen.unit);
+}
+
+bool IsNote(int picture) {
+    return (picture >= 1 && picture <= kNotes) || (picture >= kFirstStemDown && picture <= kLastStemDown);
+}
+
 } // namespace
 
 int StaffLinePixels(float pixels_per_twip) {
-    return pixels_per_twip * 12 < 1.5F ? 1 : static_cast<int>(pixels_per_twip * 12 + 0.5F);
+    return std::max(1, static_cast<int>(pixels_per_twip * 0.115F * kStaffSpace + 0.5F));
 }
 
-CoverageMask NotePictureMask(int picture, bool, float scale, float origin_x, float origin_y, int staff_offset, bool) {
+CoverageMask NotePictureMask(int picture, bool sharp, float pixels_per_twip, float origin_x, float origin_y,
+                             int staff_offset, bool head_on_line) {
     if (picture < 1 || picture > kLastPicture) return {};
-    Raster raster = BoxRaster(kPictureWidth, kPictureHeight, scale, origin_x, origin_y);
-    const float y = origin_y + static_cast<float>(kHeadCentre - staff_offset) * scale +
-                    static_cast<float>(StaffLinePixels(scale)) / 2;
-    const float x = origin_x + 150 * scale;
-    if (picture == 58) {
-        AddRectangle(raster, std::floor(x), 0, std::floor(x) + 1, static_cast<float>(raster.height));
-    } else if (picture > 20 && picture < 41) {
-        AddRectangle(raster, std::floor(x) - 4, std::floor(y), std::floor(x) + 5, std::floor(y) + 4);
+    Raster raster = BoxRaster(kPictureWidth, kPictureHeight, pixels_per_twip, origin_x, origin_y);
+    Pen pen{raster, kStaffSpace * pixels_per_twip, StaffLinePixels(pixels_per_twip)};
+    if (IsNote(picture)) {
+        DrawStripNote(pen, picture, sharp, pixels_per_twip, origin_x, origin_y, staff_offset, head_on_line);
+    } else if (picture == kBarLine) {
+        const float left = std::floor(origin_x + kPictureWidth / 2 * pixels_per_twip);
+        AddRectangle(raster, left, std::ceil(origin_y), left + static_cast<float>(pen.line),
+                     std::floor(origin_y + kPictureHeight * pixels_per_twip));
     } else {
-        AddEllipse(raster, x, y, 70 * scale, 55 * scale);
-        if (picture > 40)
-            AddRectangle(raster, std::floor(x - 70 * scale), y, std::floor(x - 70 * scale) + 1, y + 240 * scale);
-        else
-            AddRectangle(raster, std::floor(x + 60 * scale), 0, std::floor(x + 60 * scale) + 1, y);
+        DrawStripRest(pen, picture, pixels_per_twip, origin_x, origin_y);
     }
     return FinishMask(raster);
 }
 
-bool HasRoomForSharp(int picture) {
-    return (picture >= 1 && picture <= 20) || (picture >= 41 && picture <= 57);
-}
+bool HasRoomForSharp(int picture) { return IsNote(picture); }
 
-CoverageMask ButtonPictureMask(int picture, int width, int height, float scale) {
-    if (picture < 1 || picture > 40) return {};
+CoverageMask ButtonPictureMask(int picture, int width, int height, float pixels_per_twip) {
+    if (picture < 1 || picture > 2 * kNotes || width < 1 || height < 1) return {};
+    const NoteForm form = FormOf(picture);
+    const float w = static_cast<float>(width), h = static_cast<float>(height);
+    // One scale for all buttons: the tallest picture has 4 spaces, the widest 2.7.
+    const float unit = std::max(2.0F, std::min({kStaffSpace * pixels_per_twip, (h - 6) / 4, (w - 6) / 2.7F}));
     Raster raster = MakeRaster(width, height);
-    AddEllipse(raster, static_cast<float>(width) / 2, static_cast<float>(height) / 2, 70 * scale, 55 * scale);
+    Pen pen{raster, unit, StaffLinePixels(unit / kStaffSpace)};
+    const float line = static_cast<float>(pen.line);
+    const float dots = form.dots == 0 ? 0 : 0.22F + 0.36F + (form.dots == 2 ? 0.5F : 0);
+    if (picture > kNotes) {
+        const RestExtent extent = ExtentOf(form);
+        const float three = form.triplet ? (form.division == 4 ? 0.3F : 0.75F) : 0;
+        const float wide = extent.left + extent.right + dots + three;
+        const float x = (w - wide * unit) / 2 + extent.left * unit;
+        float y = (h + (extent.top - extent.bottom) * unit) / 2;
+        if (form.division <= 2) {
+            // Without a staff line the two bars could not be told apart.
+            const float row = WholePixel(h / 2 - line / 2);
+            AddRectangle(raster, WholePixel(x - 0.95F * unit), row, WholePixel(x + 0.95F * unit), row + line);
+            DrawRest(pen, form, x, row, row);
+            y = row + line / 2 + (form.division == 1 ? unit : 0);
+        } else {
+            DrawRest(pen, form, x, y, 0);
+        }
+        const float right = x + (form.division <= 2 ? 0.8F : extent.right) * unit;
+        DrawDots(pen, form.dots, right + 0.22F * unit, y - unit / 2, 0.36F * unit, 0.5F * unit);
+        if (form.triplet)
+            DrawThree(pen, form.division == 4 ? x + 0.18F * unit : right + 0.08F * unit, y - 0.6F * unit, 0.9F * unit);
+        return FinishMask(raster);
+    }
+    NotePlan plan;
+    plan.form = form;
+    const float flags = FlagsOf(form) > 0 ? 0.85F : 0;
+    const float wide = HeadWidth(form) + std::max(dots, flags);
+    const float stem = form.division == 1 ? 0.5F : 3.5F;
+    const float left = (w - wide * unit) / 2;
+    const float edge = left + HeadWidth(form) * unit - line;
+    plan.head_x = WholePixel(edge) + line - HeadWidth(form) * unit / 2;
+    plan.head_y = WholePixel(h / 2 + (stem - 0.46F) * unit / 2) + 0.5F;
+    if (form.division == 1) plan.head_y = h / 2;
+    plan.stem_end = WholePixel(plan.head_y - stem * unit);
+    plan.flag_width = 0.92F * unit;
+    plan.dot_gap = 0.22F * unit;
+    plan.dot_size = 0.36F * unit;
+    plan.dot_step = 0.5F * unit;
+    plan.three_height = 1.1F * unit;
+    plan.three_x = plan.head_x - 0.62F * unit;
+    plan.three_y = plan.head_y - 0.9F * unit;
+    DrawNote(pen, plan);
     return FinishMask(raster);
 }
 
-CoverageMask ClefMask(float scale, float origin_x, float origin_y) {
-    Raster raster = BoxRaster(kClefBox.width, kClefBox.height, scale, origin_x, origin_y);
-    AddEllipse(raster, origin_x + 300 * scale, origin_y + 720 * scale, 120 * scale, 200 * scale);
+CoverageMask ClefMask(float pixels_per_twip, float origin_x, float origin_y) {
+    Raster raster = BoxRaster(kClefBox.width, kClefBox.height, pixels_per_twip, origin_x, origin_y);
+    Pen pen{raster, kStaffSpace * pixels_per_twip, StaffLinePixels(pixels_per_twip)};
+    constexpr int kLineOfG = 1500;
+    const float x = origin_x + 120 * pixels_per_twip;
+    const float y = origin_y + static_cast<float>(kLineOfG - kClefBox.top) * pixels_per_twip +
+                    static_cast<float>(pen.line) / 2;
+    Put(pen, kTrebleClef, x, y);
+    Put(pen, kEight, x + 1.5F * pen.unit, y - 4.45F * pen.unit, 1.1F, 1.1F);
     return FinishMask(raster);
 }
-
-std::vector<ColourLayer> ToolIconLayers(ToolIcon, int size_px) {
-    Raster raster = MakeRaster(size_px, size_px);
-    const float s = static_cast<float>(size_px);
-    AddRoundRectangle(raster, 2, 2, s - 2, s - 2, 3);
-    return {{0x3D6EA5, FinishMask(raster)}};
-}
-
-std::vector<std::uint32_t> ProgramIconPixels(int size_px) {
-    if (size_px < 1) return {};
-    return std::vector<std::uint32_t>(static_cast<std::size_t>(size_px) * static_cast<std::size_t>(size_px), 0xFF3D6EA5);
-}
-
-int NoteHeadLeft(int, bool) { return (kPictureWidth - 142) / 2; }
 
 } // namespace tonex
