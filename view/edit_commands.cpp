@@ -194,6 +194,7 @@ void mnuInsert_Click(sndmain& window) {
     grid.ColSel = backwards ? range.lo : range.hi;
     RedrawGrid(window);
     DrawStrip(window, score.first_shown);
+    UpdateStripCursor(window);
     FinishEdit(window);
 }
 
