@@ -218,18 +218,18 @@ bool UploadFile(sndmain& window, const std::wstring& file_path) {
 bool ReopenLastFile(sndmain& window, const std::wstring& section) {
     if (section == L"Sclview") window.link.device_sounds = ListDeviceSounds(window);
     Document& document = window.document;
+    document.current_path.clear();
     const std::wstring stored = ReadSetting(kSettingsApplication, section, L"File1", L"");
-    document.current_path = PathInLastDocument(stored, document.location_flag);
-    if (document.current_path.empty()) return false;
+    std::int16_t location = kOnPc;
+    std::wstring path = PathInLastDocument(stored, location);
+    if (path.empty()) return false;
     // What the library says of the path counts for more than the number stored.
-    RememberFolderOfFile(window, document.current_path, window.link.CacheSoundDir, document.location_flag);
-    if (document.location_flag == kOnDevice) {
-        document.current_path = FetchDeviceFile(window, document.current_path);
-    }
-    if (PathExists(document.current_path, kAttributeHidden | kAttributeSystem).empty()) {
-        document.current_path.clear();
-    }
-    return !document.current_path.empty();
+    RememberFolderOfFile(window, path, window.link.CacheSoundDir, location);
+    if (location == kOnDevice) path = FetchDeviceFile(window, path);
+    if (path.empty() || PathExists(path, kAttributeHidden | kAttributeSystem).empty()) return false;
+    document.current_path = path;
+    document.location_flag = location;
+    return true;
 }
 
 } // namespace tonex

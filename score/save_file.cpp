@@ -103,7 +103,7 @@ void SweepAbandonedSaves(const std::wstring& folder) {
 void DeleteFileIfExists(const std::wstring& path) {
     if (PathExists(path, kListed).empty()) return;
     SetAttributesOf(path, kAttributeArchive);
-    RemoveFile(path);
+    WithRetries([&] { return RemoveFile(path); });
 }
 
 } // namespace tonex

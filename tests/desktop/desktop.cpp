@@ -566,6 +566,7 @@ bool OpenHelpGuide() {
 }
 
 std::wstring ProgramFolder() {
+    Log("ProgramFolder");
     return Current().program_folder;
 }
 
