@@ -28,7 +28,7 @@ void DescribeCommands(CLI::App& app, Options& options) {
     app.footer(kFooter);
 
     const auto files = [&](CLI::App* command, const char* name, const char* help) {
-        command->add_option(name, options.files, help)->required()->option_text(std::string(name) + "...");
+        command->add_option(name, options.files, help)->required()->option_text("...");
     };
     const auto output = [&](CLI::App* command, const char* help) {
         command->add_option("-o,--output", options.output, help)->option_text("OUT|DIR");
@@ -46,7 +46,7 @@ void DescribeCommands(CLI::App& app, Options& options) {
     output(wav, "File, folder or -; without it IN.wav beside each file");
 
     CLI::App* text = app.add_subcommand("text", "Print a SND file as melody text");
-    text->add_option("IN.snd", options.files, "SND file")->required()->expected(1)->option_text("IN.snd");
+    text->add_option("IN.snd", options.files, "SND file")->required()->expected(1)->option_text(" ");
 
     CLI::App* build = app.add_subcommand("build", "Build SND files from melody text");
     files(build, "IN.txt", "Melody text");
