@@ -99,7 +99,7 @@ export WINEARCH=win32 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=;winemenub
 wine_template() {
     local template="$root/build/wine-template" fonts="$root/resources/scripts/wine-fonts.reg"
     local log="$logs/wine-template.log" stamp
-    stamp="$(wine --version 2>/dev/null) $(cksum <"$fonts")"
+    stamp="$(wine --version 2>/dev/null) $(cat "$fonts" "$root/resources/scripts/common.sh" | cksum)"
     (
         flock 9
         [ "$(cat "$template/stamp" 2>/dev/null)" = "$stamp" ] && exit 0
@@ -114,6 +114,8 @@ wine_template() {
             fail "Wine could not be prepared." "$log"
             exit 1
         }
+        # Wine's own interface font is not found where its package puts it.
+        cp /usr/share/wine/fonts/tahoma*.ttf "$WINEPREFIX/drive_c/windows/Fonts/" 2>/dev/null
         # The user's folders point into the home directory; copies keep to themselves.
         find "$WINEPREFIX/drive_c/users" -type l | while read -r link; do rm "$link" && mkdir "$link"; done
         printf '%s\n' "$stamp" >"$WINEPREFIX/stamp"

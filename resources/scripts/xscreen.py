@@ -79,6 +79,19 @@ class Screen:
                 return window
         return None
 
+    def focused_title(self):
+        """The title of the window that the keyboard writes to; empty when there is none."""
+        window = self.display.get_input_focus().focus
+        while hasattr(window, "query_tree"):
+            title = self.title_of(window)
+            if title or window.id == self.root.id:
+                return title
+            try:
+                window = window.query_tree().parent
+            except error.BadWindow:
+                break
+        return ""
+
     def frame_of(self, window):
         """The window manager's frame around a window."""
         while True:

@@ -1,6 +1,7 @@
 """One virtual screen a session, one Wine prefix a module, one fresh editor a test."""
 
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -56,7 +57,8 @@ def start(prefix, screen, request):
     failed = getattr(request.node, "failed", False)
     if failed:
         SCREENS.mkdir(parents=True, exist_ok=True)
-        Screen().picture(0, 0, 1920, 1200).save(SCREENS / f"failed-{request.node.name}.png")
+        name = re.sub(r"\W+", "-", request.node.name).strip("-")
+        screen.picture(0, 0, 1920, 1200).save(SCREENS / f"failed-{name}.png")
     for editor in running:
         editor.kill()
 

@@ -123,7 +123,7 @@ class Melody:
         """The lines of the melody text, the comments left out."""
         tool = program(NATIVE_BUILD, "sndtool")
         result = subprocess.run([str(tool), "text", str(path)], check=True, stdout=subprocess.PIPE)
-        lines = [re.sub(r"#(?=\s|$).*|^#.*", "", line).strip() for line in result.stdout.decode().splitlines()]
+        lines = [re.sub(r"(^|\s)#.*", "", line).strip() for line in result.stdout.decode().splitlines()]
         return [line for line in lines if line]
 
     @staticmethod
@@ -164,8 +164,8 @@ class Editor:
             return window if window and window["visible"] else None
         window = wait_until(shown, timeout, "the main window")
         self.hwnd = window["hwnd"]
-        wait_until(lambda: self.screen.find("Sound Editor - "), timeout, "the main window on the screen")
         wait_until(lambda: self.focus() is not None, timeout, "the keyboard in the main window")
+        wait_until(lambda: self.screen.focused_title().startswith("Sound Editor - "), timeout, "the keyboard's focus")
         return self
 
     def caption(self):
@@ -282,7 +282,7 @@ class Editor:
                     return window
             return None
         dialog = wait_until(there, timeout, f"the dialog {title!r}")
-        wait_until(lambda: any(t == title for t, _ in self.screen.windows()), timeout, f"{title!r} on the screen")
+        wait_until(lambda: self.screen.focused_title() == title, timeout, f"the keyboard's focus on {title!r}")
         return dialog
 
     def wait_message(self, text, timeout=8):
