@@ -298,6 +298,11 @@ CoverageMask NotePictureMask(int picture, bool sharp, float pixels_per_twip, flo
     return FinishMask(raster);
 }
 
+HeadSpan HeadSpanOf(int picture) {
+    const NoteForm form = FormOf(picture);
+    return {BoxPlanOf(form).head_left, static_cast<int>(HeadWidth(form) * kStaffSpace)};
+}
+
 bool HasRoomForSharp(int picture) { return IsNote(picture); }
 
 CoverageMask ButtonPictureMask(int picture, int width, int height, float pixels_per_twip) {

@@ -39,8 +39,12 @@ int StaffLinePixels(float pixels_per_twip);
 CoverageMask NotePictureMask(int picture, bool sharp, float pixels_per_twip, float origin_x, float origin_y,
                              int staff_offset, bool head_on_line = false);
 
-/// Where the head of a note's picture begins, in twips from the left edge of its box: ledger lines follow it.
-int NoteHeadLeft(int picture, bool sharp);
+/// From where to where a note's head reaches in its picture, in twips from the left edge of the box: ledger lines
+/// follow it.
+struct HeadSpan {
+    int left, width;
+};
+HeadSpan HeadSpanOf(int picture);
 
 /// Whether a picture of the strip has room for a sharp sign left of its head. False for rests and the bar line.
 bool HasRoomForSharp(int picture);

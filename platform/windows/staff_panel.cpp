@@ -18,7 +18,6 @@ namespace tonex {
 namespace {
 
 constexpr int kLedgerReach = 25; ///< twips that a ledger line reaches beyond the head on each side
-constexpr int kHeadWidth = 142;  ///< twips, 1.18 staff spaces
 
 const sndmain& Record(const Panel& panel) { return panel.main->record; }
 const Scale& ScaleOf(const Panel& panel) { return panel.main->theme.scale; }
@@ -125,9 +124,10 @@ void PaintLedgerLines(Panel& panel, const NoteImage& image, COLORREF colour) {
     const sndmain& w = Record(panel);
     const auto position = static_cast<std::int16_t>(image.place.Top);
     const LedgerLines ledger = LedgerLinesOf(position, w.StaffOffset);
-    const int head_left = image.place.Left + NoteHeadLeft(image.Picture, image.Sharp);
+    const HeadSpan head = HeadSpanOf(image.Picture);
+    const int head_left = image.place.Left + head.left;
     const int left = ToPixelsX(ScaleOf(panel), head_left - kLedgerReach);
-    const int right = ToPixelsX(ScaleOf(panel), head_left + kHeadWidth + kLedgerReach);
+    const int right = ToPixelsX(ScaleOf(panel), head_left + head.width + kLedgerReach);
     for (int i = 0; i < ledger.count; ++i) {
         const int y = ledger.first_y + i * ledger.step_y;
         if (y > 0 && y < w.picStaff.Height) PaintLine(panel, left, right, y, colour);
