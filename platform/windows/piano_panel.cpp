@@ -126,7 +126,7 @@ void PaintWhite(Panel& panel, int item, const RECT& dirty) {
     if (!Lit(panel, key) && panel.pressed_item != item)
         TintArea(panel.canvas, {inner.left + 1, inner.bottom - Scaled(scale, 4), inner.right - 1, inner.bottom - line}, edge,
                  36);
-    const COLORREF text = Lit(panel, key) ? RGB(255, 255, 255) : RGB(70, 74, 80);
+    const COLORREF text = Lit(panel, key) ? RGB(255, 255, 255) : RGB(32, 36, 42);
     PaintCaption(panel, Record(panel).lblWNote[static_cast<std::size_t>(key.index)], text);
     if (FocusShown(panel, item)) DrawFocusMark(panel, inner, panel.main->theme.colours.select);
 }
