@@ -211,19 +211,17 @@ Environment::~Environment() {
     SetEnvironmentVariableW(name, had_previous ? previous.c_str() : nullptr);
 }
 
-TestKey::TestKey(std::wstring key_path) : path(std::move(key_path)) {
-    RemoveUserKey(path);
+TestKey::TestKey(std::wstring key_path, HKEY hive) : root(hive), path(std::move(key_path)) {
+    RemoveKey(root, path);
 }
 
 TestKey::~TestKey() {
-    RemoveUserKey(path);
+    RemoveKey(root, path);
 }
 
 void TestKey::Set(const std::wstring& name, DWORD type, const void* bytes, std::size_t count) const {
     HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key,
-                              nullptr),
-              0);
+    ASSERT_EQ(RegCreateKeyExW(root, path.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr), 0);
     EXPECT_EQ(RegSetValueExW(key, name.c_str(), 0, type, static_cast<const BYTE*>(bytes),
                              static_cast<DWORD>(count)),
               0);
@@ -234,17 +232,17 @@ void TestKey::SetText(const std::wstring& name, const std::wstring& text) const 
     Set(name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
 }
 
-void RemoveUserKey(const std::wstring& path) {
+void RemoveKey(HKEY root, const std::wstring& path) {
     HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key)) return;
+    if (RegOpenKeyExW(root, path.c_str(), 0, KEY_READ, &key)) return;
     wchar_t name[256];
     DWORD size = static_cast<DWORD>(std::size(name));
     while (RegEnumKeyExW(key, 0, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS) {
-        RemoveUserKey(path + L"\\" + name);
+        RemoveKey(root, path + L"\\" + name);
         size = static_cast<DWORD>(std::size(name));
     }
     RegCloseKey(key);
-    RegDeleteKeyW(HKEY_CURRENT_USER, path.c_str());
+    RegDeleteKeyW(root, path.c_str());
 }
 
 std::wstring UserText(const std::wstring& path, const std::wstring& name) {

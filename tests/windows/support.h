@@ -84,13 +84,14 @@ struct Environment {
     bool had_previous;
 };
 
-/// A key below the current user's hive that is removed before and after.
+/// A key that is removed before and after, with all below it.
 struct TestKey {
-    explicit TestKey(std::wstring key_path);
+    explicit TestKey(std::wstring key_path, HKEY hive = HKEY_CURRENT_USER);
     ~TestKey();
     TestKey(const TestKey&) = delete;
     TestKey& operator=(const TestKey&) = delete;
 
+    HKEY root;
     std::wstring path;
 
     void Set(const std::wstring& name, DWORD type, const void* bytes, std::size_t count) const;
@@ -98,7 +99,7 @@ struct TestKey {
 };
 
 /// Removes a key and all below it.
-void RemoveUserKey(const std::wstring& path);
+void RemoveKey(HKEY root, const std::wstring& path);
 /// A text value; "(missing)" when there is none.
 std::wstring UserText(const std::wstring& path, const std::wstring& name);
 
