@@ -187,6 +187,7 @@ bool Message(Panel& panel, UINT message, WPARAM wparam, LPARAM lparam, LRESULT&)
     case WM_CAPTURECHANGED: KillTimer(panel.window, kDragTimer); return true;
     case WM_TIMER: DragTimer(panel); return true;
     case WM_RBUTTONDOWN:
+    case WM_RBUTTONDBLCLK: // the second of two quick presses
         PopUpEditMenu();
         ShowDifferences(*panel.main);
         return true;

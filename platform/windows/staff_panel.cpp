@@ -189,7 +189,7 @@ void PaintPanel(Panel& panel, const RECT& dirty) {
 }
 
 bool Message(Panel& panel, UINT message, WPARAM, LPARAM, LRESULT&) {
-    if (message != WM_RBUTTONDOWN) return false;
+    if (message != WM_RBUTTONDOWN && message != WM_RBUTTONDBLCLK) return false;
     PopUpEditMenu();
     ShowDifferences(*panel.main);
     return true;
