@@ -203,6 +203,8 @@ TEST_F(Preview, PitchAndCodesThatNoFileHoldsAreAWriteError) {
     mnuPreview_Click(window);
     ExpectSpoken(L"Write error!");
     ExpectNothingLeft();
+    EXPECT_EQ(CountLog("CreateOutput C:\\Temp\\$$123456.wav"), 0); // not even tried
+    EXPECT_FALSE(desktop::Asked("FocusScoreGrid"));
 }
 
 // Temporary names.

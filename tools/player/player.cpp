@@ -41,12 +41,12 @@ constexpr DWORD kDeviceSilence = 5000;   // milliseconds without progress: the d
 constexpr DWORD kFaultShown = 4000;      // milliseconds, with /close
 constexpr int kPositionRange = 1000;
 
-// The biggest path the system knows, with its ending NUL.
-constexpr std::size_t kPathSize = 32768;
+// What is taken is given back by the system when the program ends, a moment later.
+void* Take(std::size_t bytes) { return HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, bytes); }
+
 wchar_t* CopyPath(std::wstring_view path) {
-    if (path.size() >= kPathSize) return nullptr;
-    auto* copy = static_cast<wchar_t*>(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, (path.size() + 1) * 2));
-    if (copy) CopyMemory(copy, path.data(), path.size() * 2);
+    auto* copy = static_cast<wchar_t*>(Take((path.size() + 1) * sizeof(wchar_t)));
+    if (copy) CopyMemory(copy, path.data(), path.size() * sizeof(wchar_t));
     return copy;
 }
 
@@ -60,7 +60,7 @@ struct Player {
     WavFormat format;
     HWAVEOUT device = nullptr;
     WAVEHDR headers[kBuffers] = {};
-    std::uint8_t data[kBuffers][kBufferSize];
+    std::uint8_t* data = nullptr;   // kBuffers times kBufferSize bytes
     DWORD buffer_size = 0;          // bytes used of each buffer, whole frames
     std::uint32_t bytes_queued = 0; // of the samples
     int in_device = 0;              // buffers that the device holds
@@ -110,14 +110,15 @@ bool QueueBuffer(Player& player, int index) {
     const std::uint32_t left = player.format.data_size - player.bytes_queued;
     const DWORD count = left < player.buffer_size ? left : player.buffer_size;
     if (count == 0) return true;
-    if (!ReadFromFile(player.file, player.format.data_offset + player.bytes_queued, player.data[index], count)) {
+    std::uint8_t* data = player.data + static_cast<DWORD>(index) * kBufferSize;
+    if (!ReadFromFile(player.file, player.format.data_offset + player.bytes_queued, data, count)) {
         player.status = kBadFile;
         return false;
     }
     WAVEHDR& header = player.headers[index];
     if (header.dwFlags & WHDR_PREPARED) waveOutUnprepareHeader(player.device, &header, sizeof header);
     ZeroMemory(&header, sizeof header);
-    header.lpData = reinterpret_cast<LPSTR>(player.data[index]);
+    header.lpData = reinterpret_cast<LPSTR>(data);
     header.dwBufferLength = count;
     if (waveOutPrepareHeader(player.device, &header, sizeof header) != MMSYSERR_NOERROR ||
         waveOutWrite(player.device, &header, sizeof header) != MMSYSERR_NOERROR) {
@@ -147,16 +148,31 @@ void CloseSound(Player& player) {
 
 // What the window shows.
 
-void ShowPosition(HWND window, const Player& player, DWORD position) {
-    const std::uint32_t frames = player.format.data_size / player.format.frame;
-    const int place = frames == 0 ? kPositionRange : MulDiv(kPositionRange, static_cast<int>(position),
-                                                            static_cast<int>(frames));
-    SendDlgItemMessageW(window, IDC_POSITION, PBM_SETPOS, static_cast<WPARAM>(place), 0);
+std::uint32_t FramesOf(const WavFormat& format) { return format.data_size / format.frame; }
+
+// A text is set only when it differs, so that it does not flicker.
+void ShowText(HWND window, int control, const wchar_t* text) {
+    wchar_t shown[64];
+    GetDlgItemTextW(window, control, shown, static_cast<int>(sizeof shown / sizeof *shown));
+    if (lstrcmpW(shown, text) != 0) SetDlgItemTextW(window, control, text);
 }
 
 void ShowState(HWND window, const wchar_t* text, const wchar_t* button) {
-    SetDlgItemTextW(window, IDC_STATE, text);
-    SetDlgItemTextW(window, IDC_STOP, button);
+    ShowText(window, IDC_STATE, text);
+    ShowText(window, IDC_STOP, button);
+}
+
+// The bar, and the time as "0:01 of 0:12".
+void ShowPosition(HWND window, const Player& player, DWORD position) {
+    const std::uint32_t frames = FramesOf(player.format);
+    const int place = frames == 0 ? kPositionRange : MulDiv(kPositionRange, static_cast<int>(position),
+                                                            static_cast<int>(frames));
+    SendDlgItemMessageW(window, IDC_POSITION, PBM_SETPOS, static_cast<WPARAM>(place), 0);
+    const DWORD now = position / player.format.rate;
+    const DWORD whole = (frames + player.format.rate - 1) / player.format.rate;
+    wchar_t text[64];
+    wsprintfW(text, L"%u:%02u of %u:%02u", now / 60, now % 60, whole / 60, whole % 60);
+    ShowText(window, IDC_STATE, text);
 }
 
 const wchar_t* FaultText(int status) {
@@ -176,12 +192,12 @@ void Fail(HWND window, Player& player, int status) {
 }
 
 void PlayedToTheEnd(HWND window, Player& player) {
-    ShowPosition(window, player, player.format.data_size / player.format.frame);
+    ShowPosition(window, player, FramesOf(player.format));
     KillTimer(window, kTickTimer);
     CloseSound(player);
     player.status = kPlayed;
     if (player.close_at_end) return Finish(window, player);
-    ShowState(window, L"", L"&Play");
+    ShowText(window, IDC_STOP, L"&Play");
 }
 
 void Start(HWND window, Player& player) {
@@ -202,7 +218,8 @@ void Start(HWND window, Player& player) {
         player.state = State::Ending;
         player.ended_at = player.moved_at;
     }
-    ShowState(window, L"Playing", L"&Stop");
+    ShowPosition(window, player, 0);
+    ShowText(window, IDC_STOP, L"&Stop");
     SetTimer(window, kTickTimer, kTick, nullptr);
 }
 
@@ -296,19 +313,15 @@ INT_PTR CALLBACK PlayerProcedure(HWND window, UINT message, WPARAM wparam, LPARA
     case MM_WOM_DONE: BufferDone(window, *player, reinterpret_cast<const WAVEHDR*>(lparam)); return TRUE;
     case WM_CLOSE: Leave(window, *player); return TRUE;
     case WM_COMMAND:
-        if (LOWORD(wparam) != IDC_STOP && LOWORD(wparam) != IDOK) return FALSE;
-        // Esc and the close box come as the same command as the button, but without a click on it.
-        if (LOWORD(wparam) == IDC_STOP && lparam == 0) {
-            Leave(window, *player);
-        } else {
+        if (LOWORD(wparam) == IDC_STOP) {
             PressButton(window, *player);
+        } else if (LOWORD(wparam) == IDCANCEL) { // Esc
+            Leave(window, *player);
         }
         return TRUE;
     default: return FALSE;
     }
 }
-
-Player the_player; // its buffers are too large for the stack; only WinMain names it
 
 } // namespace
 
@@ -320,10 +333,12 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
     }
     INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_PROGRESS_CLASS | ICC_STANDARD_CLASSES};
     InitCommonControlsEx(&controls);
-    the_player.path = CopyPath(command.path);
-    the_player.close_at_end = command.close;
-    if (!the_player.path) return kBadFile;
+    Player player;
+    player.close_at_end = command.close;
+    player.path = CopyPath(command.path);
+    player.data = static_cast<std::uint8_t*>(Take(kBuffers * kBufferSize));
+    if (!player.path || !player.data) return kNoDevice;
     const INT_PTR status = DialogBoxParamW(instance, MAKEINTRESOURCEW(IDD_PLAYER), nullptr, PlayerProcedure,
-                                           reinterpret_cast<LPARAM>(&the_player));
+                                           reinterpret_cast<LPARAM>(&player));
     return status < 0 ? kWrongUsage : static_cast<int>(status);
 }

@@ -5,4 +5,4 @@
 #define IDC_FILE_NAME 101
 #define IDC_POSITION 102
 #define IDC_STATE 103
-#define IDC_STOP IDCANCEL
+#define IDC_STOP IDOK
