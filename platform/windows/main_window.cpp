@@ -469,7 +469,9 @@ bool CreateMainWindow(HINSTANCE instance) {
     RegisterClasses(instance);
     main.owner = CreateWindowExW(0, kOwnerClass, L"Sound Editor", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, instance, nullptr);
     const SIZE size = MinimumWindowSize(main);
-    main.window = CreateWindowExW(WS_EX_APPWINDOW, kMainClass, L"Sound Editor", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
+    // No caption before start-up gives it one: a second copy looks for the first by caption and must not find
+    // itself.
+    main.window = CreateWindowExW(WS_EX_APPWINDOW, kMainClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
                                   CW_USEDEFAULT, 0, size.cx, size.cy, main.owner, main.menu, instance, nullptr);
     if (!main.window) return false;
     Hooks() = {instance, main.window, ShowForLoops, TranslateForLoops};
