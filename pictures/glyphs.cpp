@@ -92,21 +92,28 @@ float FlagLength(const Pen& pen, const NotePlan& plan, bool dots_below) {
     float room = stem - 0.56F * pen.unit;
     if (plan.up && plan.form.dots == 0) room = stem + 0.4F * pen.unit;
     if (plan.up && plan.form.dots > 0)
-        room = stem - (dots_below ? -0.2F : plan.head_on_line ? 0.74F : 0.26F) * pen.unit;
+        room = stem - (dots_below ? -0.1F : plan.head_on_line ? 0.84F : 0.36F) * pen.unit;
     return std::max(std::min(wish, room), 0.4F * pen.unit);
 }
 
+/// Round dots that stand alike on the pixels: on the middle of one when they are an odd number of pixels wide, else
+/// between two.
 void DrawDots(Pen& pen, int count, float left, float y, float size, float step) {
+    const float pixels = std::max(1.0F, WholePixel(size)), half = pixels / 2;
+    const float x = std::ceil(left - 0.3F) + half;
+    const float centre_y = std::floor(y - half + 0.5F) + half;
+    const float apart = std::max(pixels + 1, WholePixel(step));
+    const float radius = std::max(size, pixels) / 2 + 0.03F * pen.unit / 8;
     for (int i = 0; i < count; ++i)
-        AddEllipse(pen.raster, left + size / 2 + step * static_cast<float>(i), y, size / 2, size / 2);
+        AddEllipse(pen.raster, x + apart * static_cast<float>(i), centre_y, radius, radius);
 }
 
 /// A sharp whose middle is at the height y. Its two uprights stand on whole pixels.
 void DrawSharp(Pen& pen, float left, float y, float width) {
     const float thin = std::max(1.0F, WholePixel(0.1F * pen.unit));
-    const float first = WholePixel(left + width * 0.2F);
-    const float second = first + std::max(thin + 1, WholePixel(width * 0.62F - thin));
-    const float lean = 0.11F * pen.unit, high = 1.2F * pen.unit;
+    const float first = WholePixel(left + width * 0.16F);
+    const float second = first + std::max(thin + 1, WholePixel(width * 0.68F - thin));
+    const float lean = 0.11F * pen.unit, high = 1.15F * pen.unit;
     AddRectangle(pen.raster, first, y - high + lean, first + thin, y + high + lean / 2);
     AddRectangle(pen.raster, second, y - high - lean / 2, second + thin, y + high - lean);
     const float middle = (first + second + thin) / 2, reach = width / 2, thick = 0.24F * pen.unit;
@@ -136,7 +143,8 @@ void DrawNote(Pen& pen, const NotePlan& plan) {
     Put(pen, form.division == 1 ? kWholeHead : form.division == 2 ? kHalfHead : kBlackHead, plan.head_x, plan.head_y);
     const float stem_length = std::abs(plan.head_y - plan.stem_end) / pen.unit;
     // Beside a short stem there is no place for flags above a dot that is raised off its line.
-    const bool dots_below = plan.head_on_line && plan.up && FlagsOf(form) > 0 && stem_length < 1.6F;
+    const bool dots_below =
+        plan.head_on_line && plan.up && FlagsOf(form) > 0 && stem_length < (FlagsOf(form) > 1 ? 2.5F : 1.9F);
     if (form.division > 1) {
         const float left = plan.up ? plan.head_x + half - line : plan.head_x - half;
         const float join = plan.head_y + (plan.up ? -kStemJoin : kStemJoin) * pen.unit;
@@ -268,7 +276,7 @@ void DrawStripRest(Pen& pen, int picture, float scale, float origin_x, float ori
     const float right = x + extent.right * pen.unit;
     DrawDots(pen, form.dots, right + 22 * scale, middle + half_line - pen.unit / 2, 42 * scale, 54 * scale);
     if (form.triplet)
-        DrawThree(pen, form.division == 4 ? x + 0.15F * pen.unit : right + 8 * scale, origin_y + 6 * scale + pen.unit * 0.9F, 0.9F * pen.unit);
+        DrawThree(pen, form.division == 4 ? x + 0.4F * pen.unit : right + 8 * scale, origin_y + 6 * scale + pen.unit * 0.9F, 0.9F * pen.unit);
 }
 
 bool IsNote(int picture) {
@@ -317,7 +325,7 @@ CoverageMask ButtonPictureMask(int picture, int width, int height, float pixels_
     const float dots = form.dots == 0 ? 0 : 0.22F + 0.36F + (form.dots == 2 ? 0.5F : 0);
     if (picture > kNotes) {
         const RestExtent extent = ExtentOf(form);
-        const float three = form.triplet ? (form.division == 4 ? 0.3F : 0.75F) : 0;
+        const float three = form.triplet ? (form.division == 4 ? 0.55F : 0.75F) : 0;
         const float wide = extent.left + extent.right + dots + three;
         const float x = (w - wide * unit) / 2 + extent.left * unit;
         float y = (h + (extent.top - extent.bottom) * unit) / 2;
@@ -333,7 +341,7 @@ CoverageMask ButtonPictureMask(int picture, int width, int height, float pixels_
         const float right = x + (form.division <= 2 ? 0.8F : extent.right) * unit;
         DrawDots(pen, form.dots, right + 0.22F * unit, y - unit / 2, 0.36F * unit, 0.5F * unit);
         if (form.triplet)
-            DrawThree(pen, form.division == 4 ? x + 0.18F * unit : right + 0.08F * unit, y - 0.6F * unit, 0.9F * unit);
+            DrawThree(pen, form.division == 4 ? x + 0.4F * unit : right + 0.08F * unit, y - 0.6F * unit, 0.9F * unit);
         return FinishMask(raster);
     }
     NotePlan plan;
@@ -366,7 +374,7 @@ CoverageMask ClefMask(float pixels_per_twip, float origin_x, float origin_y) {
     const float y = origin_y + static_cast<float>(kLineOfG - kClefBox.top) * pixels_per_twip +
                     static_cast<float>(pen.line) / 2;
     Put(pen, kTrebleClef, x, y);
-    Put(pen, kEight, x + 1.5F * pen.unit, y - 4.45F * pen.unit, 1.1F, 1.1F);
+    Put(pen, kEight, x + 1.42F * pen.unit, y - 4.5F * pen.unit, 1.25F, 1.25F);
     return FinishMask(raster);
 }
 

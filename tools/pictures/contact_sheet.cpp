@@ -59,10 +59,13 @@ void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
         const bool note = HasRoomForSharp(picture);
         const int top = picture == 58 ? 1140 : note ? 1140 + 60 * step + staff_offset : 1200;
         const float x = (720 + 390 * static_cast<float>(k) + 45) * scale, y = static_cast<float>(top) * scale;
-        for (int ledger = 6; note && ledger <= step; ledger += 2)
-            Fill(sheet, left_px + px(720 + 390 * static_cast<float>(k) + 85), top_px + px(1380 + 60.0F * static_cast<float>(ledger)), px(220), line, 0x707070);
-        for (int ledger = -6; note && ledger >= step; ledger -= 2)
-            Fill(sheet, left_px + px(720 + 390 * static_cast<float>(k) + 85), top_px + px(1380 + 60.0F * static_cast<float>(ledger)), px(220), line, 0x707070);
+        for (int ledger = 6; note && ledger <= std::abs(step); ledger += 2) {
+            const HeadSpan head = HeadSpanOf(picture);
+            const float from = x + static_cast<float>(head.left - 25) * scale;
+            const int to = static_cast<int>(from + static_cast<float>(head.width + 50) * scale);
+            const float at = 1380 + 60.0F * static_cast<float>(step > 0 ? ledger : -ledger);
+            Fill(sheet, left_px + static_cast<int>(from), top_px + px(at), to - static_cast<int>(from), line, 0x707070);
+        }
         Paint(sheet, left_px + static_cast<int>(x), top_px + static_cast<int>(y),
               NotePictureMask(picture, sharps, scale, x - std::floor(x), y - std::floor(y), staff_offset,
                               step % 2 == 0),
