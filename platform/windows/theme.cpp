@@ -49,6 +49,12 @@ bool HighContrastOn() {
            (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
+/// Light text on a dark ground: such schemes are chosen for their contrast, so no colour is mixed from theirs.
+bool LightOnDark(COLORREF ink, COLORREF paper) {
+    const auto light = [](COLORREF c) { return GetRValue(c) * 30 + GetGValue(c) * 59 + GetBValue(c) * 11; };
+    return light(ink) > light(paper);
+}
+
 LOGFONTW MessageFont() {
     NONCLIENTMETRICSW metrics{};
     // The structure grew after XP; the size that XP knows is accepted everywhere.
@@ -113,7 +119,6 @@ LOGFONTW JapaneseFont(LOGFONTW font) {
 
 Colours ReadColours() {
     Colours c;
-    c.high_contrast = HighContrastOn();
     c.face = GetSysColor(COLOR_BTNFACE);
     c.face_text = GetSysColor(COLOR_BTNTEXT);
     c.paper = GetSysColor(COLOR_WINDOW);
@@ -121,6 +126,7 @@ Colours ReadColours() {
     c.select = GetSysColor(COLOR_HIGHLIGHT);
     c.select_text = GetSysColor(COLOR_HIGHLIGHTTEXT);
     c.disabled_text = GetSysColor(COLOR_GRAYTEXT);
+    c.high_contrast = HighContrastOn() || LightOnDark(c.ink, c.paper);
     c.staff_line = c.high_contrast ? c.ink : Mix(c.paper, c.ink, 140);
     c.rule = c.high_contrast ? c.ink : Mix(c.paper, c.ink, 44);
     c.button = c.high_contrast ? c.face : Mix(c.face, RGB(255, 255, 255), 150);

@@ -86,12 +86,6 @@ build() {
     fi
 }
 
-# has_target PRESET TARGET
-has_target() {
-    [ -f "$root/build/$1/build.ninja" ] || (cd "$root" && cmake --preset "$1") >"$logs/build-$1.log" 2>&1
-    grep -q "^build $2: phony\|^build [^:]*/$2\(\.exe\)\?: " "$root/build/$1/build.ninja"
-}
-
 # Wine, quiet and without the parts that a small program has no use for.
 export WINEARCH=win32 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
 
