@@ -6,7 +6,6 @@
 #include "platform/main_window.h"
 #include "platform/message_box.h"
 #include "platform/player.h"
-#include "platform/sound_devices.h"
 #include "platform/temporary_files.h"
 #include "preview/synthesis.h"
 #include "preview/wav_file.h"
@@ -257,25 +256,6 @@ void PlayWavPreview(sndmain& window, const std::wstring& snd_path, bool show_pro
         PlayConverted(window, *wav_path);
     }
     DeleteTemporaryFile(*wav_path);
-}
-
-void LoadPreviewWindow(PreviewWindow& preview, const std::wstring& wav_path) {
-    preview.wav_path = wav_path;
-    preview.Loaded = true;
-    PlayInPreviewWindow(preview);
-}
-
-void PlayInPreviewWindow(const PreviewWindow& preview) {
-    if (preview.Loaded) PlaySoundFile(preview.wav_path);
-}
-
-void StopInPreviewWindow(const PreviewWindow& preview) {
-    if (preview.Loaded) PlaySoundFile(L"");
-}
-
-void EndPreviewWindow(PreviewWindow& preview) {
-    StopInPreviewWindow(preview);
-    preview.Loaded = false;
 }
 
 } // namespace tonex

@@ -2,6 +2,8 @@
 // command does not open it; whoever has a WAV file at hand may.
 #pragma once
 
+#include "platform/sound_devices.h"
+
 #include <string>
 
 namespace tonex {
@@ -16,13 +18,27 @@ struct PreviewWindow {
     bool Loaded = false;
 };
 
-/// Loads the window for a WAV file; the sound starts at once.
-void LoadPreviewWindow(PreviewWindow& preview, const std::wstring& wav_path);
 /// The button "Play": starts the sound from its beginning and returns at once.
-void PlayInPreviewWindow(const PreviewWindow& preview);
+inline void PlayInPreviewWindow(const PreviewWindow& preview) {
+    if (preview.Loaded) PlaySoundFile(preview.wav_path);
+}
+
 /// The button "Stop".
-void StopInPreviewWindow(const PreviewWindow& preview);
+inline void StopInPreviewWindow(const PreviewWindow& preview) {
+    if (preview.Loaded) PlaySoundFile(L"");
+}
+
+/// Loads the window for a WAV file; the sound starts at once.
+inline void LoadPreviewWindow(PreviewWindow& preview, const std::wstring& wav_path) {
+    preview.wav_path = wav_path;
+    preview.Loaded = true;
+    PlayInPreviewWindow(preview);
+}
+
 /// The button "End of preview" and the close box: stops the sound and unloads the window.
-void EndPreviewWindow(PreviewWindow& preview);
+inline void EndPreviewWindow(PreviewWindow& preview) {
+    StopInPreviewWindow(preview);
+    preview.Loaded = false;
+}
 
 } // namespace tonex

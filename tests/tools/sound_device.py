@@ -1,0 +1,57 @@
+"""A sound device for programs under Wine that keeps every sample it is given."""
+
+import os
+import pathlib
+import random
+import struct
+
+
+def wav_bytes(samples, channels=1, rate=22050, bits=8, extra=b""):
+    frame = channels * bits // 8
+    head = struct.pack("<HHIIHH", 1, channels, rate, rate * frame, frame, bits)
+    body = b"WAVE" + extra + b"fmt " + struct.pack("<I", 16) + head + b"data" + struct.pack("<I", len(samples)) + samples
+    return b"RIFF" + struct.pack("<I", len(body)) + body
+
+
+def noise(count, seed=1):
+    """Every byte value comes up, so that a wrong conversion shows."""
+    return random.Random(seed).randbytes(count)
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+class Device:
+    """A sound device that keeps what it is given."""
+
+    def __init__(self, folder, real_time=None, append=False):
+        self.kept = folder / "kept.raw"
+        self.config = folder / "asound.conf"
+        target = str(self.kept)
+        if append:  # a program that opens the device again starts the file anew otherwise
+            target = f"|cat >>{self.kept}"
+        if real_time:
+            drain = pathlib.Path(__file__).with_name("drain.py")
+            target = f"|/usr/bin/python3 {drain} {real_time} {self.kept}"
+        self.config.write_text("pcm.null { type null }\nctl.null { type null }\n"
+                               f'pcm.!default {{ type file slave.pcm "null" file "{target}" format "raw" }}\n'
+                               "ctl.!default { type null }\n")
+
+    def environment(self):
+        return {**os.environ, "ALSA_CONFIG_PATH": str(self.config)}
+
+    def sound(self):
+        return self.kept.read_bytes() if self.kept.exists() else b""
+
+
+class NoDevice:
+    def environment(self):
+        return {**os.environ, "ALSA_CONFIG_PATH": "/nonexistent/asound.conf"}
+
+
+def assert_heard(device, samples, silence=b"\x80"):
+    """The samples, exactly, and nothing but silence behind them."""
+    heard = device.sound()
+    assert heard[:len(samples)] == samples
+    assert heard[len(samples):].strip(silence) == b""
