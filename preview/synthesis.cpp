@@ -138,7 +138,7 @@ void BuildWaveTable(WaveTable& table, std::int32_t sample_rate) {
         const int period = static_cast<int>(std::clamp(length, 1.0, 32767.0));
         table.period[i] = static_cast<std::int16_t>(period);
         for (int j = 0; j < std::min(period, kPhases); ++j) {
-            // Nine decimals of two pi, kept as it is: more would change samples.
+            // Two pi with nine decimals, kept as it is.
             const double height = std::sin(j * 6.283185307 / period) * 127.5 + 128.0;
             table.wave[i][static_cast<std::size_t>(j)] = static_cast<std::uint8_t>(std::floor(height));
         }

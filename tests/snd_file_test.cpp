@@ -337,6 +337,18 @@ TEST(SndWriter, ASeparatorBehindALongNoteCountsItsRecordsToo) {
     EXPECT_EQ(encoding.entries_written, 510);
 }
 
+TEST(SndWriter, ASeparatorNeedsNoRoomForRecordsAtTheBlocksEdge) {
+    // 502 notes of one record and one of five bring p to 1018. A second note of five would push the end mark
+    // out; a separator writes no records.
+    std::vector<FileEntry> entries(502, {10, 26});
+    entries.push_back({0, 26});
+    entries.push_back({kSeparatorCode, 0});
+    const SndEncoding encoding = EncodeSnd(TablesWithUnits(80), 120, ListOf(entries));
+    EXPECT_EQ(encoding.result, kSndDone);
+    EXPECT_EQ(encoding.entries_written, 504);
+    EXPECT_EQ(PlayBlockOf(encoding.bytes).size(), 1020U);
+}
+
 TEST(SndWriter, AWrongEntryBehindAFullBlockIsOneThatDoesNotFit) {
     std::vector<FileEntry> entries(128, {19, 26});
     entries.push_back({77, 26});
