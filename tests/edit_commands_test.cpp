@@ -275,6 +275,17 @@ TEST(Insert, WithEndCount500And20ColumnsInserts9) {
     ExpectWhole(*window);
 }
 
+TEST(Insert, ACutSelectionTakesTheStripCursorWithIt) {
+    auto window = SetUpWindow();
+    FillScore(*window, 499);
+    Select(*window, 25, 6);
+    mnuInsert_Click(*window);
+    EXPECT_EQ(window->grdScore.Col, 14);
+    EXPECT_EQ(window->grdScore.ColSel, 6);
+    EXPECT_EQ(window->score.strip_cursor, 14);
+    ExpectWhole(*window);
+}
+
 TEST(Insert, StopsAtEndCount509) {
     auto window = SetUpWindow();
     FillScore(*window, 508);

@@ -248,6 +248,7 @@ TEST(NoteEntry, TheEndColumnOfAFullScoreIsWrittenButDoesNotGrow) {
     EXPECT_EQ(SlotOf(*window, 510), Entry());
     EXPECT_EQ(window->score.end_count, 510);
     EXPECT_EQ(window->grdScore.Cols, 509);
+    EXPECT_EQ(window->grdScore.Col, 509) << "there is no column to step to";
 }
 
 TEST(NoteEntry, EnteringWhereTheViewIsNotBringsItThere) {

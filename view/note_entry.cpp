@@ -21,12 +21,6 @@ Entry& SlotAt(sndmain& window, int column) {
     return window.score.sound[static_cast<std::size_t>(column)];
 }
 
-// Shows the strip from a slot on; the grid's first visible column goes with it.
-void ShowFrom(sndmain& window, int first) {
-    DrawStrip(window, first);
-    window.grdScore.LeftCol = first;
-}
-
 void MoveTo(sndmain& window, int column) {
     window.grdScore.Col = column;
     window.grdScore.ColSel = column;
@@ -54,7 +48,7 @@ void AppendColumn(sndmain& window) {
         if (score.strip_cursor < kStripPictures - 1) {
             ++score.strip_cursor;
         } else {
-            ShowFrom(window, score.first_shown + 1);
+            ScrollStrip(window, score.first_shown + 1);
         }
         if (grid.Cols > kGridColumnsShown) grid.LeftCol = grid.Cols - kGridColumnsShown;
     }
@@ -62,16 +56,17 @@ void AppendColumn(sndmain& window) {
 }
 
 void MoveOn(sndmain& window, int column) {
-    if (column == kLastColumn && window.score.end_count >= kMaxEndCount) return;
+    // The last column of a full score, 508, has no end column behind it.
     if (column + 1 >= window.grdScore.Cols) return;
     MoveTo(window, column + 1);
     CursorChanged(window);
 }
 
+// EnterAtCursor leaves grid, strip and pressed key as the score has them: of the window's state only the
+// enabling is behind.
 void EnterKey(sndmain& window, std::int16_t pitch) {
     SaveUndo(window);
     EnterAtCursor(window, window.current_length, AsCell(pitch));
-    RefreshNoteDisplay(window);
     RefreshEnabling(window);
 }
 
@@ -111,8 +106,8 @@ void EnterAtCursor(sndmain& window, int code, std::uint16_t pitch) {
     SetCellText(window, column, pitch);
     entry.position = AsCell(StaffPositionOf(pitch, window.StaffOffset).value_or(kRestPosition));
 
-    if (column >= score.first_shown + kStripPictures) ShowFrom(window, column - kStripPictures + 1);
-    if (column < score.first_shown) ShowFrom(window, column);
+    if (column >= score.first_shown + kStripPictures) ScrollStrip(window, column - kStripPictures + 1);
+    if (column < score.first_shown) ScrollStrip(window, column);
     score.strip_cursor = static_cast<std::int16_t>(column - score.first_shown);
     DrawStripImage(window, score.strip_cursor, column);
 
@@ -164,7 +159,6 @@ void grdScore_KeyPress(sndmain& window, wchar_t character) {
     if (character == L'-' && pitch >= kLowestLowered) step = -1;
     if (step == 0) return;
     EnterAtCursor(window, window.current_length, AsCell(static_cast<std::int16_t>(pitch + step)));
-    RefreshNoteDisplay(window);
     RefreshEnabling(window);
 }
 
@@ -184,7 +178,7 @@ void grdScore_MouseUp(sndmain& window) {
 
 void grdScore_Scroll(sndmain& window, int left_col) {
     ScoreGrid& grid = window.grdScore;
-    ShowFrom(window, std::clamp(left_col, 0, LastLeftCol(grid)));
+    ScrollStrip(window, std::clamp(left_col, 0, LastLeftCol(grid)));
     const int place = grid.Col - window.score.first_shown;
     if (place >= 0 && place < kStripPictures) window.score.strip_cursor = static_cast<std::int16_t>(place);
 }

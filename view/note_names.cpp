@@ -1,7 +1,5 @@
 #include "view/note_names.h"
 
-#include "score/score.h"
-
 namespace tonex {
 
 const NoteName kNoteNames[12] = {
@@ -110,11 +108,6 @@ std::wstring EntryNameOf(std::uint16_t entry_code, std::uint16_t pitch, bool dor
     if (!doremi) AppendNumber(name, OctaveOf(pitch, *row));
     if (row->sharp) name.Append(L'#');
     return std::wstring(name.View()) + L", " + length;
-}
-
-bool IsSharp(std::uint16_t pitch) {
-    const NoteName* row = NameRowOf(pitch);
-    return row != nullptr && row->sharp;
 }
 
 } // namespace tonex

@@ -1,6 +1,7 @@
 // Texts for pitches, lengths and entries. Pure.
 #pragma once
 
+#include "score/score.h"
 #include "view/cell_text.h"
 
 #include <cstdint>
@@ -34,7 +35,11 @@ std::wstring LengthNameOf(std::uint16_t entry_code);
 /// What a screen reader says of a slot: "c4#, Quarter note", "Eighth rest", "Separator", "End".
 std::wstring EntryNameOf(std::uint16_t entry_code, std::uint16_t pitch, bool doremi);
 
-/// Whether a pitch carries a sharp sign.
-bool IsSharp(std::uint16_t pitch);
+/// Whether a pitch carries a sharp sign. The strip asks for each of its pictures.
+constexpr bool IsSharp(std::uint16_t pitch) {
+    constexpr unsigned sharp_semitones = 1u << 0 | 1u << 3 | 1u << 5 | 1u << 8 | 1u << 10;
+    const int semitone = SemitoneOf(static_cast<std::int16_t>(pitch));
+    return pitch != kEmpty && semitone >= 0 && (sharp_semitones >> semitone & 1) != 0;
+}
 
 } // namespace tonex

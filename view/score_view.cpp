@@ -60,6 +60,25 @@ void DrawPicture(sndmain& window, int image, int slot) {
     picture.Visible = picture.Picture != 0;
 }
 
+// Draws pictures `from` to `to` - 1 of the strip that starts with slot `first`, hides those behind the end.
+void DrawPictures(sndmain& window, int first, int from, int to) {
+    int image = from;
+    for (; image < to; ++image) {
+        const int slot = first + image;
+        if (slot >= kUsableSlots || window.score.sound[At(slot)].code == kEmpty) break;
+        DrawPicture(window, image, slot);
+    }
+    for (; image < to; ++image)
+        window.imgNote[At(image)].Visible = false;
+}
+
+// Everything of a picture but its place from left to right.
+void TakeOver(NoteImage& picture, const NoteImage& other) {
+    const int left = picture.place.Left;
+    picture = other;
+    picture.place.Left = left;
+}
+
 void ClearHighlight(sndmain& window) {
     if (window.highlighted_button != 0) {
         const int slot = LengthButtonSlot(window.highlighted_button);
@@ -175,16 +194,29 @@ void SetCellText(sndmain& window, int column, std::uint16_t pitch) {
 
 void DrawStrip(sndmain& window, int first) {
     assert(first >= 0);
-    int image = 0;
-    for (; image < kStripPictures; ++image) {
-        const int slot = first + image;
-        if (slot >= kUsableSlots || window.score.sound[At(slot)].code == kEmpty) break;
-        DrawPicture(window, image, slot);
-    }
-    for (; image < kStripPictures; ++image)
-        window.imgNote[At(image)].Visible = false;
+    DrawPictures(window, first, 0, kStripPictures);
     window.score.first_shown = static_cast<std::int16_t>(first);
     ShowPressedKey(window);
+}
+
+void ScrollStrip(sndmain& window, int first) {
+    assert(first >= 0);
+    auto& pictures = window.imgNote;
+    const int by = first - window.score.first_shown;
+    window.grdScore.LeftCol = first;
+    if (by == 0) return;
+    if (by > 0) {
+        const int kept = std::max(kStripPictures - by, 0);
+        for (int image = 0; image < kept; ++image)
+            TakeOver(pictures[At(image)], pictures[At(image + by)]);
+        DrawPictures(window, first, kept, kStripPictures);
+    } else {
+        const int drawn = std::min(-by, kStripPictures);
+        for (int image = kStripPictures - 1; image >= drawn; --image)
+            TakeOver(pictures[At(image)], pictures[At(image + by)]);
+        DrawPictures(window, first, 0, drawn);
+    }
+    window.score.first_shown = static_cast<std::int16_t>(first);
 }
 
 void DrawStripImage(sndmain& window, int image, int slot) {
@@ -214,13 +246,10 @@ void UpdateStripCursor(sndmain& window) {
 }
 
 void KeepColumnInView(sndmain& window, int column) {
-    ScoreGrid& grid = window.grdScore;
-    int left = grid.LeftCol;
+    int left = window.grdScore.LeftCol;
     if (column < left) left = column;
     if (column >= left + kGridColumnsShown) left = column - kGridColumnsShown + 1;
-    const bool strip_elsewhere = window.score.first_shown != left;
-    grid.LeftCol = left;
-    if (strip_elsewhere) DrawStrip(window, left);
+    ScrollStrip(window, left);
     UpdateStripCursor(window);
 }
 

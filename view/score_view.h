@@ -31,6 +31,10 @@ void SetCellText(sndmain& window, int column, std::uint16_t pitch);
 /// first shown = `first`.
 void DrawStrip(sndmain& window, int first);
 
+/// As DrawStrip, when the strip agrees with the score: pictures that stay in sight move along, only the
+/// others are drawn. The grid's first visible column goes with the strip.
+void ScrollStrip(sndmain& window, int first);
+
 /// Shows one slot (0 to 509) in one picture (0 to 29).
 void DrawStripImage(sndmain& window, int image, int slot);
 
