@@ -348,6 +348,23 @@ TEST_F(Device, ACountLargerThanTheBufferIsCutAtItsEnd) {
     }
 }
 
+namespace {
+
+/// A careless library: it writes 40 characters more than it was told of, and counts them.
+std::int16_t TONEX_STDCALL WriteBeyondTheBuffer(char* buffer, std::int32_t size, const char*) {
+    std::fill_n(buffer, size + 40, 'x');
+    return static_cast<std::int16_t>(size + 40);
+}
+
+} // namespace
+
+TEST_F(Device, WhatALibraryWritesBeyondItsBufferIsNotRead) {
+    ComposeOnDevice();
+    window.library.Cor_ConvPathCacheToCorvane = &WriteBeyondTheBuffer;
+    mnuFileOverWriteZ730_Click(window);
+    EXPECT_EQ(window.document.device_path, std::wstring(200, L'x'));
+}
+
 TEST_F(Device, ACountSmallerThanTheTextKeepsThatManyCharacters) {
     ComposeOnDevice();
     desk.link.conversion_bytes = "\\System\\sound\\TUNE.SND and more";
