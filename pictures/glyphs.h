@@ -1,5 +1,5 @@
-// The pictures of the program: notes, rests, bar line, clef, toolbar and program icons, all drawn from our own
-// outlines at the scale asked for. Lengths in twips where nothing else is said; masks are in pixels.
+// The pictures of the program: notes, rests, bar line, clef, toolbar and program icons, all drawn from our
+// own outlines at the scale asked for. Lengths in twips where nothing else is said; masks are in pixels.
 #pragma once
 
 #include "pictures/raster.h"
@@ -12,8 +12,8 @@ namespace tonex {
 inline constexpr int kPictureWidth = 300;  ///< twips
 inline constexpr int kPictureHeight = 480; ///< twips
 inline constexpr int kStaffSpace = 120;    ///< twips between two staff lines
-inline constexpr int kHeadCentre = 240;    ///< of a note in its picture, before the staff offset is taken away
-inline constexpr int kRestMiddle = 180;    ///< the middle line in a rest's picture
+inline constexpr int kHeadCentre = 240; ///< of a note in its picture, before the staff offset is taken away
+inline constexpr int kRestMiddle = 180; ///< the middle line in a rest's picture
 inline constexpr int kLastPicture = 58;
 
 /// A box in the coordinates of the staff panel, in twips.
@@ -24,39 +24,53 @@ struct PictureBox {
 /// Where the treble clef with its small 8 stands when the staff lines are at 1140, 1260, 1380, 1500 and 1620.
 inline constexpr PictureBox kClefBox{60, 780, 600, 1080};
 
-/// How thick staff and ledger lines are at this scale, in pixels (1 up to 150 %, 2 at 200 %). A line at the height
-/// y is expected on the pixel rows from floor(y) down; the pictures are fitted to the middle of lines so drawn.
+/// How thick staff and ledger lines are at this scale, in pixels (1 up to 150 %, 2 at 200 %). A line at the
+/// height y is expected on the pixel rows from floor(y) down; the pictures are fitted to the middle of lines
+/// so drawn.
 int StaffLinePixels(float pixels_per_twip);
 
 /// The picture `picture` of the strip: 1 to 20 notes with stem up (20 lengths), 21 to 40 rests of the same
 /// lengths, 41 to 57 notes of lengths 1 to 17 with stem down, 58 the bar line.
-/// `origin_x`, `origin_y` (0 to 1) are where in its pixel the top left corner of the picture's box of 300 x 480
-/// twips lies: mask pixel (0, 0) is the pixel that holds the corner. Nothing is drawn outside the box.
-/// A note's head has its centre `kHeadCentre - staff_offset` below the box's top; a rest's middle line lies at
+/// `origin_x`, `origin_y` (0 to 1) are where in its pixel the top left corner of the picture's box of 300 x
+/// 480 twips lies: mask pixel (0, 0) is the pixel that holds the corner. Nothing is drawn outside the box. A
+/// note's head has its centre `kHeadCentre - staff_offset` below the box's top; a rest's middle line lies at
 /// `kRestMiddle`. `sharp` asks for a sharp sign, drawn where HasRoomForSharp says so.
 /// `head_on_line`: the head stands on a staff or ledger line, so that dots belong to the space above it.
 /// An unknown picture number gives an empty mask (width and height 0).
 CoverageMask NotePictureMask(int picture, bool sharp, float pixels_per_twip, float origin_x, float origin_y,
                              int staff_offset, bool head_on_line = false);
 
-/// From where to where a note's head reaches in its picture, in twips from the left edge of the box: ledger lines
-/// follow it.
+/// From where to where a note's head reaches in its picture, in twips from the left edge of the box: ledger
+/// lines follow it.
 struct HeadSpan {
     int left, width;
 };
 HeadSpan HeadSpanOf(int picture);
 
-/// Whether a picture of the strip has room for a sharp sign left of its head. False for rests and the bar line.
+/// Whether a picture of the strip has room for a sharp sign left of its head. False for rests and the bar
+/// line.
 bool HasRoomForSharp(int picture);
 
-/// The picture of a length button (1 to 20 notes, 21 to 40 rests), optically centred in `width` x `height` pixels
-/// and made smaller where it does not fit.
+/// The picture of a length button (1 to 20 notes, 21 to 40 rests), optically centred in `width` x `height`
+/// pixels and made smaller where it does not fit.
 CoverageMask ButtonPictureMask(int picture, int width, int height, float pixels_per_twip);
 
 /// The treble clef with a small 8 above it, in the box kClefBox. `origin_x`, `origin_y` as for the notes.
 CoverageMask ClefMask(float pixels_per_twip, float origin_x, float origin_y);
 
-enum class ToolIcon { New, OpenPc, SavePc, OpenVeloxa, SaveVeloxa, Cut, Copy, Paste, Delete, Insert, Preview };
+enum class ToolIcon {
+    New,
+    OpenPc,
+    SavePc,
+    OpenVeloxa,
+    SaveVeloxa,
+    Cut,
+    Copy,
+    Paste,
+    Delete,
+    Insert,
+    Preview
+};
 inline constexpr int kToolIcons = 11;
 
 /// One colour of a toolbar icon. Layers are painted in order, the first at the bottom.
@@ -68,8 +82,8 @@ struct ColourLayer {
 /// A toolbar icon of `size_px` x `size_px` pixels (16 to 64 look best).
 std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px);
 
-/// The program icon, `size_px` x `size_px`, row-major, as premultiplied alpha, red, green, blue from the highest
-/// byte down.
+/// The program icon, `size_px` x `size_px`, row-major, as premultiplied alpha, red, green, blue from the
+/// highest byte down.
 std::vector<std::uint32_t> ProgramIconPixels(int size_px);
 
 } // namespace tonex

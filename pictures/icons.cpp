@@ -1,5 +1,5 @@
-// The toolbar's icons and the program icon. Drawn on a grid of 16 x 16 units; what is straight is moved to whole
-// pixels at every size.
+// The toolbar's icons and the program icon. Drawn on a grid of 16 x 16 units; what is straight is moved to
+// whole pixels at every size.
 #include "pictures/glyphs.h"
 
 #include "pictures/outlines.h"
@@ -24,19 +24,28 @@ struct Easel {
 };
 
 /// A grid position on a whole pixel.
-float Snap(const Easel& easel, float at) { return std::floor(at * easel.unit + 0.5F); }
+float Snap(const Easel& easel, float at) {
+    return std::floor(at * easel.unit + 0.5F);
+}
 
 /// Pixels of a thin line: 1 up to 20, 2 at 24 to 40.
-float Thin(const Easel& easel) { return std::max(1.0F, std::floor(easel.unit + 0.4F)); }
+float Thin(const Easel& easel) {
+    return std::max(1.0F, std::floor(easel.unit + 0.4F));
+}
 
-void Begin(Easel& easel) { easel.raster = MakeRaster(easel.size, easel.size); }
+void Begin(Easel& easel) {
+    easel.raster = MakeRaster(easel.size, easel.size);
+}
 
-void End(Easel& easel, std::uint32_t rgb) { easel.layers.push_back({rgb, FinishMask(easel.raster)}); }
+void End(Easel& easel, std::uint32_t rgb) {
+    easel.layers.push_back({rgb, FinishMask(easel.raster)});
+}
 
-void Box(Easel& easel, std::uint32_t rgb, float left, float top, float right, float bottom, float radius = 0) {
+void Box(Easel& easel, std::uint32_t rgb, float left, float top, float right, float bottom,
+         float radius = 0) {
     Begin(easel);
-    AddRoundRectangle(easel.raster, Snap(easel, left), Snap(easel, top), Snap(easel, right), Snap(easel, bottom),
-                      radius * easel.unit);
+    AddRoundRectangle(easel.raster, Snap(easel, left), Snap(easel, top), Snap(easel, right),
+                      Snap(easel, bottom), radius * easel.unit);
     End(easel, rgb);
 }
 
@@ -46,8 +55,9 @@ void FramedBox(Easel& easel, std::uint32_t frame, std::uint32_t inside, float le
     const float thin = Thin(easel);
     Box(easel, frame, left, top, right, bottom, radius);
     Begin(easel);
-    AddRoundRectangle(easel.raster, Snap(easel, left) + thin, Snap(easel, top) + thin, Snap(easel, right) - thin,
-                      Snap(easel, bottom) - thin, std::max(0.0F, radius * easel.unit - thin));
+    AddRoundRectangle(easel.raster, Snap(easel, left) + thin, Snap(easel, top) + thin,
+                      Snap(easel, right) - thin, Snap(easel, bottom) - thin,
+                      std::max(0.0F, radius * easel.unit - thin));
     End(easel, inside);
 }
 
@@ -113,7 +123,8 @@ void Organiser(Easel& easel, bool out) {
     Begin(easel);
     const float shaft = Snap(easel, 12.5F), thick = std::max(2.0F, Snap(easel, 1.6F));
     const float middle = (shaft + thick / 2) / easel.unit;
-    AddRectangle(easel.raster, shaft, Snap(easel, out ? 6.0F : 3.0F), shaft + thick, Snap(easel, out ? 13.0F : 10.0F));
+    AddRectangle(easel.raster, shaft, Snap(easel, out ? 6.0F : 3.0F), shaft + thick,
+                 Snap(easel, out ? 13.0F : 10.0F));
     if (out)
         AddPolygon(easel, {{middle, 2.4F}, {middle - 3, 6.5F}, {middle + 3, 6.5F}});
     else
@@ -123,7 +134,8 @@ void Organiser(Easel& easel, bool out) {
 
 void Folder(Easel& easel) {
     Begin(easel);
-    AddRoundRectangle(easel.raster, Snap(easel, 1), Snap(easel, 2), Snap(easel, 7), Snap(easel, 7), 0.8F * easel.unit);
+    AddRoundRectangle(easel.raster, Snap(easel, 1), Snap(easel, 2), Snap(easel, 7), Snap(easel, 7),
+                      0.8F * easel.unit);
     AddRoundRectangle(easel.raster, Snap(easel, 1), Snap(easel, 4), Snap(easel, 14), Snap(easel, 14),
                       0.8F * easel.unit);
     End(easel, kAmber);
@@ -139,7 +151,8 @@ void Disk(Easel& easel) {
     Box(easel, kPaleBlue, 3, 9, 13, 15);
     Begin(easel);
     for (const float y : {10.5F, 12.5F})
-        AddRectangle(easel.raster, Snap(easel, 5), Snap(easel, y), Snap(easel, 11), Snap(easel, y) + Thin(easel));
+        AddRectangle(easel.raster, Snap(easel, 5), Snap(easel, y), Snap(easel, 11),
+                     Snap(easel, y) + Thin(easel));
     End(easel, kBlue);
 }
 
@@ -176,7 +189,8 @@ void Pages(Easel& easel) {
     Page(easel, 6, 5, 14, 15);
     Begin(easel);
     for (const float y : {8.0F, 10.0F, 12.0F})
-        AddRectangle(easel.raster, Snap(easel, 8), Snap(easel, y), Snap(easel, 12), Snap(easel, y) + Thin(easel));
+        AddRectangle(easel.raster, Snap(easel, 8), Snap(easel, y), Snap(easel, 12),
+                     Snap(easel, y) + Thin(easel));
     End(easel, kBlue);
 }
 
@@ -194,7 +208,8 @@ void Between(Easel& easel) {
     Begin(easel);
     const float thick = std::max(2.0F, Snap(easel, 1.8F));
     const float half = std::floor(easel.unit * 3.4F), middle = static_cast<float>(easel.size) / 2;
-    const float low = std::floor(middle - thick / 2 + 0.5F), from = low - half + thick / 2, to = from + 2 * half;
+    const float low = std::floor(middle - thick / 2 + 0.5F), from = low - half + thick / 2,
+                to = from + 2 * half;
     AddRectangle(easel.raster, low, std::floor(from), low + thick, std::floor(to));
     AddRectangle(easel.raster, std::floor(from), low, std::floor(to), low + thick);
     End(easel, kGreen);
@@ -229,36 +244,16 @@ std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px) {
         Page(easel, 2, 1, 14, 15);
         Note(easel, kBlue, 6.8F, 11.2F, 9.6F);
         break;
-    case ToolIcon::OpenPc:
-        Folder(easel);
-        break;
-    case ToolIcon::SavePc:
-        Disk(easel);
-        break;
-    case ToolIcon::OpenVeloxa:
-        Organiser(easel, true);
-        break;
-    case ToolIcon::SaveVeloxa:
-        Organiser(easel, false);
-        break;
-    case ToolIcon::Cut:
-        Scissors(easel);
-        break;
-    case ToolIcon::Copy:
-        Pages(easel);
-        break;
-    case ToolIcon::Paste:
-        Clipboard(easel);
-        break;
-    case ToolIcon::Delete:
-        Cross(easel);
-        break;
-    case ToolIcon::Insert:
-        Between(easel);
-        break;
-    case ToolIcon::Preview:
-        Play(easel);
-        break;
+    case ToolIcon::OpenPc: Folder(easel); break;
+    case ToolIcon::SavePc: Disk(easel); break;
+    case ToolIcon::OpenVeloxa: Organiser(easel, true); break;
+    case ToolIcon::SaveVeloxa: Organiser(easel, false); break;
+    case ToolIcon::Cut: Scissors(easel); break;
+    case ToolIcon::Copy: Pages(easel); break;
+    case ToolIcon::Paste: Clipboard(easel); break;
+    case ToolIcon::Delete: Cross(easel); break;
+    case ToolIcon::Insert: Between(easel); break;
+    case ToolIcon::Preview: Play(easel); break;
     }
     return easel.layers;
 }

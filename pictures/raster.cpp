@@ -16,8 +16,8 @@ Point Place(const Placement& p, float x, float y) {
     return {p.xx * x + p.xy * y + p.dx, p.yx * x + p.yy * y + p.dy};
 }
 
-/// Adds what one edge within one pixel row covers to its right: `height` is signed, x0 and x1 are where the edge
-/// enters and leaves the row.
+/// Adds what one edge within one pixel row covers to its right: `height` is signed, x0 and x1 are where the
+/// edge enters and leaves the row.
 void AddRowPiece(float* row, int width, float x0, float x1, float height) {
     const float left = std::min(x0, x1), right = std::max(x0, x1);
     if (left >= static_cast<float>(width)) return;
@@ -32,8 +32,8 @@ void AddRowPiece(float* row, int width, float x0, float x1, float height) {
         row[first + 1] += height * middle;
         return;
     }
-    // The edge crosses several pixels: the covered share grows as a triangle, then evenly, then as the rest of a
-    // triangle. Each pixel gets the difference to the one before it.
+    // The edge crosses several pixels: the covered share grows as a triangle, then evenly, then as the rest
+    // of a triangle. Each pixel gets the difference to the one before it.
     const float slope = 1 / (right - left);
     float before = 0;
     for (int column = first; column < last; ++column) {
@@ -56,9 +56,11 @@ void AddClippedRowPiece(float* row, int width, float x0, float x1, float height)
         return;
     }
     const float length = high - low;
-    const float outside_left = std::max(0.0F, -low) / length, outside_right = std::max(0.0F, high - limit) / length;
+    const float outside_left = std::max(0.0F, -low) / length,
+                outside_right = std::max(0.0F, high - limit) / length;
     if (outside_left > 0) row[0] += height * outside_left;
-    AddRowPiece(row, width, std::max(low, 0.0F), std::min(high, limit), height * (1 - outside_left - outside_right));
+    AddRowPiece(row, width, std::max(low, 0.0F), std::min(high, limit),
+                height * (1 - outside_left - outside_right));
 }
 
 void AddEdge(Raster& raster, Point a, Point b, float sign) {
@@ -74,17 +76,20 @@ void AddEdge(Raster& raster, Point a, Point b, float sign) {
     const float y0 = std::max(a.y, 0.0F), y1 = std::min(b.y, bottom);
     const int first = static_cast<int>(y0), last = std::min(static_cast<int>(std::ceil(y1)), raster.height);
     for (int line = first; line < last; ++line) {
-        const float top = std::max(y0, static_cast<float>(line)), end = std::min(y1, static_cast<float>(line + 1));
-        float* row = &raster.area[static_cast<std::size_t>(line) * static_cast<std::size_t>(raster.width + 2)];
+        const float top = std::max(y0, static_cast<float>(line)),
+                    end = std::min(y1, static_cast<float>(line + 1));
+        float* row =
+            &raster.area[static_cast<std::size_t>(line) * static_cast<std::size_t>(raster.width + 2)];
         AddClippedRowPiece(row, raster.width, a.x + (top - a.y) * slope, a.x + (end - a.y) * slope,
                            direction * (end - top));
     }
 }
 
 void AddCurve(Raster& raster, Point a, Point b, Point c, Point d, float sign) {
-    // A step of about a pixel and a half keeps the error of the chords far below what a byte of coverage shows.
-    const float length = std::abs(b.x - a.x) + std::abs(b.y - a.y) + std::abs(c.x - b.x) + std::abs(c.y - b.y) +
-                         std::abs(d.x - c.x) + std::abs(d.y - c.y);
+    // A step of about a pixel and a half keeps the error of the chords far below what a byte of coverage
+    // shows.
+    const float length = std::abs(b.x - a.x) + std::abs(b.y - a.y) + std::abs(c.x - b.x) +
+                         std::abs(c.y - b.y) + std::abs(d.x - c.x) + std::abs(d.y - c.y);
     const int steps = std::clamp(static_cast<int>(length * 0.7F) + 3, 4, 24);
     Point from = a;
     for (int i = 1; i <= steps; ++i) {
@@ -120,15 +125,14 @@ void AddOutline(Raster& raster, Outline outline, const Placement& placement) {
     for (const PathStep& step : outline) {
         const Point end = Place(placement, step.x, step.y);
         switch (step.kind) {
-        case PathStep::Move:
-            start = at = end;
-            break;
+        case PathStep::Move: start = at = end; break;
         case PathStep::Line:
             AddEdge(raster, at, end, sign);
             at = end;
             break;
         case PathStep::Curve:
-            AddCurve(raster, at, Place(placement, step.x1, step.y1), Place(placement, step.x2, step.y2), end, sign);
+            AddCurve(raster, at, Place(placement, step.x1, step.y1), Place(placement, step.x2, step.y2), end,
+                     sign);
             at = end;
             break;
         case PathStep::Close:
@@ -146,7 +150,8 @@ void AddRectangle(Raster& raster, float left, float top, float right, float bott
 }
 
 void AddEllipse(Raster& raster, float centre_x, float centre_y, float radius_x, float radius_y) {
-    AddRoundRectangle(raster, centre_x - radius_x, centre_y - radius_y, centre_x + radius_x, centre_y + radius_y, -1);
+    AddRoundRectangle(raster, centre_x - radius_x, centre_y - radius_y, centre_x + radius_x,
+                      centre_y + radius_y, -1);
 }
 
 void AddRoundRectangle(Raster& raster, float left, float top, float right, float bottom, float radius) {
@@ -158,7 +163,8 @@ void AddRoundRectangle(Raster& raster, float left, float top, float right, float
     AddCurve(raster, {left + rx, top}, {left + kx, top}, {left, top + ky}, {left, top + ry}, 1);
     AddEdge(raster, {left, top + ry}, {left, bottom - ry}, 1);
     AddCurve(raster, {left, bottom - ry}, {left, bottom - ky}, {left + kx, bottom}, {left + rx, bottom}, 1);
-    AddCurve(raster, {right - rx, bottom}, {right - kx, bottom}, {right, bottom - ky}, {right, bottom - ry}, 1);
+    AddCurve(raster, {right - rx, bottom}, {right - kx, bottom}, {right, bottom - ky}, {right, bottom - ry},
+             1);
     AddEdge(raster, {right, bottom - ry}, {right, top + ry}, 1);
     AddCurve(raster, {right, top + ry}, {right, top + ky}, {right - kx, top}, {right - rx, top}, 1);
 }
@@ -169,7 +175,8 @@ void AddStroke(Raster& raster, float x1, float y1, float x2, float y2, float wid
     if (!(length > 0)) return;
     const float nx = (y2 - y1) / length * width / 2, ny = -(x2 - x1) / length * width / 2;
     const Point corner[4] = {{x1 + nx, y1 + ny}, {x1 - nx, y1 - ny}, {x2 - nx, y2 - ny}, {x2 + nx, y2 + ny}};
-    for (int i = 0; i < 4; ++i) AddEdge(raster, corner[i], corner[(i + 1) % 4], 1);
+    for (int i = 0; i < 4; ++i)
+        AddEdge(raster, corner[i], corner[(i + 1) % 4], 1);
 }
 
 CoverageMask FinishMask(const Raster& raster) {
@@ -179,7 +186,8 @@ CoverageMask FinishMask(const Raster& raster) {
     mask.height = raster.height;
     mask.alpha.resize(static_cast<std::size_t>(raster.width) * static_cast<std::size_t>(raster.height));
     for (int y = 0; y < raster.height; ++y) {
-        const float* row = &raster.area[static_cast<std::size_t>(y) * static_cast<std::size_t>(raster.width + 2)];
+        const float* row =
+            &raster.area[static_cast<std::size_t>(y) * static_cast<std::size_t>(raster.width + 2)];
         std::uint8_t* out = &mask.alpha[static_cast<std::size_t>(y) * static_cast<std::size_t>(raster.width)];
         float sum = 0;
         for (int x = 0; x < raster.width; ++x) {

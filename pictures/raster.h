@@ -1,5 +1,5 @@
-// Fills outlines with exact area coverage. Portable, no library; single precision throughout, so that the native
-// and the 32-bit build (SSE) give the same bytes.
+// Fills outlines with exact area coverage. Portable, no library; single precision throughout, so that the
+// native and the 32-bit build (SSE) give the same bytes.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ struct CoverageMask {
     bool operator==(const CoverageMask&) const = default;
 };
 
-/// One step of an outline, in the outline's own units. Only the points that the kind needs are used: `Move` and
-/// `Line` the last (x, y), `Curve` (a cubic) all three.
+/// One step of an outline, in the outline's own units. Only the points that the kind needs are used: `Move`
+/// and `Line` the last (x, y), `Curve` (a cubic) all three.
 struct PathStep {
     enum Kind : std::uint8_t { Move, Line, Curve, Close } kind;
     std::int16_t x1, y1, x2, y2, x, y;
@@ -39,9 +39,9 @@ struct Raster {
 /// An empty raster of the size given; sizes below 1 give an empty one.
 Raster MakeRaster(int width, int height);
 
-/// Adds an outline. Contours that run counterclockwise in a system with y upwards fill, those inside them that run
-/// the other way cut holes; a mirroring placement keeps that meaning. What overlaps something filled stays filled.
-/// What lies outside the raster is cut off.
+/// Adds an outline. Contours that run counterclockwise in a system with y upwards fill, those inside them
+/// that run the other way cut holes; a mirroring placement keeps that meaning. What overlaps something filled
+/// stays filled. What lies outside the raster is cut off.
 void AddOutline(Raster& raster, Outline outline, const Placement& placement);
 
 /// Adds an axis-parallel rectangle in pixels; edges on whole pixels are crisp.

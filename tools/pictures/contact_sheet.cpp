@@ -31,7 +31,8 @@ void Blend(Sheet& sheet, int x, int y, std::uint32_t colour, int alpha) {
 
 void Fill(Sheet& sheet, int x, int y, int w, int h, std::uint32_t colour) {
     for (int j = y; j < y + h; ++j)
-        for (int i = x; i < x + w; ++i) Blend(sheet, i, j, colour, 255);
+        for (int i = x; i < x + w; ++i)
+            Blend(sheet, i, j, colour, 255);
 }
 
 void Paint(Sheet& sheet, int x, int y, const CoverageMask& mask, std::uint32_t colour) {
@@ -42,10 +43,10 @@ void Paint(Sheet& sheet, int x, int y, const CoverageMask& mask, std::uint32_t c
                              static_cast<std::size_t>(i)]);
 }
 
-/// One staff with clef and pictures: `first` is the first picture, heads at the given step of 60 twips from the
-/// middle line (up is negative).
-void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px, const std::vector<int>& pictures,
-           const std::vector<int>& steps, bool sharps) {
+/// One staff with clef and pictures: `first` is the first picture, heads at the given step of 60 twips from
+/// the middle line (up is negative).
+void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
+           const std::vector<int>& pictures, const std::vector<int>& steps, bool sharps) {
     const auto px = [&](float twips) { return static_cast<int>(std::floor(twips * scale)); };
     const int line = StaffLinePixels(scale);
     const int end = left_px + px(720 + 390 * static_cast<float>(pictures.size()));
@@ -64,7 +65,8 @@ void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
             const float from = x + static_cast<float>(head.left - 25) * scale;
             const int to = static_cast<int>(from + static_cast<float>(head.width + 50) * scale);
             const float at = 1380 + 60.0F * static_cast<float>(step > 0 ? ledger : -ledger);
-            Fill(sheet, left_px + static_cast<int>(from), top_px + px(at), to - static_cast<int>(from), line, 0x707070);
+            Fill(sheet, left_px + static_cast<int>(from), top_px + px(at), to - static_cast<int>(from), line,
+                 0x707070);
         }
         Paint(sheet, left_px + static_cast<int>(x), top_px + static_cast<int>(y),
               NotePictureMask(picture, sharps, scale, x - std::floor(x), y - std::floor(y), staff_offset,
@@ -76,7 +78,8 @@ void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
 std::string Pgm(const Sheet& sheet) {
     std::string bytes = "P5\n" + std::to_string(sheet.width) + " " + std::to_string(sheet.height) + "\n255\n";
     for (std::size_t i = 0; i < sheet.rgb.size(); i += 3)
-        bytes += static_cast<char>((sheet.rgb[i] * 299 + sheet.rgb[i + 1] * 587 + sheet.rgb[i + 2] * 114) / 1000);
+        bytes +=
+            static_cast<char>((sheet.rgb[i] * 299 + sheet.rgb[i + 1] * 587 + sheet.rgb[i + 2] * 114) / 1000);
     return bytes;
 }
 
@@ -85,7 +88,8 @@ void Scale(Sheet& sheet, int percent, int offset, int top) {
     const int row = static_cast<int>(1900 * scale);
     const auto range = [](int from, int to) {
         std::vector<int> numbers;
-        for (int i = from; i <= to; ++i) numbers.push_back(i);
+        for (int i = from; i <= to; ++i)
+            numbers.push_back(i);
         return numbers;
     };
     top -= static_cast<int>(600 * scale);
@@ -129,7 +133,8 @@ void ProgramIcons(Sheet& sheet, int x, int y) {
                 if (alpha == 0) continue;
                 std::uint32_t colour = 0;
                 for (int shift = 16; shift >= 0; shift -= 8)
-                    colour = colour << 8 | std::min(255U, (p >> shift & 255) * 255 / static_cast<unsigned>(alpha));
+                    colour =
+                        colour << 8 | std::min(255U, (p >> shift & 255) * 255 / static_cast<unsigned>(alpha));
                 Blend(sheet, x + i, y + j, colour, alpha);
             }
         x += size + 6;
@@ -160,7 +165,8 @@ int main(int argc, char** argv) {
     }
     ProgramIcons(sheet, 4, top + 4);
     const std::string name = argv[1];
-    const std::string bytes = name.ends_with(".pgm") ? Pgm(sheet) : PngFile(sheet.width, sheet.height, 3, sheet.rgb);
+    const std::string bytes =
+        name.ends_with(".pgm") ? Pgm(sheet) : PngFile(sheet.width, sheet.height, 3, sheet.rgb);
     std::FILE* file = std::fopen(argv[1], "wb");
     if (file == nullptr) {
         std::perror(argv[1]);

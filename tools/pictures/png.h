@@ -1,5 +1,5 @@
-// A small PNG writer for the tools that draw: 8 bits a channel, rows stored as differences to the row above, packed
-// with repeats of at most 258 bytes and the fixed codes.
+// A small PNG writer for the tools that draw: 8 bits a channel, rows stored as differences to the row above,
+// packed with repeats of at most 258 bytes and the fixed codes.
 #pragma once
 
 #include <algorithm>
@@ -16,14 +16,16 @@ inline std::uint32_t Crc(const std::string& bytes) {
     std::uint32_t crc = 0xFFFFFFFF;
     for (const char c : bytes) {
         crc ^= static_cast<std::uint8_t>(c);
-        for (int bit = 0; bit < 8; ++bit) crc = (crc & 1) != 0 ? crc >> 1 ^ 0xEDB88320 : crc >> 1;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 1) != 0 ? crc >> 1 ^ 0xEDB88320 : crc >> 1;
     }
     return ~crc;
 }
 
 inline std::string BigEndian(std::uint32_t value) {
     std::string bytes;
-    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift & 255);
+    for (int shift = 24; shift >= 0; shift -= 8)
+        bytes += static_cast<char>(value >> shift & 255);
     return bytes;
 }
 
@@ -38,18 +40,24 @@ struct BitWriter {
 
     void Bits(std::uint32_t value, int bits) {
         held |= value << count;
-        for (count += bits; count >= 8; count -= 8, held >>= 8) bytes += static_cast<char>(held & 255);
+        for (count += bits; count >= 8; count -= 8, held >>= 8)
+            bytes += static_cast<char>(held & 255);
     }
     /// Huffman codes go out with their highest bit first.
     void Code(std::uint32_t code, int bits) {
-        for (int bit = bits - 1; bit >= 0; --bit) Bits(code >> bit & 1, 1);
+        for (int bit = bits - 1; bit >= 0; --bit)
+            Bits(code >> bit & 1, 1);
     }
     void Symbol(int symbol) {
         const auto s = static_cast<std::uint32_t>(symbol);
-        if (symbol < 144) Code(0x30 + s, 8);
-        else if (symbol < 256) Code(0x190 + s - 144, 9);
-        else if (symbol < 280) Code(s - 256, 7);
-        else Code(0xC0 + s - 280, 8);
+        if (symbol < 144)
+            Code(0x30 + s, 8);
+        else if (symbol < 256)
+            Code(0x190 + s - 144, 9);
+        else if (symbol < 280)
+            Code(s - 256, 7);
+        else
+            Code(0xC0 + s - 280, 8);
     }
 };
 
@@ -58,7 +66,8 @@ inline void PutRepeat(BitWriter& out, int length, int distance) {
     static constexpr int kLengths[] = {3,  4,  5,  6,  7,  8,  9,  10, 11,  13,  15,  17,  19,  23, 27,
                                        31, 35, 43, 51, 59, 67, 83, 99, 115, 131, 163, 195, 227, 258};
     int symbol = 28;
-    while (kLengths[symbol] > length) --symbol;
+    while (kLengths[symbol] > length)
+        --symbol;
     out.Symbol(257 + symbol);
     const int extra = symbol < 8 || symbol == 28 ? 0 : symbol / 4 - 1;
     out.Bits(static_cast<std::uint32_t>(length - kLengths[symbol]), extra);
@@ -83,12 +92,14 @@ inline std::string Pack(const std::string& data) {
         int length = 0, from = -1;
         if (at + 3 <= size) {
             std::uint32_t key = 0;
-            for (int i = 0; i < 3; ++i) key = key * 257 + static_cast<std::uint8_t>(data[static_cast<std::size_t>(at + i)]);
+            for (int i = 0; i < 3; ++i)
+                key = key * 257 + static_cast<std::uint8_t>(data[static_cast<std::size_t>(at + i)]);
             int& slot = last[key * 2654435761U >> 18];
             from = slot;
             slot = at;
             while (from >= 0 && at - from <= 32768 && at + length < size && length < 258 &&
-                   data[static_cast<std::size_t>(from + length)] == data[static_cast<std::size_t>(at + length)])
+                   data[static_cast<std::size_t>(from + length)] ==
+                       data[static_cast<std::size_t>(at + length)])
                 ++length;
         }
         if (length >= 3) {
@@ -105,8 +116,8 @@ inline std::string Pack(const std::string& data) {
 
 } // namespace png
 
-/// The bytes of a PNG file of `pixels`, row-major, with 3 (red, green, blue) or 4 (and alpha, not premultiplied)
-/// bytes a pixel.
+/// The bytes of a PNG file of `pixels`, row-major, with 3 (red, green, blue) or 4 (and alpha, not
+/// premultiplied) bytes a pixel.
 inline std::string PngFile(int width, int height, int channels, const std::vector<std::uint8_t>& pixels) {
     const std::size_t row = static_cast<std::size_t>(width) * static_cast<std::size_t>(channels);
     std::string rows;
@@ -124,7 +135,8 @@ inline std::string PngFile(int width, int height, int channels, const std::vecto
                              png::BigEndian(static_cast<std::uint32_t>(height)) + '\x08' +
                              static_cast<char>(channels == 4 ? 6 : 2) + std::string(3, '\0');
     return std::string("\x89PNG\r\n\x1A\n", 8) + png::Chunk("IHDR", head) +
-           png::Chunk("IDAT", "\x78\x01" + png::Pack(rows) + png::BigEndian(b << 16 | a)) + png::Chunk("IEND", "");
+           png::Chunk("IDAT", "\x78\x01" + png::Pack(rows) + png::BigEndian(b << 16 | a)) +
+           png::Chunk("IEND", "");
 }
 
 } // namespace tonex
