@@ -102,8 +102,10 @@ void DrawFlags(Pen& pen, int count, float stem_left, float end, bool up, float l
 /// in their way.
 float FlagLength(const Pen& pen, const NotePlan& plan, bool dots_below) {
     constexpr float kShare[] = {0, 0.72F, 0.8F, 0.9F};
+    constexpr float kLeast[] = {0, 1.2F, 1.35F, 1.5F};
     const float stem = std::abs(plan.head_y - plan.stem_end);
-    const float wish = stem * kShare[FlagsOf(plan.form)];
+    // Beside a very short stem they reach down to the head, which is better than flags pressed flat.
+    const float wish = std::max(stem * kShare[FlagsOf(plan.form)], kLeast[FlagsOf(plan.form)] * pen.unit);
     float room = stem - 0.56F * pen.unit;
     if (plan.up && plan.form.dots == 0) room = stem + 0.4F * pen.unit;
     if (plan.up && plan.form.dots > 0)

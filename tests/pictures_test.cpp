@@ -302,6 +302,7 @@ TEST(Pictures, DotsOfAHeadOnALineLeaveTheLine) {
     for (const TestScale& scale : kScales)
         for (const int picture : {4, 5, 8, 9, 12, 13, 16, 17, 19, 20, 52, 53, 56, 57}) {
             EXPECT_NE(Picture(picture, scale, false, false), Picture(picture, scale, false, true)) << picture;
+            if (picture < 10) continue; // flags hang beside these heads
             const float s = scale.pixels_per_twip;
             const CoverageMask mask = Picture(picture, scale, false, true);
             const int row = static_cast<int>(static_cast<float>(kHeadCentre - scale.staff_offset) * s);
