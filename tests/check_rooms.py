@@ -37,6 +37,9 @@ def floor_of(path):
         return 2 if path.count("/") == 1 else 6
     if stem in PURE:
         return 1
+    # The device that stands on a folder is a library of its own, linked into the Windows layer.
+    if path.startswith("tools/link/"):
+        return 6
     if stem in RECORD:
         return 3
     # The command table's procedures run commands, its declarations are words that the record uses.
