@@ -274,6 +274,16 @@ TEST_F(DesktopTest, EachCharacterKeepsItsOwnPairOfBytes) {
     EXPECT_EQ(FromAnsi(ansi), all);
 }
 
+TEST_F(DesktopTest, KatakanaHaveTheCodePagesOwnBytes) {
+    EXPECT_EQ(ToAnsi(L"ァソムメヶ"), "\x83\x40\x83\x5C\x83\x80\x83\x81\x83\x96");
+    EXPECT_EQ(FromAnsi(ToAnsi(L"ソ.SND")), L"ソ.SND");
+}
+
+TEST_F(DesktopTest, CharactersThatTheCodePageLacksBecomeQuestionMarks) {
+    EXPECT_EQ(ToAnsi(L"\x0E01\x00E9"), "??");
+    EXPECT_EQ(ToAnsi(L"\x0416").size(), 2u);
+}
+
 TEST_F(DesktopTest, AHalfCharacterBecomesAQuestionMark) {
     EXPECT_EQ(FromAnsi("ab\x81"), L"ab?");
 }

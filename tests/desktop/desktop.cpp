@@ -631,18 +631,32 @@ namespace {
 
 constexpr unsigned kShiftJis = 932;
 
-/// A double-byte code for a character, given out in the order in which characters are met: not the code
-/// page's own assignment, but its lengths, its byte ranges (a second byte can be a backslash) and its round
-/// trip.
+/// The pair of bytes with a number counted from a first lead byte; a second byte is never 7F.
+std::string PairOfNumber(unsigned first_lead, std::size_t number) {
+    const std::size_t trail = number % 188;
+    return {static_cast<char>(first_lead + number / 188),
+            static_cast<char>(trail < 63 ? 0x40 + trail : 0x41 + trail)};
+}
+
+/// Whether the code page has double-byte characters of this kind: Greek, Cyrillic, Japanese signs.
+bool IsDoubleByte(wchar_t c) {
+    const auto code = static_cast<std::uint32_t>(c);
+    return (code >= 0x391 && code <= 0x451) || (code >= 0x2010 && code <= 0x266F) ||
+           (code >= 0x3000 && code <= 0x30FF) || (code >= 0x4E00 && code <= 0x9FA0) ||
+           (code >= 0xFF01 && code <= 0xFF60);
+}
+
+/// The two bytes of a character. Katakana have the code page's own (the second byte of one is a backslash);
+/// any other gets the next pair that is free when it is first met: not its own, but of the same length and
+/// range, and with a way back.
 std::string PairOf(wchar_t c) {
+    if (!IsDoubleByte(c)) return "?";
     auto& pairs = Current().ansi_pairs;
     const auto found = pairs.find(c);
     if (found != pairs.end()) return found->second;
-    const std::size_t number = pairs.size();
-    const std::size_t lead = 0x81 + number / 188 % 31;
-    const std::size_t trail = number % 188;
-    const std::string pair = {static_cast<char>(lead),
-                              static_cast<char>(trail < 63 ? 0x40 + trail : 0x41 + trail)};
+    const bool katakana = c >= 0x30A1 && c <= 0x30F6;
+    const std::string pair = katakana ? PairOfNumber(0x83, static_cast<std::size_t>(c) - 0x30A1)
+                                      : PairOfNumber(0x88, pairs.size());
     pairs[c] = pair;
     return pair;
 }
