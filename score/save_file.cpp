@@ -29,8 +29,8 @@ template <class Operation> bool WithRetries(Operation operation) {
     return false;
 }
 
-/// The part of a path in front of the file name. A path that starts with a slash is one of a POSIX system, where
-/// a backslash is a character like any other.
+/// The part of a path in front of the file name. A path that starts with a slash is one of a POSIX system,
+/// where a backslash is a character like any other.
 std::wstring FolderBeside(const std::wstring& path) {
     return path.starts_with(L'/') ? path.substr(0, path.rfind(L'/') + 1) : FolderOfPath(path);
 }
