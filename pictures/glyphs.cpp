@@ -336,7 +336,7 @@ void DrawRestExtras(Pen& pen, const NoteForm& form, float x, float y, float righ
     float right = x + extent.right * pen.unit;
     if (form.division <= 2)
         right = WholePixel(x - extent.left * pen.unit) + WholePixel((extent.left + extent.right) * pen.unit);
-    DrawDots(pen, form.dots, right, 0.16F * pen.unit, y - pen.unit / 2, 0.34F * pen.unit, 0.4F * pen.unit,
+    DrawDots(pen, form.dots, right, 0.16F * pen.unit, y - pen.unit / 2, 0.34F * pen.unit, 0.48F * pen.unit,
              right_limit);
     if (form.triplet)
         DrawThree(pen, form.division == 4 ? x + 0.55F * pen.unit : right + 0.16F * pen.unit,
