@@ -1,4 +1,5 @@
-// Everything a menu item, toolbar button or key can ask for, and the static tables that say where each stands.
+// Everything a menu item, toolbar button or key can ask for, and the static tables that say where each
+// stands.
 #pragma once
 
 #include <array>
@@ -11,6 +12,7 @@ namespace tonex {
 struct sndmain;
 
 /// The menu items, in the order of the menu bar. Separator lines are items too: they have names.
+// clang-format off
 enum class MenuItem : std::uint8_t {
     mnuNewFile, kubun0, mnuFileOpen, mnuFileOverWrite, mnuFileSaveWithName, mnukubun1,
     mnuFileOpenZ730, mnuFileOverWriteZ730, mnuFileSaveWithNameZ730, mnuKubun2,
@@ -22,6 +24,7 @@ enum class MenuItem : std::uint8_t {
     MenuTopic, kubunhelp, MenuVersion,
     Count
 };
+// clang-format on
 inline constexpr int kMenuItems = static_cast<int>(MenuItem::Count);
 
 /// The top-level menus, left to right.
@@ -66,8 +69,8 @@ std::span<const ToolButtonRow, kToolButtons> ToolButtonRows();
 
 /// Runs a menu item's command if the item is enabled.
 void RunMenuItem(sndmain& window, MenuItem item);
-/// Runs the command of the toolbar button with this key if the button is enabled; a key that matches none does
-/// nothing.
+/// Runs the command of the toolbar button with this key if the button is enabled; a key that matches none
+/// does nothing.
 void RunToolButton(sndmain& window, std::wstring_view key);
 /// What happens each time a top-level menu is about to open (the Setting menu refreshes its check mark).
 void OpenMenu(sndmain& window, Menu menu);

@@ -18,15 +18,16 @@ inline constexpr std::wstring_view kSuffixVeloxa = L" - Veloxa:";
 void SetTitle(sndmain& window, std::wstring_view suffix);
 /// True for a path ending in ".SND" in any letter case; otherwise tells the user and gives false.
 bool CheckSndExtension(const std::wstring& path);
-/// True when the file name without ".SND" has at most 8 bytes in the ANSI code page; otherwise tells the user.
+/// True when the file name without ".SND" has at most 8 bytes in the ANSI code page; otherwise tells the
+/// user.
 bool CheckNameLength(const std::wstring& path);
 /// Asks to save a changed score. True = go on.
 bool AskToSaveChanges(sndmain& window);
 /// Loads the document at the current path. True when it failed: the user was told, the score is empty.
 bool LoadDocument(sndmain& window, std::wstring_view suffix);
-/// Saves the score at `path`, which becomes the current path, sets the title, and tells the user of a tempo that
-/// is not in the list ("Read error!") or a full play block. kSndWriteError: the user was told "Write error!";
-/// path, title and changed flag are as they were.
+/// Saves the score at `path`, which becomes the current path, sets the title, and tells the user of a tempo
+/// that is not in the list ("Read error!") or a full play block. kSndWriteError: the user was told "Write
+/// error!"; path, title and changed flag are as they were.
 SndResult SaveDocument(sndmain& window, const std::wstring& path, std::wstring_view suffix);
 
 /// Writes a list as a SND file at the path, or uploads it when the document asks for that. `path` is in and
