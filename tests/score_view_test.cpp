@@ -233,6 +233,28 @@ TEST(DrawStrip, OfAFullScoreEndsAtSlot508) {
         EXPECT_EQ(ImageOf(*window, i).Visible, i < 19) << i;
 }
 
+TEST(ScrollStrip, ShowsWhatDrawingAnewShows) {
+    auto window = SetUpWindow(10);
+    FillScore(*window, 100);
+    window->score.sound[50] = Entry{0, 0, 0};
+    window->score.sound[60] = MakeRest(*window, 25);
+    DrawStrip(*window, 0);
+    for (const int first : {1, 0, 5, 5, 34, 64, 63, 71, 40, 69, 0, 71, 2}) {
+        ScrollStrip(*window, first);
+        EXPECT_EQ(window->score.first_shown, first);
+        EXPECT_EQ(window->grdScore.LeftCol, first);
+        const auto scrolled = window->imgNote;
+        DrawStrip(*window, first);
+        for (int i = 0; i < kStripPictures; ++i) {
+            EXPECT_EQ(scrolled[static_cast<std::size_t>(i)].Visible, ImageOf(*window, i).Visible);
+            EXPECT_EQ(scrolled[static_cast<std::size_t>(i)].place.Left, ImageOf(*window, i).place.Left);
+            if (!ImageOf(*window, i).Visible) continue;
+            EXPECT_EQ(scrolled[static_cast<std::size_t>(i)], ImageOf(*window, i))
+                << first << ", picture " << i;
+        }
+    }
+}
+
 // --- The grid
 
 TEST(Grid, AnEmptyScoreHasOneColumnTheEndColumn) {
