@@ -16,7 +16,8 @@ std::wstring WriteSound(const TestFolder& folder, int seconds = 1) {
     const auto samples = static_cast<std::uint32_t>(seconds * kSampleRate);
     const auto header = WavHeader(samples);
     std::string bytes(header.begin(), header.end());
-    for (std::uint32_t i = 0; i < samples; ++i) bytes += static_cast<char>(i * 37 % 256);
+    for (std::uint32_t i = 0; i < samples; ++i)
+        bytes += static_cast<char>(i * 37 % 256);
     const std::wstring path = folder / L"a sound.wav";
     WriteBytes(path, bytes);
     return path;
@@ -69,7 +70,8 @@ TEST(PreviewWindow, PlayAndStopKeepItOpenUntilTheEnd) {
     const TestFolder folder;
     const std::wstring path = WriteSound(folder);
     const PreviewWindow preview = Show(path, [](HWND dialog) {
-        for (const int button : {kPreviewStopButton, kPreviewPlayButton, kPreviewPlayButton, kPreviewStopButton}) {
+        for (const int button :
+             {kPreviewStopButton, kPreviewPlayButton, kPreviewPlayButton, kPreviewStopButton}) {
             SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
             EXPECT_TRUE(IsWindowVisible(dialog));
         }
