@@ -27,3 +27,5 @@ target_compile_options(Tonex PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -We
 target_link_options(Tonex PRIVATE -municode -s)
 target_link_libraries(Tonex PRIVATE tonex_commands tonex_windows_desktop tonex_windows_files tonex_commands
                       tonex_rules comctl32 gdi32 user32 shell32 advapi32)
+# The player stands in the same folder: a preview finds it there first.
+add_dependencies(Tonex sndrec32)
