@@ -74,8 +74,8 @@ class Prefix:
                                 WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d", **(environment or {}))
         self._probe = None
 
-    def start(self, command, **options):
-        return subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
+    def start(self, command, environment=None, **options):
+        return subprocess.Popen(command, env={**self.environment, **(environment or {})}, stdin=subprocess.DEVNULL,
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **options)
 
     def ask(self, *words):
@@ -138,11 +138,11 @@ class Melody:
 class Editor:
     """A running editor."""
 
-    def __init__(self, prefix, screen, *arguments, program_path=None, wrapper=(), cwd=None):
+    def __init__(self, prefix, screen, *arguments, program_path=None, environment=None, cwd=None):
         self.prefix = prefix
         self.screen = screen
         self.path = program_path or program(WINDOWS_BUILD, "Tonex.exe")
-        self.process = prefix.start([*wrapper, "wine", str(self.path), *arguments], cwd=cwd)
+        self.process = prefix.start(["wine", str(self.path), *arguments], environment, cwd=cwd)
         self.hwnd = None
 
     # --- windows
@@ -364,5 +364,5 @@ class Editor:
         return image
 
 
-__all__ = ["ANSWERS", "BUILD", "Editor", "INSTALL_DIR", "Melody", "Prefix", "ROOT", "SCREENS", "SETTINGS", "Screen",
+__all__ = ["ANSWERS", "BUILD", "Editor", "GLOBAL_SETTINGS", "INSTALL_DIR", "Melody", "Prefix", "ROOT", "SCREENS", "SETTINGS", "Screen",
            "WINDOWS_BUILD", "NATIVE_BUILD", "program", "random", "wait_until", "windows_path"]

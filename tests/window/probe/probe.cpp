@@ -5,6 +5,7 @@
 //   processes PROGRAM.exe          their process identifiers
 //   children WINDOW                all windows inside a window
 //   focus WINDOW                   which window of that window's thread has the keyboard
+//   foreground                     the window in front, as the system counts them
 //   press WINDOW ID                presses the button with that identifier
 //   settext WINDOW TEXT            gives a control a text
 //   gettext WINDOW                 the text of a control
@@ -152,6 +153,8 @@ std::string Focus(const Words& words) {
     return Describe(info.hwndFocus, TextOf(info.hwndFocus));
 }
 
+std::string Foreground(const Words&) { return Number(GetForegroundWindow()); }
+
 std::string Press(const Words& words) {
     const HWND dialog = WindowOf(words[1]);
     const int id = std::atoi(words[2].c_str());
@@ -282,6 +285,7 @@ struct Command {
 constexpr Command kCommands[] = {
     {"windows", 2, Windows},   {"processes", 2, Processes}, {"children", 2, Children},
     {"focus", 2, Focus},       {"press", 3, Press},         {"settext", 2, SetText},
+    {"foreground", 1, Foreground},
     {"gettext", 2, GetText},   {"post", 5, Post},           {"drop", 3, Drop},
     {"menu", 2, Menu},         {"toolbar", 2, Toolbar},     {"accessible", 2, Accessible},
     {"combo", 2, Combo},       {"getreg", 3, GetReg},       {"setreg", 3, SetReg},
