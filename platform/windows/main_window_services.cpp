@@ -1,6 +1,7 @@
 // What commands ask of the main window: placement, focus, menus and small windows. Windows-only by nature.
 #include "platform/main_window.h"
 
+#include "platform/events.h"
 #include "platform/windows/dialogs.h"
 #include "platform/windows/main_window.h"
 
@@ -31,6 +32,42 @@ RECT LargeEnough(RECT area) {
     if (area.right - area.left < smallest.cx) area.right = area.left + smallest.cx;
     if (area.bottom - area.top < smallest.cy) area.bottom = area.top + smallest.cy;
     return area;
+}
+
+// ---- the keyboard under Wine ----
+
+constexpr int kOfferLook = 5;           // milliseconds
+constexpr DWORD kOfferPatience = 300;   // milliseconds
+constexpr wchar_t kOfferClass[] = L"STATIC";
+
+bool UnderWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
+
+/// Wine asks a window whether it wants the keyboard by the message that a mouse click would send.
+LRESULT CALLBACK NoteOffer(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_MOUSEACTIVATE) {
+        SetWindowLongPtrW(window, GWLP_USERDATA, TRUE);
+        return MA_ACTIVATE;
+    }
+    return DefWindowProcW(window, message, wparam, lparam);
+}
+
+/// Under Wine a window gets the keyboard only when the window manager offers it. When a player's window closes,
+/// the manager offers it to the main window, which is disabled at that time and has to turn it down; it is not
+/// asked again. So a window of one pixel is offered the keyboard, and hands it on when it closes.
+void TakeKeyboardUnderWine() {
+    if (!UnderWine() || IsIconic(Window()) || !IsWindowVisible(Window())) return;
+    RECT area;
+    GetWindowRect(Window(), &area);
+    HWND small = CreateWindowExW(WS_EX_TOOLWINDOW, kOfferClass, L"", WS_POPUP, static_cast<int>(area.left),
+                                 static_cast<int>(area.top), 1, 1, Window(), nullptr, Hooks().instance, nullptr);
+    if (!small) return;
+    SetWindowLongPtrW(small, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(NoteOffer));
+    ShowWindow(small, SW_SHOW);
+    for (const DWORD begin = GetTickCount(); GetTickCount() - begin < kOfferPatience;) {
+        WaitForEvents(kOfferLook);
+        if (!IsWindow(small) || GetWindowLongPtrW(small, GWLP_USERDATA)) break;
+    }
+    if (IsWindow(small)) DestroyWindow(small);
 }
 
 } // namespace
@@ -90,6 +127,7 @@ void MoveMainWindow(int left, int top) {
 
 void BringMainWindowToForeground() {
     ShowDifferences(TheMainWindow());
+    TakeKeyboardUnderWine();
     SetForegroundWindow(Window());
 }
 
