@@ -75,6 +75,8 @@ void CreateControls(MainWindow& main, HINSTANCE instance) {
     CreateToolbar(main, instance);
     for (int i = 0; i < kPanels; ++i) CreatePanel(main.panels[i], *kKinds[i], main, instance);
     CreateTempo(main, instance);
+    // The panel of the lengths reaches around the tempo box, which must stay in front of it to be clicked.
+    SetWindowPos(main.panel(PanelId::Lengths).window, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 // ---- showing what differs ----

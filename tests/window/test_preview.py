@@ -611,7 +611,8 @@ def test_closing_while_converting_is_refused(longest, stand_in, screen):
     assert screen.find(CONVERTING) is not None, "the close came too late to be a test"
     wait_until(stand_in.starts, 60, "the player")
     wait_back(longest, 60)
-    still_works(longest)
+    longest.screen.key("shift+right")
+    wait_selected(longest, [0, 1])
 
 
 @pytest.mark.parametrize("way", ["message", "key"])
