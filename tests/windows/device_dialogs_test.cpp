@@ -266,16 +266,22 @@ TEST(DeviceNames, AreJudged) {
         return JudgeName(L"\\System\\sound", name, kLinkBufferSize);
     };
     EXPECT_EQ(judge(L"tune.snd"), NameVerdict::Good);
-    EXPECT_EQ(judge(L"two words.snd"), NameVerdict::Good);
+    EXPECT_EQ(judge(L"a word.snd"), NameVerdict::Good);
     EXPECT_EQ(judge(L"com10.snd"), NameVerdict::Good);
     EXPECT_EQ(judge(L""), NameVerdict::Empty);
     for (const wchar_t* name : {L"a\\b.snd", L"a/b.snd", L"a:b.snd", L"a*.snd", L"a?.snd", L"a\".snd",
                                 L"a<.snd", L"a>.snd", L"a|.snd", L"a\tb.snd", L".snd", L"CON.snd", L"nul.snd",
                                 L"Com1.snd", L"lpt9.snd", L"\u4E00\U0001F3B5.snd"})
         EXPECT_EQ(judge(name), NameVerdict::NotAName) << name;
-    EXPECT_EQ(judge(std::wstring(181, L'a') + L".snd"),
-              NameVerdict::Good); // 14 + 185 = 199 characters and a NUL
-    EXPECT_EQ(judge(std::wstring(182, L'a') + L".snd"), NameVerdict::TooLong);
+    EXPECT_EQ(judge(L"eightchr.snd"), NameVerdict::Good);
+    EXPECT_EQ(judge(L"ninechars.snd"), NameVerdict::MoreThanEight);
+    EXPECT_EQ(judge(L"a.b.c.d.e.snd"), NameVerdict::MoreThanEight);
+    EXPECT_EQ(judge(L"a.b.c.d.snd"), NameVerdict::Good);
+    const auto judge_in = [](std::size_t folder_length) {
+        return JudgeName(L"\\" + std::wstring(folder_length - 1, L'f'), L"tune.snd", kLinkBufferSize);
+    };
+    EXPECT_EQ(judge_in(190), NameVerdict::Good); // 190 + 1 + 8 = 199 characters and a NUL
+    EXPECT_EQ(judge_in(191), NameVerdict::TooLong);
 }
 
 TEST(Disconnection, TellsWhereTheMelodiesAre) {

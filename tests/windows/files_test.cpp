@@ -311,16 +311,18 @@ TEST(TemporaryFolder, EndsWithABackslashAndIsThere) {
     EXPECT_TRUE(IsFolder(folder.substr(0, folder.size() - 1)));
 }
 
-TEST(TemporaryFolder, OfATooLongNameIsEmpty) {
-    const std::wstring name = L"C:\\" + std::wstring(60, L'a') + L"\\" + std::wstring(60, L'b') + L"\\";
-    {
+TEST(TemporaryFolder, FitsTheBufferWithItsNulOrIsEmpty) {
+    const std::wstring start = L"C:\\" + std::wstring(90, L'a') + L"\\" + std::wstring(90, L'b') + L"\\";
+    const auto with_length = [&](std::size_t length) {
+        const std::wstring name = start + std::wstring(length - start.size() - 1, L'c') + L"\\";
         const Environment tmp(L"TMP", name), temp(L"TEMP", name);
-        EXPECT_EQ(TemporaryFolder(), name);
-    }
-    const std::wstring too_long = name + std::wstring(60, L'c') + L"\\" + std::wstring(80, L'd') + L"\\";
-    ASSERT_GE(too_long.size(), 256u);
-    const Environment tmp(L"TMP", too_long), temp(L"TEMP", too_long);
-    EXPECT_EQ(TemporaryFolder(), L"");
+        return TemporaryFolder().size();
+    };
+    EXPECT_EQ(with_length(200), 200u);
+    EXPECT_EQ(with_length(255), 255u);
+    EXPECT_EQ(with_length(256), 0u);
+    EXPECT_EQ(with_length(258), 0u);
+    EXPECT_EQ(with_length(300), 0u);
 }
 
 TEST(TemporaryFile, IsMadeWithPrefixAndANumber) {

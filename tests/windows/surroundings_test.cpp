@@ -199,3 +199,7 @@ TEST(Help, AMissingFileOrOneOfAnotherKindOpensNothing) {
     WriteBytes(folder / L"Veloxa.hlp", "?_\x03"); // the mark, cut
     EXPECT_FALSE(OpenHelpFile(folder / L"Veloxa.hlp", 261, L""));
 }
+
+TEST(Help, WithoutAGuideBesideTheProgramNoneIsOpened) {
+    EXPECT_FALSE(OpenHelpGuide());
+}
