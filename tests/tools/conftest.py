@@ -80,6 +80,24 @@ class Sndtool:
         return done.stderr.decode()
 
 
+@pytest.fixture(scope="session")
+def warm_wine():
+    """Keeps Wine's services up while the tests run. Each test would wait for them to start otherwise, and for
+    their end too, as services that a test starts hold its pipes."""
+    shell = subprocess.Popen(["wine", "cmd"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                             stderr=subprocess.DEVNULL)
+    shell.stdin.write(b"echo re^ady\r\n")
+    shell.stdin.flush()
+    assert any(b"ready" in line for line in shell.stdout), "Wine does not start"
+    yield
+    shell.stdin.write(b"exit\r\n")
+    shell.stdin.close()
+    shell.wait(timeout=TIMEOUT)
+    shell.stdout.close()
+
+
 @pytest.fixture
 def sndtool(request, tmp_path):
+    if programs()[request.param][0]:
+        request.getfixturevalue("warm_wine")
     return Sndtool(request.param, tmp_path)

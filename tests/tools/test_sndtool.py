@@ -38,7 +38,9 @@ def test_no_command_is_wrong_usage(sndtool):
 @pytest.mark.parametrize("arguments", [
     ["bogus"], ["--bogus"], ["info"], ["check"], ["wav"], ["text"], ["build"], ["info", "--bogus", "x"],
     ["text", "a.snd", "b.snd"], ["wav", "a.snd", "-o"], ["check", "--json", "a.snd"], ["wav", "--fit", "a.snd"],
-    ["info", "-o", "x", "a.snd"], ["-"], ["info", "-", "-"], ["check", "-", "-"], ["wav", "-", "-", "-o", "-"],
+    ["info", "-o", "x", "a.snd"], ["check", ""], ["text", ""],
+    ["wav", "a.snd", "-o", ""], ["build", "a.txt", ""], ["text", "a.snd", "[b]"],
+    ["-"], ["info", "-", "-"], ["check", "-", "-"], ["wav", "-", "-", "-o", "-"],
 ], ids=" ".join)
 def test_wrong_usage(sndtool, arguments):
     done = sndtool(*arguments)
@@ -394,7 +396,21 @@ def test_names_without_an_extension_get_one(sndtool, tmp_path):
 
 def test_names_that_start_with_a_dash_stand_behind_two(sndtool, tmp_path):
     (tmp_path / "-x.snd").write_bytes(EXAMPLE_SND)
-    assert sndtool.good("check", "--", "-x.snd").replace(b"\r", b"") == b"-x.snd: good\n"
+    (tmp_path / "a.snd").write_bytes(EXAMPLE_SND)
+    assert sndtool.good("check", "--", "-x.snd") == b"-x.snd: good\n"
+    assert sndtool.good("check", "a.snd", "--", "-x.snd", "a.snd") == (
+        b"a.snd: good\n-x.snd: good\na.snd: good\n")
+    sndtool.good("wav", "-o", "out.wav", "--", "-x.snd")
+    assert (tmp_path / "out.wav").is_file()
+    assert sndtool.good("check", "--", "-", stdin=EXAMPLE_SND) == b"-: good\n"
+
+
+def test_names_in_brackets_are_no_lists(sndtool, tmp_path):
+    for name in ["[z]", "[a,b]", "[]"]:
+        (tmp_path / name).write_bytes(EXAMPLE_SND)
+        assert sndtool.good("check", name).decode() == f"{name}: good\n"
+        sndtool.good("wav", name, "-o", f"[{name}]")
+        assert (tmp_path / f"[{name}]").is_file()
 
 
 def test_an_input_larger_than_any_melody(sndtool, tmp_path):

@@ -21,6 +21,34 @@ constexpr const char* kFooter =
     "A file named - is standard input or output.\n"
     "Exit status: 0 good, 1 bad input or an output that can not be written, 2 wrong usage.";
 
+/// Put in front of a name that the parser would take for something else; no name starts with it.
+constexpr char kNameMark = '\x01';
+
+/// Marks the names that the parser would misread: what stands behind "--", and what is in brackets, which it
+/// takes for a list.
+std::vector<std::string> MarkNames(const std::vector<std::string>& given) {
+    std::vector<std::string> marked;
+    bool names_only = false;
+    for (const std::string& argument : given) {
+        if (!names_only && argument == "--") {
+            names_only = true;
+            continue;
+        }
+        const bool bracketed = argument.starts_with('[') && argument.ends_with(']');
+        const bool dashed = names_only && argument.size() > 1 && argument[0] == '-';
+        marked.push_back(bracketed || dashed ? kNameMark + argument : argument);
+    }
+    return marked;
+}
+
+void UnmarkNames(std::string& text) {
+    std::erase(text, kNameMark);
+}
+
+std::string RefuseEmpty(const std::string& name) {
+    return name.empty() ? "a name is empty" : "";
+}
+
 void DescribeCommands(CLI::App& app, Options& options) {
     app.allow_windows_style_options(false); // a path may start with a slash
     app.require_subcommand(1);
@@ -28,10 +56,10 @@ void DescribeCommands(CLI::App& app, Options& options) {
     app.footer(kFooter);
 
     const auto files = [&](CLI::App* command, const char* name, const char* help) {
-        command->add_option(name, options.files, help)->required()->option_text("...");
+        command->add_option(name, options.files, help)->required()->check(RefuseEmpty)->option_text("...");
     };
     const auto output = [&](CLI::App* command, const char* help) {
-        command->add_option("-o,--output", options.output, help)->option_text("OUT|DIR");
+        command->add_option("-o,--output", options.output, help)->check(RefuseEmpty)->option_text("OUT|DIR");
     };
 
     CLI::App* info = app.add_subcommand("info", "Tell tempo, timing mode, entries, notes and duration");
@@ -46,7 +74,11 @@ void DescribeCommands(CLI::App& app, Options& options) {
     output(wav, "File, folder or -; without it IN.wav beside each file");
 
     CLI::App* text = app.add_subcommand("text", "Print a SND file as melody text");
-    text->add_option("IN.snd", options.files, "SND file")->required()->expected(1)->option_text(" ");
+    text->add_option("IN.snd", options.files, "SND file")
+        ->required()
+        ->expected(1)
+        ->check(RefuseEmpty)
+        ->option_text(" ");
 
     CLI::App* build = app.add_subcommand("build", "Build SND files from melody text");
     files(build, "IN.txt", "Melody text");
@@ -59,7 +91,9 @@ int AnswerParseEnd(const CLI::App& app, const CLI::ParseError& end) {
     std::ostringstream out;
     std::ostringstream err;
     const int code = app.exit(end, out, err);
-    WriteErrorText(err.str());
+    std::string message = err.str();
+    UnmarkNames(message);
+    WriteErrorText(message);
     if (code != 0) return kExitWrongUsage;
     return WriteText(out.str()) ? kExitGood : kExitBadInput;
 }
@@ -74,7 +108,7 @@ int RunCommand(const CLI::App& app, const Options& options) {
 }
 
 int RunSndtool(int count, char** given) {
-    std::vector<std::string> arguments = StartConsole(count, given);
+    std::vector<std::string> arguments = MarkNames(StartConsole(count, given));
     Options options;
     CLI::App app("Sound Editor's companion: looks at, checks, converts and builds melody files (SND)",
                  "sndtool");
@@ -85,6 +119,9 @@ int RunSndtool(int count, char** given) {
     } catch (const CLI::ParseError& end) {
         return AnswerParseEnd(app, end);
     }
+    for (std::string& file : options.files)
+        UnmarkNames(file);
+    UnmarkNames(options.output);
     return RunCommand(app, options);
 }
 
