@@ -68,6 +68,8 @@ constexpr short kRowHeight = 14;
 constexpr short kLabelWidth = 40;
 constexpr short kButtonWidth = 50;
 
+constexpr std::size_t kNameBytes = 8; // of the organiser's file names, without the extension
+
 constexpr const wchar_t* kTitles[] = {L"Open on Veloxa", L"Save to Veloxa as"};
 constexpr const wchar_t* kAccept[] = {L"&Open", L"&Save"};
 
@@ -254,6 +256,9 @@ bool AcceptTypedName(HWND dialog, DeviceDialog& shown) {
         Complain(dialog, L"This can not be the name of a melody. A name has none of the characters\r\n"
                          L"\\ / : * ? \" < > |");
         return false;
+    case NameVerdict::MoreThanEight:
+        Complain(dialog, L"File name cannot exceed 8 characters.  Change the file name.");
+        return false;
     case NameVerdict::TooLong: Complain(dialog, L"This name is too long."); return false;
     }
     if (DeviceFileExists(*shown.device, shown.folder + L"\\" + name)) {
@@ -349,6 +354,7 @@ NameVerdict JudgeName(std::wstring_view device_folder, std::wstring_view name, s
         return NameVerdict::NotAName;
     if (name.front() == L'.' || IsDeviceName(name.substr(0, name.find(L'.')))) return NameVerdict::NotAName;
     if (!FitsAnsi(name)) return NameVerdict::NotAName;
+    if (ToAnsi(name.substr(0, name.rfind(L'.'))).size() > kNameBytes) return NameVerdict::MoreThanEight;
     const std::string path = ToAnsi(device_folder) + "\\" + ToAnsi(name);
     return path.size() < static_cast<std::size_t>(std::max(size, 0)) ? NameVerdict::Good
                                                                      : NameVerdict::TooLong;

@@ -18,12 +18,13 @@
 namespace tonex {
 
 /// What a save dialog thinks of a name before it closes.
-enum class NameVerdict { Good, Empty, NotAName, TooLong };
+enum class NameVerdict { Good, Empty, NotAName, MoreThanEight, TooLong };
 
 /// The file name that is meant by what a user typed: without blanks around it and with the extension.
 std::wstring CompletedName(std::wstring_view typed, std::wstring_view extension);
 
-/// Whether a name can be a file of the folder, asked for through a buffer of `size` characters.
+/// Whether a name can be a file of the folder, asked for through a buffer of `size` characters. The organiser's
+/// names have at most 8 bytes before the extension; a double-byte character counts as two.
 NameVerdict JudgeName(std::wstring_view device_folder, std::wstring_view name, std::int32_t size);
 
 // The two file dialogs of the link libraries: a list of the folder's files and, to save, a name. Modal to the
