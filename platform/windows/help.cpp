@@ -46,19 +46,32 @@ bool OpenHelpFile(const std::wstring& path, std::uint32_t command, const std::ws
     const auto help = LibraryFunction<HelpFunction>(GetModuleHandleW(L"user32.dll"), "WinHelpW");
     if (!help) return false;
     const InProgramFolder no_document_folder;
+    // A reader that does not know the command asked for, as Wine's does not know the key search, still shows the
+    // contents.
+    help(Hooks().main_window, path.c_str(), HELP_CONTENTS, 0);
     return help(Hooks().main_window, path.c_str(), command, reinterpret_cast<ULONG_PTR>(key.c_str())) != 0;
 }
 
 bool OpenHelpGuide() {
     const std::wstring guide = ProgramFolder() + L"\\Veloxa.htm";
     if (PathExists(guide, kAttributeHidden | kAttributeSystem).empty()) return false;
-    using ShellFunction =
-        HINSTANCE(WINAPI*)(HWND, const wchar_t*, const wchar_t*, const wchar_t*, const wchar_t*, INT);
-    const auto open = LibraryFunction<ShellFunction>(SystemLibrary(L"shell32.dll"), "ShellExecuteW");
+    using ShellFunction = BOOL(WINAPI*)(SHELLEXECUTEINFOW*);
+    const auto open = LibraryFunction<ShellFunction>(SystemLibrary(L"shell32.dll"), "ShellExecuteExW");
     if (!open) return false;
-    const HINSTANCE result =
-        open(Hooks().main_window, L"open", guide.c_str(), nullptr, ProgramFolder().c_str(), SW_SHOWNORMAL);
-    return reinterpret_cast<INT_PTR>(result) > 32; // smaller numbers are error codes
+    const std::wstring folder = ProgramFolder();
+    SHELLEXECUTEINFOW document = {};
+    document.cbSize = sizeof document;
+    document.fMask = SEE_MASK_FLAG_NO_UI;
+    document.hwnd = Hooks().main_window;
+    document.lpVerb = L"open";
+    document.lpFile = guide.c_str();
+    document.lpDirectory = folder.c_str();
+    document.nShow = SW_SHOWNORMAL;
+    if (open(&document)) return true;
+    // Where nothing is set up for the ending .htm, as in a fresh Wine, there may still be a program for HTML pages.
+    document.fMask |= SEE_MASK_CLASSNAME;
+    document.lpClass = L"htmlfile";
+    return open(&document) != 0;
 }
 
 std::wstring ProgramFolder() {
