@@ -86,7 +86,7 @@ HWND CreateConvertWindow(MainWindow& main) {
     HWND made = CreateDialogParamW(Hooks().instance, MAKEINTRESOURCEW(IDD_CONVERT), main.window, ConvertProc, 0);
     if (!made) return nullptr;
     const ConvertWindow& convert = main.record.FrmWavConvert;
-    const Scale& scale = main.theme.scale;
+    const Scale& scale = main.screen_scale;
     SetWindowPos(made, nullptr, ToPixelsX(scale, convert.Left), ToPixelsY(scale, convert.Top), 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     ShowWindow(made, SW_SHOWNOACTIVATE);

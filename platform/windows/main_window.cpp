@@ -25,6 +25,7 @@ namespace {
 
 constexpr const wchar_t* kMainClass = L"TonexMain";
 constexpr const wchar_t* kOwnerClass = L"TonexApplication";
+constexpr Rect kNowhere = {-1, -1, -1, -1}; ///< a place that no control has
 constexpr const PanelKind* kKinds[kPanels] = {&kStaffPanel, &kGridPanel, &kLengthPanel, &kPianoPanel};
 
 // ---- controls ----
@@ -90,7 +91,7 @@ void PlacePanel(MainWindow& main, PanelId id) {
     panel.origin_x = place.Left;
     panel.origin_y = place.Top;
     RECT area = ToPixels(main.theme.scale, place);
-    MoveWindow(panel.window, area.left, area.top, area.right - area.left, area.bottom - area.top, FALSE);
+    MoveWindow(panel.window, area.left, area.top, area.right - area.left, area.bottom - area.top, TRUE);
     InvalidateRect(panel.window, nullptr, FALSE);
 }
 
@@ -270,10 +271,21 @@ void ShowEnabled(MainWindow& main) {
     EnableWindow(main.window, main.record.Enabled);
 }
 
+/// The bar goes on with every note, but the system takes milliseconds to draw it: for a short melody longer than
+/// the whole conversion. Steps that nobody could tell apart are left out.
+constexpr DWORD kBarPause = 40; // milliseconds
+
+bool IsBarStepTooSoon(const MainWindow& main) {
+    const ConvertWindow& convert = main.record.FrmWavConvert;
+    if (!convert.Loaded || !main.shown.convert.Loaded) return false;
+    return GetTickCount() - main.shown.convert_at < kBarPause;
+}
+
 void ShowConvert(MainWindow& main) {
-    if (main.record.FrmWavConvert == main.shown.convert) return;
+    if (main.record.FrmWavConvert == main.shown.convert || IsBarStepTooSoon(main)) return;
     main.shown.convert = main.record.FrmWavConvert;
     ShowConvertWindow(main);
+    main.shown.convert_at = GetTickCount();
 }
 
 // ---- events ----
@@ -319,9 +331,7 @@ void MenuOpens(MainWindow& main, HMENU menu) {
 
 void Resized(MainWindow& main, LPARAM size) {
     if (!main.up || LOWORD(size) == 0) return;
-    SendMessageW(main.toolbar, TB_AUTOSIZE, 0, 0);
-    const int width = ToTwipsX(main.theme.scale, LOWORD(size)), height = ToTwipsY(main.theme.scale, HIWORD(size));
-    LayoutWindow(main.record, std::max(width, kMinClientWidth), std::max(height, kMinClientHeight));
+    FitContent(main);
     ShowDifferences(main);
 }
 
@@ -415,6 +425,21 @@ LRESULT CALLBACK MainProc(HWND window, UINT message, WPARAM wparam, LPARAM lpara
     }
 }
 
+/// Everything is drawn again at another scale: nothing that was placed or drawn counts any more.
+void Magnify(MainWindow& main, const Scale& scale) {
+    Fonts old = main.theme.fonts;
+    main.theme.scale = scale;
+    main.theme.fonts = CreateFonts(scale, main.screen_scale.twips_per_pixel_y / scale.twips_per_pixel_y);
+    for (HWND control : {main.tempo, main.tempo_caption, main.tempo_label, main.length_caption})
+        SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), FALSE);
+    for (const Panel& panel : main.panels)
+        if (panel.tooltip) SendMessageW(panel.tooltip, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), FALSE);
+    DeleteFonts(old);
+    SizeToolbar(main);
+    for (Rect& place : main.shown.places) place = kNowhere;
+    RedrawWindow(main.window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
 // ---- creation ----
 
 void RegisterClasses(HINSTANCE instance) {
@@ -449,13 +474,14 @@ void ForgetShown(Shown& shown) {
     shown.black.fill(0x01000000);
     shown.toolbar.fill(true);
     shown.Cols = -1;
-    for (Rect& place : shown.places) place = {-1, -1, -1, -1};
+    for (Rect& place : shown.places) place = kNowhere;
 }
 
 } // namespace
 
 SIZE MinimumWindowSize(const MainWindow& main) {
-    RECT area = {0, 0, ToPixelsX(main.theme.scale, kMinClientWidth), ToPixelsY(main.theme.scale, kMinClientHeight)};
+    RECT area = {0, 0, ToPixelsX(main.screen_scale, kMinClientWidth),
+                 ToPixelsY(main.screen_scale, kMinClientHeight)};
     AdjustWindowRectEx(&area, WS_OVERLAPPEDWINDOW, TRUE, WS_EX_APPWINDOW);
     return {area.right - area.left, area.bottom - area.top};
 }
@@ -464,9 +490,10 @@ bool CreateMainWindow(HINSTANCE instance) {
     MainWindow& main = TheMainWindow();
     ForgetShown(main.shown);
     main.record.screen = MeasureScreen();
-    main.theme.scale = {main.record.screen.twips_per_pixel_x, main.record.screen.twips_per_pixel_y};
+    main.screen_scale = {main.record.screen.twips_per_pixel_x, main.record.screen.twips_per_pixel_y};
+    main.theme.scale = main.screen_scale;
     main.theme.colours = ReadColours();
-    main.theme.fonts = CreateFonts(main.theme.scale);
+    main.theme.fonts = CreateFonts(main.theme.scale, 1);
     main.menu = CreateMainMenu();
     RegisterClasses(instance);
     main.owner = CreateWindowExW(0, kOwnerClass, L"Sound Editor", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, instance, nullptr);
@@ -480,6 +507,16 @@ bool CreateMainWindow(HINSTANCE instance) {
     CreateControls(main, instance);
     DragAcceptFiles(main.window, TRUE);
     return true;
+}
+
+void FitContent(MainWindow& main) {
+    RECT client;
+    GetClientRect(main.window, &client);
+    const Scale fitting = MagnifiedToFit(main.screen_scale, kMinClientWidth, kMinClientHeight, {client.right, client.bottom});
+    if (fitting.twips_per_pixel_y != main.theme.scale.twips_per_pixel_y) Magnify(main, fitting);
+    SendMessageW(main.toolbar, TB_AUTOSIZE, 0, 0);
+    LayoutWindow(main.record, ToTwipsX(fitting, static_cast<int>(client.right)),
+                 ToTwipsY(fitting, static_cast<int>(client.bottom)));
 }
 
 void ShowDifferences(MainWindow& main) {

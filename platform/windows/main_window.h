@@ -32,12 +32,14 @@ struct Shown {
     std::array<bool, kToolButtons> toolbar{};
     std::array<Rect, kPanels + 4> places{};
     ConvertWindow convert;
+    DWORD convert_at = 0; ///< tick count when the converting window was drawn last
 };
 
 struct MainWindow {
     sndmain record; ///< the truth
     Shown shown;
     Theme theme;
+    Scale screen_scale; ///< the screen's own; the theme's is larger in a large window
     HWND owner = nullptr; ///< hidden application window; what finds a running copy asks for an owned window
     HWND window = nullptr;
     HWND toolbar = nullptr;
@@ -66,6 +68,9 @@ void ShowDifferences(MainWindow& main);
 /// Ctrl and function keys, Tab and the panes; true when the message was used up.
 bool TranslateMainKey(MainWindow& main, const MSG& message);
 
+/// Lays the content out for the client area as it is, as large as fits.
+void FitContent(MainWindow& main);
+
 /// Pixels between the outer window and its client area at the smallest size.
 SIZE MinimumWindowSize(const MainWindow& main);
 
@@ -73,6 +78,7 @@ SIZE MinimumWindowSize(const MainWindow& main);
 HMENU CreateMainMenu();
 void CreateToolbar(MainWindow& main, HINSTANCE instance);
 void LoadToolbarPictures(MainWindow& main);
+void SizeToolbar(MainWindow& main);
 inline constexpr UINT kFirstMenuId = 1000;
 inline constexpr UINT kFirstToolId = 1200;
 inline constexpr UINT kTempoId = 1300;

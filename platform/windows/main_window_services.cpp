@@ -110,7 +110,7 @@ int MainWindowBorderStyle() {
 WindowSize MainWindowSize() {
     RECT area;
     GetWindowRect(Window(), &area);
-    const Scale& scale = TheMainWindow().theme.scale;
+    const Scale& scale = TheMainWindow().screen_scale;
     return {ToTwipsX(scale, static_cast<int>(area.right - area.left)),
             ToTwipsY(scale, static_cast<int>(area.bottom - area.top))};
 }
@@ -118,7 +118,7 @@ WindowSize MainWindowSize() {
 void MoveMainWindow(int left, int top) {
     RECT area;
     GetWindowRect(Window(), &area);
-    const Scale& scale = TheMainWindow().theme.scale;
+    const Scale& scale = TheMainWindow().screen_scale;
     OffsetRect(&area, ToPixelsX(scale, left) - static_cast<int>(area.left), ToPixelsY(scale, top) - static_cast<int>(area.top));
     area = OntoScreen(area);
     SetWindowPos(Window(), nullptr, static_cast<int>(area.left), static_cast<int>(area.top), 0, 0,

@@ -120,6 +120,14 @@ void LoadToolbarPictures(MainWindow& main) {
     replace(TB_SETDISABLEDIMAGELIST, MakeImageList(main, true));
 }
 
+void SizeToolbar(MainWindow& main) {
+    const int icon = Scaled(main.theme.scale, kIconSize);
+    SendMessageW(main.toolbar, TB_SETBITMAPSIZE, 0, MAKELPARAM(icon, icon));
+    LoadToolbarPictures(main);
+    const int button = Scaled(main.theme.scale, kIconSize + 10);
+    SendMessageW(main.toolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(button, button));
+}
+
 void CreateToolbar(MainWindow& main, HINSTANCE instance) {
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_BAR_CLASSES | ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&controls);
@@ -127,11 +135,7 @@ void CreateToolbar(MainWindow& main, HINSTANCE instance) {
                                    0, 0, 0, 0, main.window, nullptr, instance, nullptr);
     SendMessageW(main.toolbar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     SendMessageW(main.toolbar, TB_SETMAXTEXTROWS, 0, 0); // names without room: shown as tooltips only
-    const int icon = Scaled(main.theme.scale, kIconSize);
-    SendMessageW(main.toolbar, TB_SETBITMAPSIZE, 0, MAKELPARAM(icon, icon));
-    LoadToolbarPictures(main);
-    const int button = Scaled(main.theme.scale, kIconSize + 10);
-    SendMessageW(main.toolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(button, button));
+    SizeToolbar(main);
     AddButtons(main.toolbar);
     SendMessageW(main.toolbar, TB_AUTOSIZE, 0, 0);
 }

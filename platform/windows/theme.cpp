@@ -1,6 +1,8 @@
 // Scale, colours and fonts. Windows-only because system colours, fonts and DPI are the system's.
 #include "platform/windows/theme.h"
 
+#include "pictures/glyphs.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -136,8 +138,9 @@ Colours ReadColours() {
     return c;
 }
 
-Fonts CreateFonts(const Scale& scale) {
-    const LOGFONTW message = MessageFont();
+Fonts CreateFonts(const Scale& scale, float magnified) {
+    LOGFONTW message = MessageFont();
+    message.lfHeight = std::lround(static_cast<float>(message.lfHeight) * magnified);
     const LOGFONTW japanese = JapaneseFont(message);
     const int height = std::max<int>(Scaled(scale, 12), std::abs(static_cast<int>(message.lfHeight)));
     const int cell = ToPixelsX(scale, 390) - Scaled(scale, 3);
@@ -149,6 +152,25 @@ Fonts CreateFonts(const Scale& scale) {
     fonts.key = FittingFont(message, Scaled(scale, 11), key, L"g8#");
     fonts.key_japanese = FittingFont(japanese, Scaled(scale, 11), key, L"\x30C9#");
     return fonts;
+}
+
+void DeleteFonts(Fonts& fonts) {
+    for (HFONT font : {fonts.ui, fonts.cell, fonts.cell_japanese, fonts.key, fonts.key_japanese})
+        if (font) DeleteObject(font);
+    fonts = {};
+}
+
+Scale MagnifiedToFit(const Scale& screen, int content_width, int content_height, SIZE window) {
+    constexpr int kStep = 2;          // pixels a staff space grows
+    constexpr float kMostTimes = 4;   // larger than any screen of today needs
+    const float own_space = kStaffSpace / screen.twips_per_pixel_y;
+    Scale best = screen;
+    for (float space = own_space; space <= kMostTimes * own_space; space += kStep) {
+        const Scale larger{screen.twips_per_pixel_x * own_space / space, kStaffSpace / space};
+        if (ToPixelsX(larger, content_width) > window.cx || ToPixelsY(larger, content_height) > window.cy) break;
+        best = larger;
+    }
+    return best;
 }
 
 HFONT FontFor(std::wstring_view text, HFONT latin, HFONT japanese) {

@@ -58,8 +58,13 @@ int Hairline(const Scale& scale);
 
 /// Reads colours from the system; again after WM_SYSCOLORCHANGE.
 Colours ReadColours();
-/// Creates the fonts, sized so that the widest name fits a grid cell and a key.
-Fonts CreateFonts(const Scale& scale);
+/// Creates the fonts, sized so that the widest name fits a grid cell and a key. `magnified` is how much larger
+/// than on the screen's own scale the window's content is.
+Fonts CreateFonts(const Scale& scale, float magnified);
+void DeleteFonts(Fonts& fonts);
+/// The largest magnification of the screen's scale at which content of the size given still fits a window: the
+/// space between two staff lines grows by two pixels a step, so that lines and note heads stay on whole pixels.
+Scale MagnifiedToFit(const Scale& screen, int content_width, int content_height, SIZE window);
 /// The font for a text: the Japanese one when the text has characters beyond Latin.
 HFONT FontFor(std::wstring_view text, HFONT latin, HFONT japanese);
 /// Between two colours, `share` 0 to 255 of the second.

@@ -1,5 +1,4 @@
 // The program's entry: window, start-up, messages. Windows-only by nature.
-#include "app/layout.h"
 #include "app/startup.h"
 #include "platform/windows/main_window.h"
 
@@ -18,15 +17,6 @@ std::wstring CommandLinePath() {
     std::wstring path = text;
     while (!path.empty() && (path.back() == L' ' || path.back() == L'\t')) path.pop_back();
     return path;
-}
-
-void LayOutToFit(tonex::MainWindow& main) {
-    RECT client;
-    GetClientRect(main.window, &client);
-    const int width = tonex::ToTwipsX(main.theme.scale, static_cast<int>(client.right));
-    const int height = tonex::ToTwipsY(main.theme.scale, static_cast<int>(client.bottom));
-    tonex::LayoutWindow(main.record, width > tonex::kMinClientWidth ? width : tonex::kMinClientWidth,
-                        height > tonex::kMinClientHeight ? height : tonex::kMinClientHeight);
 }
 
 int RunMessages(tonex::MainWindow& main) {
@@ -50,7 +40,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show) {
         return 0;
     }
     main.up = true;
-    LayOutToFit(main);
+    tonex::FitContent(main);
     tonex::ShowDifferences(main);
     ShowWindow(main.window, show == SW_SHOWDEFAULT || show == SW_SHOWNORMAL ? main.first_show : show);
     UpdateWindow(main.window);

@@ -177,3 +177,32 @@ def test_high_contrast_colours_are_respected(screen, tmp_path):
         prefix.end()
 
 
+
+
+def test_a_much_larger_window_magnifies_its_content(start, melody):
+    """Staff spaces grow by whole pixels, keys and buttons with them; back at the old size all is as it was."""
+    editor = start(windows_path(melody("ZOOM.SND", "tempo 120\n" + "c5 1/4\n" * 8)))
+    window = editor.screen.find("Sound Editor - ")
+    client = editor.main()["client"]
+    width, height = client[2] - client[0], client[3] - client[1]
+    rect = editor.screen.rect_of(window)
+    before = editor.child("TonexStaff")["rect"]
+
+    def staff_width():
+        staff = editor.child("TonexStaff")["rect"]
+        return staff[2] - staff[0]
+
+    def resize(times):
+        window.configure(width=round(rect[2] + (times - 1) * width), height=round(rect[3] + (times - 1) * height))
+        editor.screen.display.sync()
+
+    resize(1.6)
+    wait_until(lambda: staff_width() >= 1.5 * (before[2] - before[0]), 5, "the larger staff")
+    editor.picture("magnified.png")
+    test_no_controls_overlap_and_all_lie_inside_the_window(editor)
+    test_grid_columns_stand_under_the_strip(editor)
+    editor.click_key("e5")
+    wait_until(lambda: len(editor.cells()) == 10, 5, "a note by the larger keys")
+    resize(1)
+    wait_until(lambda: staff_width() == before[2] - before[0], 5, "the staff as it was")
+    test_no_controls_overlap_and_all_lie_inside_the_window(editor)
