@@ -91,7 +91,8 @@ void DrawFlags(Pen& pen, int count, float stem_left, float end, bool up, float l
         Put(pen, kFlag, stem_left, end, wide, way * length / (kFlagHeight * pen.unit));
         return;
     }
-    const float step = length * (count == 2 ? 0.38F : 0.27F);
+    // Whole pixels apart, so that all of them look alike.
+    const float step = std::max(1.0F, WholePixel(length * (count == 2 ? 0.38F : 0.28F)));
     const float height = length - step * static_cast<float>(count - 1);
     for (int i = 0; i < count; ++i)
         Put(pen, kInnerFlag, stem_left, end + way * step * static_cast<float>(i), wide,
@@ -106,7 +107,8 @@ float FlagLength(const Pen& pen, const NotePlan& plan, bool dots_below) {
     const float stem = std::abs(plan.head_y - plan.stem_end);
     // Beside a very short stem they reach down to the head, which is better than flags pressed flat.
     const float wish = std::max(stem * kShare[FlagsOf(plan.form)], kLeast[FlagsOf(plan.form)] * pen.unit);
-    float room = stem - 0.56F * pen.unit;
+    // A flag that rises from below ends right of the head's lowest part.
+    float room = stem - (FlagsOf(plan.form) > 2 ? 0.4F : 0.48F) * pen.unit;
     if (plan.up && plan.form.dots == 0) room = stem + 0.4F * pen.unit;
     if (plan.up && plan.form.dots > 0)
         room = stem - (dots_below ? -0.1F : plan.head_on_line ? 0.84F : 0.36F) * pen.unit;
@@ -238,6 +240,9 @@ NoteForm FormOf(int picture) {
     return kForms[(picture - 1) % kNotes];
 }
 
+/// What a length in single precision may lack of a whole pixel.
+constexpr float kRounding = 0.002F;
+
 /// A picture's box of twips in pixels; where it ends on a whole pixel, rounding must not add one more.
 struct PixelBox {
     float left, top, right, bottom;
@@ -249,7 +254,6 @@ PixelBox BoxOf(int width, int height, float scale, float origin_x, float origin_
 }
 
 Raster BoxRaster(const PixelBox& box) {
-    constexpr float kRounding = 0.002F;
     return MakeRaster(static_cast<int>(std::ceil(box.right - kRounding)),
                       static_cast<int>(std::ceil(box.bottom - kRounding)));
 }
@@ -302,10 +306,13 @@ void DrawStripNote(Pen& pen, int picture, bool sharp, float scale, const PixelBo
     const float edge = plan.up ? left + 2 * half - line : left;
     const float shift = plan.form.division == 1 ? 0 : WholePixel(edge) - edge;
     plan.head_x += shift;
-    plan.head_y = edges.top + static_cast<float>(kHeadCentre - staff_offset) * scale + line / 2;
-    plan.stem_end = plan.up ? std::ceil(edges.top) : std::floor(edges.bottom + 0.002F);
+    // Lines and spaces are whole steps of 60 twips apart and share their fraction of a pixel: a head follows
+    // the row that a line at its height would have.
+    const float head = edges.top + static_cast<float>(kHeadCentre - staff_offset) * scale;
+    plan.head_y = static_cast<float>(StaffLineRow(head)) + line / 2;
+    plan.stem_end = plan.up ? std::ceil(edges.top) : std::floor(edges.bottom + kRounding);
     const float room = edges.right - 3 * scale - (plan.head_x + half);
-    plan.flag_width = plan.up ? room + line : 0.8F * pen.unit;
+    plan.flag_width = plan.up ? room + line : 0.95F * pen.unit;
     plan.right_limit = edges.right;
     plan.dot_gap = static_cast<float>(box.dot_gap) * scale;
     plan.dot_size = static_cast<float>(box.dot_size) * scale;
@@ -345,13 +352,25 @@ void DrawRestExtras(Pen& pen, const NoteForm& form, float x, float y, float righ
 
 void DrawStripRest(Pen& pen, int picture, float scale, const PixelBox& edges) {
     const NoteForm form = FormOf(picture);
-    const float middle = edges.top + kRestMiddle * scale;
-    const float line_y = form.division == 1 ? middle - kStaffSpace * scale : middle;
+    const float exact = edges.top + kRestMiddle * scale;
+    const float middle = static_cast<float>(StaffLineRow(exact));
+    const int line_row = form.division == 1 ? StaffLineRow(exact - kStaffSpace * scale) : StaffLineRow(exact);
     const float half_line = static_cast<float>(StaffLinePixels(scale)) / 2;
     const float wide = (ExtentOf(form).right + RestExtras(form)) * pen.unit;
     const float x = std::min((edges.left + edges.right) / 2, edges.right - 6 * scale - wide);
-    DrawRest(pen, form, x, middle + half_line, std::floor(line_y + 0.002F));
+    DrawRest(pen, form, x, middle + half_line, static_cast<float>(line_row));
     DrawRestExtras(pen, form, x, middle + half_line, edges.right);
+}
+
+/// From the first row of the line at the box's top to the last row of the line at its bottom.
+CoverageMask BarLineMask(const PixelBox& edges, int line) {
+    PixelBox box = edges;
+    box.top = 0;
+    box.bottom = static_cast<float>(StaffLineRow(edges.bottom) + line);
+    Raster raster = BoxRaster(box);
+    const float left = std::floor((edges.left + edges.right) / 2 + kRounding);
+    AddRectangle(raster, left, box.top, left + static_cast<float>(line), box.bottom);
+    return FinishMask(raster);
 }
 
 bool IsNote(int picture) {
@@ -364,18 +383,19 @@ int StaffLinePixels(float pixels_per_twip) {
     return std::max(1, static_cast<int>(pixels_per_twip * 0.115F * kStaffSpace + 0.5F));
 }
 
+int StaffLineRow(float y) {
+    return static_cast<int>(y + kRounding);
+}
+
 CoverageMask NotePictureMask(int picture, bool sharp, float pixels_per_twip, float origin_x, float origin_y,
                              int staff_offset, bool head_on_line) {
     if (picture < 1 || picture > kLastPicture) return {};
     const PixelBox edges = BoxOf(kPictureWidth, kPictureHeight, pixels_per_twip, origin_x, origin_y);
+    if (picture == kBarLine) return BarLineMask(edges, StaffLinePixels(pixels_per_twip));
     Raster raster = BoxRaster(edges);
     Pen pen{raster, kStaffSpace * pixels_per_twip, StaffLinePixels(pixels_per_twip)};
     if (IsNote(picture)) {
         DrawStripNote(pen, picture, sharp, pixels_per_twip, edges, staff_offset, head_on_line);
-    } else if (picture == kBarLine) {
-        const float left = std::floor(origin_x + kPictureWidth / 2 * pixels_per_twip);
-        AddRectangle(raster, left, std::ceil(origin_y), left + static_cast<float>(pen.line),
-                     std::floor(edges.bottom + 0.002F));
     } else {
         DrawStripRest(pen, picture, pixels_per_twip, edges);
     }
@@ -448,10 +468,10 @@ CoverageMask ButtonPictureMask(int picture, int width, int height, float pixels_
 CoverageMask ClefMask(float pixels_per_twip, float origin_x, float origin_y) {
     Raster raster = BoxRaster(BoxOf(kClefBox.width, kClefBox.height, pixels_per_twip, origin_x, origin_y));
     Pen pen{raster, kStaffSpace * pixels_per_twip, StaffLinePixels(pixels_per_twip)};
-    constexpr int kLineOfG = 1500;
+    constexpr int kLineOfG = 1530;
     const float x = origin_x + 120 * pixels_per_twip;
-    const float y = origin_y + static_cast<float>(kLineOfG - kClefBox.top) * pixels_per_twip +
-                    static_cast<float>(pen.line) / 2;
+    const int row = StaffLineRow(origin_y + static_cast<float>(kLineOfG - kClefBox.top) * pixels_per_twip);
+    const float y = static_cast<float>(row) + static_cast<float>(pen.line) / 2;
     Put(pen, kTrebleClef, x, y);
     Put(pen, kEight, x + 1.42F * pen.unit, y - 4.5F * pen.unit, 1.25F, 1.25F);
     return FinishMask(raster);

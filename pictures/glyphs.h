@@ -12,8 +12,10 @@ namespace tonex {
 inline constexpr int kPictureWidth = 300;  ///< twips
 inline constexpr int kPictureHeight = 480; ///< twips
 inline constexpr int kStaffSpace = 120;    ///< twips between two staff lines
-inline constexpr int kHeadCentre = 240; ///< of a note in its picture, before the staff offset is taken away
-inline constexpr int kRestMiddle = 180; ///< the middle line in a rest's picture
+/// The centre of a note's head in its picture, before the staff offset (0 at 100 %, 100 at 200 %) is taken
+/// away: a little below the middle, so that stems up and down have fair room at every scale.
+inline constexpr int kHeadCentre = 270;
+inline constexpr int kRestMiddle = 210; ///< the middle line in a rest's picture
 inline constexpr int kLastPicture = 58;
 
 /// A box in the coordinates of the staff panel, in twips.
@@ -21,21 +23,25 @@ struct PictureBox {
     int left, top, width, height;
 };
 
-/// Where the treble clef with its small 8 stands when the staff lines are at 1140, 1260, 1380, 1500 and 1620.
-inline constexpr PictureBox kClefBox{60, 780, 600, 1080};
+/// Where the treble clef with its small 8 stands when the staff lines are at 1170, 1290, 1410, 1530 and 1650.
+inline constexpr PictureBox kClefBox{60, 810, 600, 1080};
 
-/// How thick staff and ledger lines are at this scale, in pixels (1 up to 150 %, 2 at 200 %). A line at the
-/// height y is expected on the pixel rows from floor(y) down; the pictures are fitted to the middle of lines
-/// so drawn.
+/// How thick staff and ledger lines are at this scale, in pixels (1 up to 150 %, 2 at 200 %).
 int StaffLinePixels(float pixels_per_twip);
+
+/// The first pixel row of a staff or ledger line at the height `y` (in pixels, 0 or more): lines are always
+/// whole rows, also where a scale puts them between two (125 %), and the pictures are fitted to lines so
+/// drawn.
+int StaffLineRow(float y);
 
 /// The picture `picture` of the strip: 1 to 20 notes with stem up (20 lengths), 21 to 40 rests of the same
 /// lengths, 41 to 57 notes of lengths 1 to 17 with stem down, 58 the bar line.
 /// `origin_x`, `origin_y` (0 to 1) are where in its pixel the top left corner of the picture's box of 300 x
-/// 480 twips lies: mask pixel (0, 0) is the pixel that holds the corner. Nothing is drawn outside the box. A
-/// note's head has its centre `kHeadCentre - staff_offset` below the box's top; a rest's middle line lies at
-/// `kRestMiddle`. `sharp` asks for a sharp sign, drawn where HasRoomForSharp says so.
-/// `head_on_line`: the head stands on a staff or ledger line, so that dots belong to the space above it.
+/// 480 twips lies: mask pixel (0, 0) is the pixel that holds the corner. Nothing is drawn outside the box,
+/// but for the bar line, which covers the rows of the staff lines at the box's top and bottom whole. A note's
+/// head has its centre `kHeadCentre - staff_offset` below the box's top, as the rows of the lines have it; a
+/// rest's middle line lies at `kRestMiddle`. `sharp` asks for a sharp sign, drawn where HasRoomForSharp says
+/// so. `head_on_line`: the head stands on a staff or ledger line, so that dots belong to the space above it.
 /// An unknown picture number gives an empty mask (width and height 0).
 CoverageMask NotePictureMask(int picture, bool sharp, float pixels_per_twip, float origin_x, float origin_y,
                              int staff_offset, bool head_on_line = false);

@@ -102,7 +102,7 @@ TEST(Layout, ThePicturesStayInThePanelAtEveryScale) {
 
 TEST(Layout, TheStaffLinesAreThoseOfTheStrip) {
     const auto window = SetUpWindow();
-    const int expected[] = {1140, 1260, 1380, 1500, 1620};
+    const int expected[] = {1170, 1290, 1410, 1530, 1650};
     for (std::size_t i = 0; i < 5; ++i) {
         EXPECT_EQ(window->Line1[i].Y, expected[i]);
         EXPECT_EQ(window->linSub[i].Y, expected[i]) << "left of the strip from the top down";

@@ -486,7 +486,7 @@ const char* CheckStrip(const sndmain& window, const Model& model) {
         if (picture == 0) continue;
         const Entry& entry = model.entries[static_cast<std::size_t>(slot)];
         const bool bar = picture == 58;
-        const int top = bar ? 1140 : static_cast<std::int16_t>(entry.position);
+        const int top = bar ? 1170 : static_cast<std::int16_t>(entry.position);
         if (image.Picture != picture) return "a picture";
         if (image.place.Top != top || image.place.Height != 480) return "a picture's height";
         if (image.Stretch != bar) return "a picture's stretching";

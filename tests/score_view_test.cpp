@@ -67,12 +67,12 @@ TEST(StaffOffset, IsTakenOutAgainWhereTheHeadIsDrawn) {
         const auto head = [&](std::uint16_t pitch) {
             return HeadCentreOf(StaffPositionOf(pitch, window->StaffOffset).value(), window->StaffOffset);
         };
-        EXPECT_EQ(head(43), 1620) << "e5 on the lowest line";
-        EXPECT_EQ(head(46), 1500) << "g5";
-        EXPECT_EQ(head(50), 1380) << "b5";
-        EXPECT_EQ(head(53), 1260) << "d6";
-        EXPECT_EQ(head(56), 1140) << "f6 on the highest line";
-        EXPECT_EQ(head(44), 1560) << "f5 in the lowest space";
+        EXPECT_EQ(head(43), 1650) << "e5 on the lowest line";
+        EXPECT_EQ(head(46), 1530) << "g5";
+        EXPECT_EQ(head(50), 1410) << "b5";
+        EXPECT_EQ(head(53), 1290) << "d6";
+        EXPECT_EQ(head(56), 1170) << "f6 on the highest line";
+        EXPECT_EQ(head(44), 1590) << "f5 in the lowest space";
     }
 }
 
@@ -118,14 +118,14 @@ TEST(Picture, EveryCodeHasAPictureOf58OrNone) {
 
 TEST(LedgerLines, C4HasFourBelowTheStaff) {
     const auto lines = LedgerLinesOf(StaffPositionOf(27, 0).value(), 0);
-    EXPECT_EQ(lines.first_y, 1740);
+    EXPECT_EQ(lines.first_y, 1770);
     EXPECT_EQ(lines.step_y, 120);
     EXPECT_EQ(lines.count, 4);
 }
 
 TEST(LedgerLines, C8HasFiveAboveTheStaff) {
     const auto lines = LedgerLinesOf(StaffPositionOf(75, 0).value(), 0);
-    EXPECT_EQ(lines.first_y, 1020);
+    EXPECT_EQ(lines.first_y, 1050);
     EXPECT_EQ(lines.step_y, -120);
     EXPECT_EQ(lines.count, 5);
 }
@@ -177,7 +177,7 @@ TEST(DrawStripImage, ASeparatorIsStretchedBetweenStaffLines9And4) {
     EXPECT_EQ(image.Picture, 58);
     EXPECT_EQ(image.place.Top, window->linSub[9].Y);
     EXPECT_EQ(image.place.Height, window->linSub[4].Y - window->linSub[9].Y);
-    EXPECT_EQ(image.place.Top, 1140);
+    EXPECT_EQ(image.place.Top, 1170);
     EXPECT_EQ(image.place.Height, 480);
     EXPECT_EQ(image.place.Width, 300);
     EXPECT_TRUE(image.Stretch);

@@ -17,10 +17,10 @@ namespace tonex {
 namespace {
 
 constexpr int kPictureWidth = 300;  // twips
-constexpr int kPictureHeight = 480; // twips; the note head stands in its middle
-constexpr int kHeadInPicture = 240; // twips from a picture's top to the centre of the head
-constexpr int kTopStaffLine = 1140; // twips from the top of the staff panel
-constexpr int kBottomStaffLine = 1620;
+constexpr int kPictureHeight = 480; // twips
+constexpr int kHeadInPicture = 270; // twips from a picture's top to the centre of the head
+constexpr int kTopStaffLine = 1170; // twips from the top of the staff panel
+constexpr int kBottomStaffLine = 1650;
 constexpr int kLineSpacing = 120;
 constexpr std::int16_t kBarLinePicture = 58;
 constexpr const wchar_t* kDoremiKey = L"DoremiFlag";

@@ -89,7 +89,7 @@ int Neighbour(const Panel& panel, int image, WPARAM key) {
 int LineThickness(const Panel& panel) { return StaffLinePixels(1 / ScaleOf(panel).twips_per_pixel_y); }
 
 void PaintLine(Panel& panel, int left, int right, int y_twips, COLORREF colour) {
-    const int y = static_cast<int>(std::floor(static_cast<float>(y_twips) / ScaleOf(panel).twips_per_pixel_y));
+    const int y = StaffLineRow(static_cast<float>(y_twips) / ScaleOf(panel).twips_per_pixel_y);
     FillArea(panel.canvas, {left, y, right, y + LineThickness(panel)}, colour);
 }
 

@@ -47,10 +47,10 @@ void Paint(Sheet& sheet, int x, int y, const CoverageMask& mask, std::uint32_t c
 /// the middle line (up is negative).
 void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
            const std::vector<int>& pictures, const std::vector<int>& steps, bool sharps) {
-    const auto px = [&](float twips) { return static_cast<int>(std::floor(twips * scale)); };
+    const auto px = [&](float twips) { return StaffLineRow(twips * scale); };
     const int line = StaffLinePixels(scale);
     const int end = left_px + px(720 + 390 * static_cast<float>(pictures.size()));
-    for (const int y : {1140, 1260, 1380, 1500, 1620})
+    for (const int y : {1170, 1290, 1410, 1530, 1650})
         Fill(sheet, left_px, top_px + px(static_cast<float>(y)), end - left_px, line, 0x707070);
     const float cx = kClefBox.left * scale, cy = kClefBox.top * scale;
     Paint(sheet, left_px + static_cast<int>(cx), top_px + static_cast<int>(cy),
@@ -58,13 +58,13 @@ void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
     for (std::size_t k = 0; k < pictures.size(); ++k) {
         const int picture = pictures[k], step = steps[k % steps.size()];
         const bool note = HasRoomForSharp(picture);
-        const int top = picture == 58 ? 1140 : note ? 1140 + 60 * step + staff_offset : 1200;
+        const int top = picture == 58 ? 1170 : note ? 1140 + 60 * step + staff_offset : 1200;
         const float x = (720 + 390 * static_cast<float>(k) + 45) * scale, y = static_cast<float>(top) * scale;
         for (int ledger = 6; note && ledger <= std::abs(step); ledger += 2) {
             const HeadSpan head = HeadSpanOf(picture);
             const float from = x + static_cast<float>(head.left - 25) * scale;
             const int to = static_cast<int>(from + static_cast<float>(head.width + 50) * scale);
-            const float at = 1380 + 60.0F * static_cast<float>(step > 0 ? ledger : -ledger);
+            const float at = 1410 + 60.0F * static_cast<float>(step > 0 ? ledger : -ledger);
             Fill(sheet, left_px + static_cast<int>(from), top_px + px(at), to - static_cast<int>(from), line,
                  0x707070);
         }
@@ -98,7 +98,12 @@ void Scale(Sheet& sheet, int percent, int offset, int top) {
     Staff(sheet, scale, offset, 4, top + 2 * row, range(41, 57), {0, -1, -2, -3, -4, -5, -6}, false);
     Staff(sheet, scale, offset, 4, top + 3 * row, range(41, 58), {0, -1}, true);
     Staff(sheet, scale, offset, 4, top + 4 * row, range(21, 40), {0}, false);
-    int x = 4, y = top + 5 * row + static_cast<int>(700 * scale);
+    // The lowest and the highest key, c4 and c8.
+    Staff(sheet, scale, offset, 4, top + 5 * row, {1, 2, 3, 5, 7, 8, 10, 11, 13, 14, 15, 17, 18, 20}, {13},
+          true);
+    Staff(sheet, scale, offset, 4, top + 6 * row + static_cast<int>(900 * scale),
+          {41, 42, 43, 45, 47, 48, 50, 51, 53, 54, 55, 57, 18, 20}, {-15}, true);
+    int x = 4, y = top + 7 * row + static_cast<int>(1600 * scale);
     const int w = 31 * percent / 100, h = 34 * percent / 100;
     for (int picture = 1; picture <= 40; ++picture) {
         Fill(sheet, x, y, w, h, 0xF0F0F0);
@@ -154,14 +159,14 @@ int main(int argc, char** argv) {
     for (const auto& [percent, offset] : kScales) {
         if (wanted != 0 && percent != wanted) continue;
         width = std::max(width, (8600 * percent) / 1500);
-        height += 12500 * percent / 1500;
+        height += 17300 * percent / 1500;
     }
     Sheet sheet{width, height, std::vector<std::uint8_t>(static_cast<std::size_t>(width * height * 3), 255)};
     int top = 0;
     for (const auto& [percent, offset] : kScales) {
         if (wanted != 0 && percent != wanted) continue;
         Scale(sheet, percent, offset, top);
-        top += 12500 * percent / 1500;
+        top += 17300 * percent / 1500;
     }
     ProgramIcons(sheet, 4, top + 4);
     const std::string name = argv[1];
