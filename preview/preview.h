@@ -19,7 +19,8 @@ inline constexpr int kPreviewEntries = 510;
 inline constexpr int kPlayerPatience = 30;
 
 /// The Preview command: writes the selected notes, or all of them when no range is selected, to a temporary
-/// SND file and plays it. Does nothing while a preview runs. Tells the user what fails; leaves no file behind.
+/// SND file and plays it. Does nothing while a preview runs. Tells the user what fails; leaves no file
+/// behind.
 void mnuPreview_Click(sndmain& window);
 
 /// Converts a SND file to a temporary WAV file, has a player play it with the main window disabled, waits for

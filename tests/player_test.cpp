@@ -29,13 +29,17 @@ void Check(const Expected& expected) {
 
 using Bytes = std::vector<std::uint8_t>;
 
-void Put(Bytes& bytes, const char* tag) { bytes.insert(bytes.end(), tag, tag + 4); }
+void Put(Bytes& bytes, const char* tag) {
+    bytes.insert(bytes.end(), tag, tag + 4);
+}
 void Put(Bytes& bytes, std::uint32_t value, int size) {
-    for (int i = 0; i < size; ++i) bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    for (int i = 0; i < size; ++i)
+        bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 
 struct Fields {
-    std::uint32_t fmt_size = 16, tag = 1, channels = 1, rate = 22050, bytes_a_second = 22050, frame = 1, bits = 8;
+    std::uint32_t fmt_size = 16, tag = 1, channels = 1, rate = 22050, bytes_a_second = 22050, frame = 1,
+                  bits = 8;
     std::uint32_t data_size = 5;
 };
 
@@ -54,7 +58,8 @@ Bytes Wav(const Fields& fields = {}) {
     Put(file, fields.bits, 2);
     Put(file, "data");
     Put(file, fields.data_size, 4);
-    for (std::uint32_t i = 0; i < 5; ++i) Put(file, i, 1);
+    for (std::uint32_t i = 0; i < 5; ++i)
+        Put(file, i, 1);
     return file;
 }
 

@@ -67,7 +67,8 @@ struct Preview : testing::Test {
 
     std::vector<std::wstring> Messages() const {
         std::vector<std::wstring> texts;
-        for (const desktop::Message& message : desk.messages) texts.push_back(message.text);
+        for (const desktop::Message& message : desk.messages)
+            texts.push_back(message.text);
         return texts;
     }
 
@@ -167,8 +168,10 @@ TEST_F(Preview, SeparatorsAndEmptySlotsAreLeftOutOnPurpose) {
 }
 
 TEST_F(Preview, EveryNoteAndRestCodeInTheFilesEncoding) {
-    for (std::uint16_t code = 1; code <= 20; ++code) Append(code, 27);
-    for (std::uint16_t code = 21; code <= 40; ++code) Append(code, kEmpty);
+    for (std::uint16_t code = 1; code <= 20; ++code)
+        Append(code, 27);
+    for (std::uint16_t code = 21; code <= 40; ++code)
+        Append(code, kEmpty);
     const std::vector<FileEntry> list = List();
     ASSERT_EQ(list.size(), 40u);
     for (std::uint16_t i = 0; i < 20; ++i) {
@@ -252,7 +255,8 @@ TEST_F(Preview, NameSearchRunsOverMidnight) {
 
 TEST_F(Preview, AllNamesOfAMinuteTakenIsAWriteError) {
     FourEntries();
-    for (int i = 0; i < 60; ++i) desk.files[L"C:\\Temp\\" + PreviewFileName(45296 + i, L".snd")].bytes = {1};
+    for (int i = 0; i < 60; ++i)
+        desk.files[L"C:\\Temp\\" + PreviewFileName(45296 + i, L".snd")].bytes = {1};
     mnuPreview_Click(window);
     ExpectSpoken(L"Write error!");
     EXPECT_EQ(Left().size(), 60u);
@@ -312,7 +316,8 @@ TEST_F(Preview, TempoThatIsNotInTheListIsAWriteError) {
 }
 
 TEST_F(Preview, FullPlayBlockIsToldAndPlaysWhatFits) {
-    for (int i = 0; i < kMaxEntries; ++i) Append(20, 27); // four records of two bytes each
+    for (int i = 0; i < kMaxEntries; ++i)
+        Append(20, 27); // four records of two bytes each
     Bytes wav;
     desk.on_start = [&](const std::wstring&) { wav = desk.files[kWavPath].bytes; };
     mnuPreview_Click(window);

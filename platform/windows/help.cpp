@@ -46,8 +46,8 @@ bool OpenHelpFile(const std::wstring& path, std::uint32_t command, const std::ws
     const auto help = LibraryFunction<HelpFunction>(GetModuleHandleW(L"user32.dll"), "WinHelpW");
     if (!help) return false;
     const InProgramFolder no_document_folder;
-    // A reader that does not know the command asked for, as Wine's does not know the key search, still shows the
-    // contents.
+    // A reader that does not know the command asked for, as Wine's does not know the key search, still shows
+    // the contents.
     help(Hooks().main_window, path.c_str(), HELP_CONTENTS, 0);
     return help(Hooks().main_window, path.c_str(), command, reinterpret_cast<ULONG_PTR>(key.c_str())) != 0;
 }
@@ -68,7 +68,8 @@ bool OpenHelpGuide() {
     document.lpDirectory = folder.c_str();
     document.nShow = SW_SHOWNORMAL;
     if (open(&document)) return true;
-    // Where nothing is set up for the ending .htm, as in a fresh Wine, there may still be a program for HTML pages.
+    // Where nothing is set up for the ending .htm, as in a fresh Wine, there may still be a program for HTML
+    // pages.
     document.fMask |= SEE_MASK_CLASSNAME;
     document.lpClass = L"htmlfile";
     return open(&document) != 0;

@@ -82,7 +82,8 @@ void Centre(HWND dialog) {
     GetWindowRect(dialog, &own);
     const LONG left = (area.left + area.right - (own.right - own.left)) / 2;
     const LONG top = (area.top + area.bottom - (own.bottom - own.top)) / 2;
-    SetWindowPos(dialog, nullptr, static_cast<int>(left), static_cast<int>(top), 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    SetWindowPos(dialog, nullptr, static_cast<int>(left), static_cast<int>(top), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER);
 }
 
 struct Opening {

@@ -5,8 +5,8 @@
 
 namespace tonex {
 
-/// "sndrec32 /play /close C:\My sounds\a.wav". The path may stand in double quotes or without them, blanks and
-/// all; options may stand in front of it or behind it, in any letter case, with "/" or "-".
+/// "sndrec32 /play /close C:\My sounds\a.wav". The path may stand in double quotes or without them, blanks
+/// and all; options may stand in front of it or behind it, in any letter case, with "/" or "-".
 struct PlayerCommand {
     bool play = false;
     bool close = false;   ///< end when the sound ends
@@ -16,22 +16,28 @@ struct PlayerCommand {
 
 namespace command_line_detail {
 
-constexpr bool IsBlank(wchar_t c) { return c == L' ' || c == L'\t'; }
+constexpr bool IsBlank(wchar_t c) {
+    return c == L' ' || c == L'\t';
+}
 
 // The library's substr can throw, which would bring its whole error handling into a small program.
-constexpr std::wstring_view First(std::wstring_view text, std::size_t count) { return {text.data(), count}; }
+constexpr std::wstring_view First(std::wstring_view text, std::size_t count) {
+    return {text.data(), count};
+}
 constexpr std::wstring_view From(std::wstring_view text, std::size_t start) {
     text.remove_prefix(start);
     return text;
 }
 
 constexpr std::wstring_view TrimFront(std::wstring_view text) {
-    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && IsBlank(text.front()))
+        text.remove_prefix(1);
     return text;
 }
 
 constexpr std::wstring_view TrimBack(std::wstring_view text) {
-    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+    while (!text.empty() && IsBlank(text.back()))
+        text.remove_suffix(1);
     return text;
 }
 
@@ -47,7 +53,8 @@ constexpr bool SameLetters(std::wstring_view text, std::wstring_view lower) {
 
 constexpr std::size_t WordLength(std::wstring_view text) {
     std::size_t length = 0;
-    while (length < text.size() && !IsBlank(text[length])) ++length;
+    while (length < text.size() && !IsBlank(text[length]))
+        ++length;
     return length;
 }
 
@@ -79,7 +86,8 @@ constexpr std::wstring_view TakeOptionsBehind(std::wstring_view text, PlayerComm
     text = TrimBack(text);
     while (true) {
         std::size_t word_start = text.size();
-        while (word_start > 0 && !IsBlank(text[word_start - 1])) --word_start;
+        while (word_start > 0 && !IsBlank(text[word_start - 1]))
+            --word_start;
         if (word_start == 0) return text;
         const std::wstring_view word = From(text, word_start);
         if (!LooksLikeOption(word) || !TakeOption(word, command)) return text;

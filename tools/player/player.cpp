@@ -32,17 +32,19 @@ constexpr wchar_t kUsage[] = L"sndrec32 /play [/close] FILE.wav\n\n"
                              L"/close ends the player when the sound ends.";
 
 constexpr int kBuffers = 4;
-constexpr DWORD kBufferSize = 32768;     // bytes at most
-constexpr DWORD kBuffersASecond = 8;     // so that 4 of them hold half a second
+constexpr DWORD kBufferSize = 32768; // bytes at most
+constexpr DWORD kBuffersASecond = 8; // so that 4 of them hold half a second
 constexpr UINT_PTR kTickTimer = 1;
-constexpr UINT kTick = 40;               // milliseconds
-constexpr DWORD kTail = 120;             // milliseconds that the device may need for what it took last
-constexpr DWORD kDeviceSilence = 5000;   // milliseconds without progress: the device was unplugged or hangs
-constexpr DWORD kFaultShown = 4000;      // milliseconds, with /close
+constexpr UINT kTick = 40;             // milliseconds
+constexpr DWORD kTail = 120;           // milliseconds that the device may need for what it took last
+constexpr DWORD kDeviceSilence = 5000; // milliseconds without progress: the device was unplugged or hangs
+constexpr DWORD kFaultShown = 4000;    // milliseconds, with /close
 constexpr int kPositionRange = 1000;
 
 // What is taken is given back by the system when the program ends, a moment later.
-void* Take(std::size_t bytes) { return HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, bytes); }
+void* Take(std::size_t bytes) {
+    return HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, bytes);
+}
 
 wchar_t* CopyPath(std::wstring_view path) {
     auto* copy = static_cast<wchar_t*>(Take((path.size() + 1) * sizeof(wchar_t)));
@@ -65,10 +67,10 @@ struct Player {
     std::uint32_t bytes_queued = 0; // of the samples
     int in_device = 0;              // buffers that the device holds
     State state = State::Idle;
-    DWORD ended_at = 0;             // tick count when the last buffer came back
-    DWORD moved_at = 0;             // tick count when the position moved last
+    DWORD ended_at = 0; // tick count when the last buffer came back
+    DWORD moved_at = 0; // tick count when the position moved last
     DWORD last_position = 0;
-    int status = kStopped;          // exit status if the window were closed now
+    int status = kStopped; // exit status if the window were closed now
 };
 
 bool ReadFromFile(void* context, std::uint64_t offset, std::uint8_t* bytes, std::uint32_t count) {
@@ -81,8 +83,9 @@ bool ReadFromFile(void* context, std::uint64_t offset, std::uint8_t* bytes, std:
 
 // The file stays open while it plays, but others may delete it meanwhile.
 bool OpenSound(Player& player) {
-    player.file = CreateFileW(player.path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                              nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+    player.file =
+        CreateFileW(player.path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
     if (player.file == INVALID_HANDLE_VALUE) return false;
     LARGE_INTEGER size;
     if (!GetFileSizeEx(player.file, &size)) return false;
@@ -148,7 +151,9 @@ void CloseSound(Player& player) {
 
 // What the window shows.
 
-std::uint32_t FramesOf(const WavFormat& format) { return format.data_size / format.frame; }
+std::uint32_t FramesOf(const WavFormat& format) {
+    return format.data_size / format.frame;
+}
 
 // A text is set only when it differs, so that it does not flicker.
 void ShowText(HWND window, int control, const wchar_t* text) {
@@ -165,8 +170,9 @@ void ShowState(HWND window, const wchar_t* text, const wchar_t* button) {
 // The bar, and the time as "0:01 of 0:12".
 void ShowPosition(HWND window, const Player& player, DWORD position) {
     const std::uint32_t frames = FramesOf(player.format);
-    const int place = frames == 0 ? kPositionRange : MulDiv(kPositionRange, static_cast<int>(position),
-                                                            static_cast<int>(frames));
+    const int place = frames == 0
+                          ? kPositionRange
+                          : MulDiv(kPositionRange, static_cast<int>(position), static_cast<int>(frames));
     SendDlgItemMessageW(window, IDC_POSITION, PBM_SETPOS, static_cast<WPARAM>(place), 0);
     const DWORD now = position / player.format.rate;
     const DWORD whole = (frames + player.format.rate - 1) / player.format.rate;
@@ -181,7 +187,9 @@ const wchar_t* FaultText(int status) {
 
 // Playing.
 
-void Finish(HWND window, const Player& player) { EndDialog(window, player.status); }
+void Finish(HWND window, const Player& player) {
+    EndDialog(window, player.status);
+}
 
 void Fail(HWND window, Player& player, int status) {
     CloseSound(player);
@@ -247,7 +255,8 @@ void BufferDone(HWND window, Player& player, const WAVEHDR* done) {
 DWORD PositionOf(const Player& player) {
     MMTIME time = {};
     time.wType = TIME_BYTES;
-    if (waveOutGetPosition(player.device, &time, sizeof time) != MMSYSERR_NOERROR) return player.last_position;
+    if (waveOutGetPosition(player.device, &time, sizeof time) != MMSYSERR_NOERROR)
+        return player.last_position;
     if (time.wType == TIME_BYTES) return time.u.cb / player.format.frame;
     if (time.wType == TIME_SAMPLES) return time.u.sample;
     return player.last_position;

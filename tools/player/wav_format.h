@@ -7,8 +7,8 @@
 //        8     4  "WAVE"
 //       12     .  chunks: 4 letters, 32-bit size, data, one pad byte when the size is odd
 //
-// The chunk "fmt " holds format tag (1 = PCM), channels, samples a second, bytes a second, bytes a frame, bits a
-// sample; the chunk "data" holds the samples.
+// The chunk "fmt " holds format tag (1 = PCM), channels, samples a second, bytes a second, bytes a frame,
+// bits a sample; the chunk "data" holds the samples.
 #pragma once
 
 #include <cstdint>
@@ -43,7 +43,9 @@ struct WavFormat {
 
 namespace wav_detail {
 
-constexpr std::uint16_t U16(const std::uint8_t* at) { return static_cast<std::uint16_t>(at[0] | at[1] << 8); }
+constexpr std::uint16_t U16(const std::uint8_t* at) {
+    return static_cast<std::uint16_t>(at[0] | at[1] << 8);
+}
 constexpr std::uint32_t U32(const std::uint8_t* at) {
     return at[0] | std::uint32_t{at[1]} << 8 | std::uint32_t{at[2]} << 16 | std::uint32_t{at[3]} << 24;
 }
