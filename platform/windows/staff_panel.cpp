@@ -123,14 +123,15 @@ void PaintStaff(Panel& panel, const RECT& dirty) {
 void PaintLedgerLines(Panel& panel, const NoteImage& image, COLORREF colour) {
     const sndmain& w = Record(panel);
     const auto position = static_cast<std::int16_t>(image.place.Top);
+    const int head_centre = HeadCentreOf(position, w.StaffOffset);
+    if (head_centre < 0 || head_centre > w.picStaff.Height) return; // a foreign pitch far outside: no head to see
     const LedgerLines ledger = LedgerLinesOf(position, w.StaffOffset);
     const HeadSpan head = HeadSpanOf(image.Picture);
     const int head_left = image.place.Left + head.left;
     const int left = ToPixelsX(ScaleOf(panel), head_left - kLedgerReach);
     const int right = ToPixelsX(ScaleOf(panel), head_left + head.width + kLedgerReach);
     for (int i = 0; i < ledger.count; ++i) {
-        const int y = ledger.first_y + i * ledger.step_y;
-        if (y > 0 && y < w.picStaff.Height) PaintLine(panel, left, right, y, colour);
+        PaintLine(panel, left, right, ledger.first_y + i * ledger.step_y, colour);
     }
 }
 
