@@ -89,11 +89,12 @@ build() {
 # Wine, quiet and without the parts that a small program has no use for.
 export WINEARCH=win32 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
 
-# A ready prefix that is only ever copied. Made again when Wine or the settings in it change.
+# A ready prefix that is only ever copied. Made again when Wine or the settings in it change; a change of the
+# steps below raises the number at the end of the stamp.
 wine_template() {
     local template="$root/build/wine-template" fonts="$root/resources/scripts/wine-fonts.reg"
     local log="$logs/wine-template.log" stamp
-    stamp="$(wine --version 2>/dev/null) $(cat "$fonts" "$root/resources/scripts/common.sh" | cksum)"
+    stamp="$(wine --version 2>/dev/null) $(cksum <"$fonts") 2"
     (
         flock 9
         [ "$(cat "$template/stamp" 2>/dev/null)" = "$stamp" ] && exit 0
