@@ -123,8 +123,6 @@ void PaintStaff(Panel& panel, const RECT& dirty) {
 void PaintLedgerLines(Panel& panel, const NoteImage& image, COLORREF colour) {
     const sndmain& w = Record(panel);
     const auto position = static_cast<std::int16_t>(image.place.Top);
-    const int head_centre = HeadCentreOf(position, w.StaffOffset);
-    if (head_centre < 0 || head_centre > w.picStaff.Height) return; // a foreign pitch far outside: no head to see
     const LedgerLines ledger = LedgerLinesOf(position, w.StaffOffset);
     const HeadSpan head = HeadSpanOf(image.Picture);
     const int head_left = image.place.Left + head.left;
@@ -140,6 +138,12 @@ bool HeadOnLine(const sndmain& w, const NoteImage& image) {
     return (centre - w.Line1[0].Y) % kStaffSpace == 0;
 }
 
+/// A foreign file's pitch can lie far above or below the panel: no stem or ledger line of it is drawn either.
+bool HeadInPanel(const sndmain& w, const NoteImage& image) {
+    const int centre = HeadCentreOf(static_cast<std::int16_t>(image.place.Top), w.StaffOffset);
+    return centre >= 0 && centre <= w.picStaff.Height;
+}
+
 void PaintImage(Panel& panel, int index, const RECT& dirty) {
     const sndmain& w = Record(panel);
     const NoteImage& image = w.imgNote[static_cast<std::size_t>(index)];
@@ -148,6 +152,7 @@ void PaintImage(Panel& panel, int index, const RECT& dirty) {
     const bool inverse = colours.high_contrast && ItemChosen(panel, index);
     const COLORREF ink = inverse ? colours.select_text : colours.ink;
     const bool note = image.Picture <= 20 || (image.Picture > 40 && image.Picture < kLastPicture);
+    if (note && !HeadInPanel(w, image)) return;
     if (note) PaintLedgerLines(panel, image, inverse ? colours.select_text : colours.staff_line);
     const Scale& scale = ScaleOf(panel);
     const float x = static_cast<float>(image.place.Left) / scale.twips_per_pixel_x;
