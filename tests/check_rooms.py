@@ -114,6 +114,11 @@ def no_extern_state():
                 yield f"{path} declares extern state: {line.strip()}"
 
 
+VARIABLE = re.compile(r"^\s*[A-Za-z_][\w:<>,\s\*&]*[\s\*&]\w+(\[[^\]]*\])*\s*(=[^=].*|\{.*)?;\s*$")
+NO_VARIABLE = re.compile(r"^\s*(using|typedef|struct|class|enum|union|template|extern|friend|static_assert|return|goto|"
+                         r"namespace|public|private|case|default|break)\b|\bconst\b|\bconstexpr\b")
+
+
 def no_changing_file_state():
     """A variable at file scope that is not constant: state that two tests would share."""
     for path, text in sources(*COMMAND_ROOMS):
@@ -121,10 +126,8 @@ def no_changing_file_state():
         for line in without_comments(text).splitlines():
             # Namespaces do not count as depth: their members are at file scope.
             opens_namespace = re.match(r"\s*(inline\s+)?namespace\b[^;{]*\{", line)
-            at_file_scope = depth == 0
-            if at_file_scope and not opens_namespace and re.match(
-                    r"\s*(static|inline|thread_local)\s+(?!.*\b(const|constexpr)\b)[\w:<>,\s\*&]+\s+\w+\s*(=|;|\{)",
-                    line) and "(" not in line.split("=")[0]:
+            in_parameters = "(" in line.split("=")[0] or line.count("(") != line.count(")")
+            if depth == 0 and not in_parameters and VARIABLE.match(line) and not NO_VARIABLE.search(line):
                 yield f"{path} keeps state: {line.strip()}"
             depth += line.count("{") - line.count("}") - (1 if opens_namespace else 0)
             depth = max(depth, 0)

@@ -52,13 +52,22 @@ def registry_text(path, values):
     return "\n".join(lines) + "\n"
 
 
+def sweep(folder):
+    """Removes the prefixes of test runs that were killed; their names end in the process that made them."""
+    for path in folder.iterdir():
+        maker = path.name.rpartition("-")[2]
+        if maker.isdigit() and not os.path.exists(f"/proc/{maker}"):
+            shutil.rmtree(path, ignore_errors=True)
+
+
 class Prefix:
     """A Wine prefix of its own with the link software's entry and folders, and a probe inside it."""
 
     def __init__(self, name, dpi=96, environment=None, link_entry=True):
-        self.path = BUILD / "wine-window" / name
-        shutil.rmtree(self.path, ignore_errors=True)
-        self.path.parent.mkdir(parents=True, exist_ok=True)
+        folder = BUILD / "wine-window"
+        folder.mkdir(parents=True, exist_ok=True)
+        sweep(folder)
+        self.path = folder / f"{name}-{os.getpid()}"
         subprocess.run(["cp", "-a", str(BUILD / "wine-template"), str(self.path)], check=True)
         with open(self.path / "user.reg", "a", encoding="ascii") as registry:
             if link_entry:
