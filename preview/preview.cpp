@@ -22,11 +22,11 @@ namespace tonex {
 namespace {
 
 constexpr int kSecondsADay = 24 * 60 * 60;
-constexpr int kNamesTried = 60;            // names of one minute
-constexpr int kDeletionsTried = 10;        // a virus scanner holds a fresh file for moments
+constexpr int kNamesTried = 60;              // names of one minute
+constexpr int kDeletionsTried = 10;          // a virus scanner holds a fresh file for moments
 constexpr std::uint32_t kDeletionPause = 50; // milliseconds
-constexpr int kPollInterval = 20;          // milliseconds between two looks at the player
-constexpr int kLongestPollGap = 5;         // seconds; a longer gap is a clock that was set or a machine that slept
+constexpr int kPollInterval = 20;            // milliseconds between two looks at the player
+constexpr int kLongestPollGap = 5; // seconds; a longer gap is a clock that was set or a machine that slept
 constexpr std::uint32_t kAnything = kAttributeHidden | kAttributeSystem | kAttributeDirectory;
 constexpr std::uint32_t kAnyFile = kAttributeHidden | kAttributeSystem;
 constexpr const wchar_t* kPlayerCommand = L"sndrec32 /play /close ";
@@ -37,8 +37,8 @@ int SecondOfDay() {
     return (now.hour * 60 + now.minute) * 60 + now.second;
 }
 
-// Creates an empty file of our own under the time's name, so that a file of somebody else that happens to have
-// such a name is never overwritten or deleted: its second is taken, the next one is tried.
+// Creates an empty file of our own under the time's name, so that a file of somebody else that happens to
+// have such a name is never overwritten or deleted: its second is taken, the next one is tried.
 std::optional<std::wstring> ClaimTemporaryFile(const std::wstring& extension) {
     const std::wstring folder = TemporaryFolder();
     if (folder.empty()) return std::nullopt;
@@ -82,7 +82,7 @@ void BeginConversion(void* context, int note_count) {
 
 void AdvanceConversion(void* context, int notes_done) {
     static_cast<sndmain*>(context)->FrmWavConvert.Value = notes_done;
-    ProcessPendingEvents();
+    ProcessEventsInPassing();
 }
 
 void EndConversion(void* context) {
@@ -102,9 +102,10 @@ std::int16_t Convert(sndmain& window, const std::wstring& snd_path, const std::w
 // The length of a WAV file's sound in whole seconds, rounded up; nothing when its header can not be read.
 std::optional<int> SecondsOfSound(const std::wstring& wav_path) {
     std::vector<std::uint8_t> header;
-    if (!ReadWholeFile(wav_path, header, kWavHeaderSize) || header.size() < kWavHeaderSize) return std::nullopt;
-    const std::uint32_t samples = header[40] | std::uint32_t{header[41]} << 8 | std::uint32_t{header[42]} << 16 |
-                                  std::uint32_t{header[43]} << 24;
+    if (!ReadWholeFile(wav_path, header, kWavHeaderSize) || header.size() < kWavHeaderSize)
+        return std::nullopt;
+    const std::uint32_t samples = header[40] | std::uint32_t{header[41]} << 8 |
+                                  std::uint32_t{header[42]} << 16 | std::uint32_t{header[43]} << 24;
     return static_cast<int>(samples / static_cast<std::uint32_t>(kSampleRate)) + 1;
 }
 

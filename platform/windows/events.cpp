@@ -7,6 +7,10 @@ namespace tonex {
 
 namespace {
 
+constexpr DWORD kPassingPause = 15; // milliseconds; well below what a user notices
+
+DWORD events_ran_at = 0; // tick count
+
 // Runs what is in the queue. True when the program is asked to end; that message is put back for the loop of
 // WinMain.
 bool RunPendingMessages() {
@@ -23,6 +27,7 @@ bool RunPendingMessages() {
         DispatchMessageW(&message);
     }
     ShowDifferencesNow();
+    events_ran_at = GetTickCount();
     return quit;
 }
 
@@ -30,6 +35,10 @@ bool RunPendingMessages() {
 
 void ProcessPendingEvents() {
     RunPendingMessages();
+}
+
+void ProcessEventsInPassing() {
+    if (GetTickCount() - events_ran_at >= kPassingPause) RunPendingMessages();
 }
 
 void WaitForEvents(int milliseconds) {

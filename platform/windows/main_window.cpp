@@ -273,7 +273,7 @@ void ShowEnabled(MainWindow& main) {
 
 /// The bar goes on with every note, but the system takes milliseconds to draw it: for a short melody longer than
 /// the whole conversion. Steps that nobody could tell apart are left out.
-constexpr DWORD kBarPause = 40; // milliseconds
+constexpr DWORD kBarPause = 20; // milliseconds
 
 bool IsBarStepTooSoon(const MainWindow& main) {
     const ConvertWindow& convert = main.record.FrmWavConvert;

@@ -176,6 +176,10 @@ void PlaySoundFile(const std::wstring& path) {
 
 // events.h
 
+void ProcessEventsInPassing() {
+    ProcessPendingEvents(); // a script has no time that could pass
+}
+
 void ProcessPendingEvents() {
     Log("ProcessPendingEvents");
     if (Current().during_events) Current().during_events();

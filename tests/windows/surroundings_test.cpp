@@ -107,6 +107,20 @@ TEST(Events, PendingOnesRunAndWhatTheyChangedIsShownOnce) {
     EXPECT_EQ(messages_seen, 3);
 }
 
+TEST(Events, InPassingTheyRunNowAndThen) {
+    constexpr int kSteps = 1000;
+    const CountingWindow counting;
+    Hooks().show_differences = [] { ++differences_shown; };
+    PostMessageW(counting.window, kTestMessage, 0, 0);
+    int steps = 0;
+    for (const DWORD start = GetTickCount(); messages_seen == 0 && GetTickCount() - start < 5000u; ++steps)
+        ProcessEventsInPassing();
+    EXPECT_EQ(messages_seen, 1);
+    for (int i = 0; i < kSteps; ++i)
+        ProcessEventsInPassing();
+    EXPECT_LT(differences_shown, kSteps / 2);
+}
+
 TEST(Events, TheMainWindowsTurnComesFirst) {
     const CountingWindow counting;
     Hooks().translate_message = [](MSG& message) {
