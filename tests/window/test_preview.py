@@ -125,9 +125,12 @@ def play_verb(prefix):
 
 def temporary_files(prefix):
     """The preview's files in all folders of a prefix that may be the temporary one."""
-    users = prefix.path / "drive_c" / "users"
-    found = [path for pattern in ("*/Temp/$$*", "*/AppData/Local/Temp/$$*") for path in users.glob(pattern)]
-    return sorted(found + list((prefix.path / "drive_c" / "windows" / "temp").glob("$$*")))
+    return sorted(path for folder in temporary_folders(prefix) for path in folder.glob("$$*"))
+
+
+def temporary_folders(prefix):
+    users, windows = prefix.path / "drive_c" / "users", prefix.path / "drive_c" / "windows"
+    return [*users.glob("*/Temp"), *users.glob("*/AppData/Local/Temp"), *windows.glob("temp")]
 
 
 def enabled(editor):
@@ -165,14 +168,14 @@ def still_works(editor):
     wait_until(lambda: names(editor) == before, 5, "the entry again")
 
 
-def player_process(editor):
-    """The process of the real or stand-in player of this prefix, or None."""
+def process_of(prefix, name):
+    """The running process of a program in this prefix, or None."""
     for path in pathlib.Path("/proc").glob("[0-9]*"):
         try:
             line = (path / "cmdline").read_bytes().split(b"\0")
-            if not line[0].endswith(b"sndrec32.exe") and not line[0].startswith(b"sndrec32"):
+            if not line[0].endswith((name.encode(), name.removesuffix(".exe").encode())):
                 continue
-            if f"WINEPREFIX={editor.prefix.path}\0".encode() in (path / "environ").read_bytes():
+            if f"WINEPREFIX={prefix.path}\0".encode() in (path / "environ").read_bytes():
                 return int(path.name)
         except (FileNotFoundError, ProcessLookupError, PermissionError):
             continue
@@ -312,7 +315,7 @@ def test_killed_player(slow_sound, start, melody):
     preview(editor)
     wait_playing(editor)
     wait_until(slow_sound.sound, 20, "the sound")
-    process = wait_until(lambda: player_process(editor), 10, "the player's process")
+    process = wait_until(lambda: process_of(editor.prefix, PLAYER), 10, "the player's process")
     os.kill(process, signal.SIGKILL)
     wait_back(editor, 10)
     still_works(editor)
@@ -347,7 +350,7 @@ def test_player_that_never_ends_does_not_lock_the_user_out(stand_in, start, melo
     preview(editor)
     wait_playing(editor)
     wait_back(editor, KEPT_WAITING)
-    assert player_process(editor) is not None, "the player runs on"
+    assert process_of(editor.prefix, PLAYER) is not None, "the player runs on"
     still_works(editor)
 
 
@@ -480,6 +483,22 @@ def longest(stand_in, start, melody):
     return editor
 
 
+@pytest.fixture
+def slow_disk(longest):
+    """Every note of the next previews takes milliseconds to write, so that there is time to look and to click."""
+    now = time.time()
+    paths = [option for folder in temporary_folders(longest.prefix) for second in range(60)
+             for option in ("-P", str(folder / time.strftime("$$%H%M%S.wav", time.localtime(now + second))))]
+    process = process_of(longest.prefix, "Tonex.exe")
+    strace = subprocess.Popen(["strace", "-o", "/dev/null", "-p", str(process), *paths, "-e", "trace=write",
+                               "-e", "inject=write:delay_enter=4000"], stdin=subprocess.DEVNULL,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+    wait_until(lambda: "attached" in strace.stderr.readline(), 10, "the slow disk")
+    yield longest
+    strace.terminate()
+    strace.communicate(timeout=10)
+
+
 class Watch:
     """Looks at the converting window from another thread and with a connection of its own."""
 
@@ -518,37 +537,47 @@ class Watch:
         self.thread.join(10)
 
 
-def test_converting_window_appears_soon_and_its_bar_moves(longest, stand_in, screen):
-    stand_in.end()
+def preview_and_watch(editor, screen):
+    """Clicks Preview; gives the moment of the click and what was seen until the converting window was gone."""
     watch = Watch(type(screen))
-    x, y = longest.centre(longest.toolbar()["Preview Sound"]["rect"])
-    screen.move(x, y)
+    screen.move(*editor.centre(editor.toolbar()["Preview Sound"]["rect"]))
     time.sleep(0.3)
     screen.button(True)
     clicked = time.monotonic()
     screen.button(False)
     wait_until(lambda: watch.gone, 60, "the conversion")
     watch.end()
-    wait_back(longest, 60)
+    wait_back(editor, 60)
+    return clicked, watch
+
+
+def test_converting_window_of_the_longest_melody_appears_soon(longest, stand_in, screen):
+    stand_in.end()
+    clicked, watch = preview_and_watch(longest, screen)
     assert watch.appeared - clicked <= 0.2, f"{(watch.appeared - clicked) * 1000:.0f} ms after the click"
-    assert len(set(watch.bars)) >= 3, f"the bar stood at {sorted(set(watch.bars))}"
-    assert watch.bars[-1] > watch.bars[0]
-    fallen = [(one, next_one) for one, next_one in zip(watch.bars, watch.bars[1:]) if next_one < one]
+    assert len(stand_in.heard()) == 509 * 4 * 22050
+
+
+def test_bar_moves_while_converting(slow_disk, stand_in, screen):
+    stand_in.end()
+    bars = preview_and_watch(slow_disk, screen)[1].bars
+    assert len(set(bars)) >= 10, f"the bar stood at {sorted(set(bars))}"
+    fallen = [(one, next_one) for one, next_one in zip(bars, bars[1:]) if next_one < one]
     assert not fallen, f"the bar went back: {fallen}"
 
 
-def test_converting_window_says_what_happens_in_the_middle_of_the_screen(longest, stand_in, screen):
-    preview(longest)
-    window = wait_until(lambda: next((w for w in longest.windows() if w["text"] == CONVERTING and w["visible"]), None),
+def test_converting_window_says_what_happens_in_the_middle_of_the_screen(slow_disk, stand_in, screen):
+    preview(slow_disk)
+    window = wait_until(lambda: next((w for w in slow_disk.windows() if w["text"] == CONVERTING and w["visible"]), None),
                         10, "the converting window")
-    texts = [child["text"] for child in longest.children(window["hwnd"])]
+    texts = [child["text"] for child in slow_disk.children(window["hwnd"])]
     assert "Now converting Veloxa Sound to WAV..." in texts and "Wait for a moment." in texts
     left, top, right, bottom = window["rect"]
     assert abs((left + right) / 2 - 960) < 20 and abs((top + bottom) / 2 - 600) < 30
     wait_until(stand_in.starts, 60, "the player")
     assert screen.find(CONVERTING) is None
     stand_in.end()
-    wait_back(longest, 60)
+    wait_back(slow_disk, 60)
 
 
 class Cover:
@@ -566,53 +595,53 @@ class Cover:
         self.screen.display.sync()
 
 
-def test_main_window_repaints_while_converting(longest, stand_in, screen):
+def test_main_window_repaints_while_converting(slow_disk, stand_in, screen):
     stand_in.end()
-    left, top, right, bottom = longest.child("TonexPiano")["rect"]
+    left, top, right, bottom = slow_disk.child("TonexPiano")["rect"]
     place = (left + 20, top + 20, right - left - 40, bottom - top - 40)
     time.sleep(0.3)
     uncovered = screen.picture(*place).tobytes()
     own = type(screen)()
     cover = Cover(own, *place)
     wait_until(lambda: own.picture(*place).getpixel((5, 5)) == (255, 0, 255), 5, "the cover")
-    x, y = longest.centre(longest.toolbar()["Preview Sound"]["rect"])
+    x, y = slow_disk.centre(slow_disk.toolbar()["Preview Sound"]["rect"])
     screen.click(x, y)
     wait_until(lambda: own.find(CONVERTING), 10, "the converting window", step=0.002)
     cover.lift()
     # The converting window itself stands in the middle of the screen: only the strip beside it is compared.
     wait_until(lambda: own.picture(*place).tobytes()[:30000] == uncovered[:30000], 2, "the repainted window", step=0.002)
     assert own.find(CONVERTING) is not None, "it was repainted after the conversion only"
-    wait_back(longest, 60)
+    wait_back(slow_disk, 60)
 
 
-def test_preview_while_converting_does_nothing(longest, stand_in, screen):
+def test_preview_while_converting_does_nothing(slow_disk, stand_in, screen):
     stand_in.end()
-    x, y = longest.centre(longest.toolbar()["Preview Sound"]["rect"])
+    x, y = slow_disk.centre(slow_disk.toolbar()["Preview Sound"]["rect"])
     screen.click(x, y)
     wait_until(lambda: screen.find(CONVERTING), 10, "the converting window", step=0.002)
     screen.click(x, y)
     assert screen.find(CONVERTING) is not None, "the second click came too late to be a test"
     wait_until(stand_in.starts, 60, "the player")
-    wait_back(longest, 60)
+    wait_back(slow_disk, 60)
     time.sleep(0.5)
-    longest.no_dialog()
+    slow_disk.no_dialog()
     assert len(stand_in.starts()) == 1
 
 
 # --- closing while a preview runs
 
 
-def test_closing_while_converting_is_refused(longest, stand_in, screen):
+def test_closing_while_converting_is_refused(slow_disk, stand_in, screen):
     stand_in.end()
-    longest.prefix.ask("post", longest.hwnd, WM_NULL, 0, 0)
-    screen.click(*longest.centre(longest.toolbar()["Preview Sound"]["rect"]))
+    slow_disk.prefix.ask("post", slow_disk.hwnd, WM_NULL, 0, 0)
+    screen.click(*slow_disk.centre(slow_disk.toolbar()["Preview Sound"]["rect"]))
     wait_until(lambda: screen.find(CONVERTING), 10, "the converting window", step=0.002)
-    longest.close()
+    slow_disk.close()
     assert screen.find(CONVERTING) is not None, "the close came too late to be a test"
     wait_until(stand_in.starts, 60, "the player")
-    wait_back(longest, 60)
-    longest.screen.key("shift+right")
-    wait_selected(longest, [0, 1])
+    wait_back(slow_disk, 60)
+    slow_disk.screen.key("shift+right")
+    wait_selected(slow_disk, [0, 1])
 
 
 @pytest.mark.parametrize("way", ["message", "key"])
@@ -637,12 +666,12 @@ def test_closing_while_the_player_runs_is_refused(stand_in, start, melody, way):
     assert temporary_files(editor.prefix) == []
 
 
-def test_closing_the_converting_window_is_refused(longest, stand_in, screen):
+def test_closing_the_converting_window_is_refused(slow_disk, stand_in, screen):
     stand_in.end()
-    preview(longest)
-    window = wait_until(lambda: next((w for w in longest.windows() if w["text"] == CONVERTING and w["visible"]), None),
+    preview(slow_disk)
+    window = wait_until(lambda: next((w for w in slow_disk.windows() if w["text"] == CONVERTING and w["visible"]), None),
                         10, "the converting window")
-    longest.prefix.ask("post", window["hwnd"], WM_CLOSE, 0, 0)
+    slow_disk.prefix.ask("post", window["hwnd"], WM_CLOSE, 0, 0)
     wait_until(stand_in.starts, 60, "the player")
     assert len(stand_in.heard()) == 509 * 4 * 22050
-    wait_back(longest, 60)
+    wait_back(slow_disk, 60)
