@@ -247,8 +247,9 @@ def test_doremi_names_everywhere_and_kept(start, prefix, melody):
 
 
 def tempo_name(editor):
-    texts = [child["text"] for child in editor.children() if child["class"].lower() == "static"]
-    return [text for text in texts if text and not text.startswith("Tempo") and text != "&Tempo"]
+    """The texts beside the controls but for their captions: what is left is the tempo's classical name."""
+    texts = [child["text"].replace("&", "") for child in editor.children() if child["class"].lower() == "static"]
+    return [text for text in texts if text not in ("", "Tempo", "Length")]
 
 
 def test_tempo_typed_and_chosen_is_saved(editor, tmp_path):

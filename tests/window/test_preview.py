@@ -551,9 +551,9 @@ def preview_and_watch(editor, screen):
     return clicked, watch
 
 
-def test_converting_window_of_the_longest_melody_appears_soon(longest, stand_in, screen):
+def test_converting_window_of_the_longest_melody_appears_soon(slow_disk, stand_in, screen):
     stand_in.end()
-    clicked, watch = preview_and_watch(longest, screen)
+    clicked, watch = preview_and_watch(slow_disk, screen)
     assert watch.appeared - clicked <= 0.2, f"{(watch.appeared - clicked) * 1000:.0f} ms after the click"
     assert len(stand_in.heard()) == 509 * 4 * 22050
 
