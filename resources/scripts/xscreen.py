@@ -92,6 +92,10 @@ class Screen:
                 break
         return ""
 
+    def focused_id(self):
+        """The window that the keyboard writes to, by its number; 0 when there is none."""
+        return getattr(self.display.get_input_focus().focus, "id", 0)
+
     def frame_of(self, window):
         """The window manager's frame around a window."""
         while True:

@@ -263,6 +263,8 @@ class Editor:
 
     def choose(self, caption):
         """Opens a menu by the keyboard and chooses an item by its underlined letter."""
+        # After a dialog the window manager takes a moment to give the keyboard back.
+        wait_until(lambda: self.screen.focused_title().startswith("Sound Editor - "), 8, "the keyboard's focus")
         for top in self.prefix.ask("menu", self.hwnd):
             for item in top.get("items", []):
                 if item["text"].split("\t")[0] == caption:
@@ -302,8 +304,15 @@ class Editor:
         return box
 
     def answer(self, box, button):
+        before = self.screen.focused_id()
         self.prefix.ask("press", box["hwnd"], ANSWERS[button])
         wait_until(lambda: all(window["hwnd"] != box["hwnd"] for window in self.dialogs()), 8, "the box's end")
+        self.wait_keyboard_leaves(before)
+
+    def wait_keyboard_leaves(self, window):
+        """The X server hands the keyboard on a moment after a dialog is gone; keys pressed before would be lost."""
+        wait_until(lambda: self.process.poll() is not None or
+                   (self.screen.focused_id() != window and self.screen.focused_title()), 8, "the keyboard's next owner")
 
     def message(self, text, button="OK"):
         self.answer(self.wait_message(text), button)
@@ -318,6 +327,7 @@ class Editor:
     def file_dialog(self, title, path=None):
         """Types a path into a file dialog and presses Enter; without a path cancels it."""
         dialog = self.wait_dialog(title)
+        before = self.screen.focused_id()
         if path is None:
             self.screen.key("escape")
         else:
@@ -328,6 +338,7 @@ class Editor:
             self.screen.key("enter")
         wait_until(lambda: all(window["hwnd"] != dialog["hwnd"] for window in self.dialogs()) or
                    len(self.dialogs()) > 1, 8, f"the end of {title!r}")
+        self.wait_keyboard_leaves(before)
 
     def file_name_field(self, dialog):
         """The edit field for the file name of a common dialog."""

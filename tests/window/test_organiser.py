@@ -6,7 +6,7 @@ import time
 
 import pytest
 
-from editor import GLOBAL_SETTINGS, Melody, SETTINGS, WINDOWS_BUILD, program, wait_until, windows_path
+from editor import GLOBAL_SETTINGS, Melody, SETTINGS, WINDOWS_BUILD, wait_until, windows_path
 from test_compose import names, wait_names
 
 ASK = "Do you want to save the changes?"
@@ -32,7 +32,7 @@ def link(request, prefix, tmp_path):
         target = prefix.install_dir / name
         target.unlink(missing_ok=True)
         if Link.with_libraries:
-            shutil.copy(program(WINDOWS_BUILD / "link", name), target)
+            shutil.copy(WINDOWS_BUILD / "link" / name, target)
     shutil.rmtree(prefix.cache_dir)
     prefix.cache_dir.mkdir()
     yield Link()
