@@ -135,6 +135,11 @@ def test_an_existing_melody_is_only_replaced_after_a_question(start, prefix, lin
     editor.answer(question, "Yes")
     wait_device_caption(editor, "TUNE.SND")
     wait_until(lambda: Melody.text(next(prefix.cache_dir.iterdir()))[1:] == ["c4 1/4"], 5, "the new melody")
+    # Question and dialog have ended together, and the keyboard is back in the window.
+    wait_until(lambda: editor.screen.focused_title().upper() == editor.caption().upper(), 5, "the keyboard's focus")
+    editor.screen.key("home")
+    editor.screen.key("delete")
+    wait_names(editor, ["End"])
 
 
 def test_the_proposed_name_is_the_current_files(start, prefix, link):

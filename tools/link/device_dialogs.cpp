@@ -57,6 +57,7 @@ struct DeviceDialog {
     std::wstring extension; ///< without its dot
     std::wstring name;      ///< in: proposed; out: chosen
     std::int32_t size;      ///< characters that the caller's buffer takes
+    bool accepted = false;  ///< the choice is made; the dialog only waits for its end
 };
 
 // Dialog units. The list stands between the same margins in both dialogs.
@@ -67,6 +68,12 @@ constexpr short kListHeight = 100;
 constexpr short kRowHeight = 14;
 constexpr short kLabelWidth = 40;
 constexpr short kButtonWidth = 50;
+
+// Under X the window manager hands the keyboard from a box that ends to the dialog below it. When that has ended
+// too by then, nobody gets it, and the editor's window is deaf until it is clicked. So a dialog that has asked
+// stays for a moment.
+constexpr UINT_PTR kEndTimer = 1;
+constexpr UINT kEndDelay = 100; // milliseconds
 
 constexpr std::size_t kNameBytes = 8; // of the organiser's file names, without the extension
 
@@ -268,6 +275,7 @@ bool AcceptTypedName(HWND dialog, DeviceDialog& shown) {
             SetFocus(GetDlgItem(dialog, kName));
             return false;
         }
+        shown.accepted = SetTimer(dialog, kEndTimer, kEndDelay, nullptr) != 0;
     }
     shown.name = name;
     return true;
@@ -275,7 +283,7 @@ bool AcceptTypedName(HWND dialog, DeviceDialog& shown) {
 
 void Accept(HWND dialog, DeviceDialog& shown) {
     if (shown.kind == DialogKind::Save) {
-        if (AcceptTypedName(dialog, shown)) EndDialog(dialog, IDOK);
+        if (AcceptTypedName(dialog, shown) && !shown.accepted) EndDialog(dialog, IDOK);
         return;
     }
     const std::wstring name = SelectedName(dialog);
@@ -298,7 +306,8 @@ INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wide, LPARAM 
         return FALSE; // the keyboard is where it belongs already
     }
     auto* const shown = reinterpret_cast<DeviceDialog*>(GetWindowLongPtrW(dialog, DWLP_USER));
-    if (message != WM_COMMAND || !shown) return FALSE;
+    if (message == WM_TIMER && wide == kEndTimer) return EndDialog(dialog, IDOK);
+    if (message != WM_COMMAND || !shown || shown->accepted) return FALSE;
     switch (LOWORD(wide)) {
     case IDOK: Accept(dialog, *shown); return TRUE;
     case IDCANCEL: EndDialog(dialog, IDCANCEL); return TRUE;
