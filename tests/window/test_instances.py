@@ -1,4 +1,4 @@
-"""One copy at a time in the real program: what a second copy finds, what it leaves alone, which windows it never takes."""
+"""One copy at a time in the real program: what a second copy finds and what it leaves alone."""
 
 import time
 

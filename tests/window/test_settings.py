@@ -318,7 +318,8 @@ def test_a_last_document_that_is_no_melody_tells_so(start_with, prefix):
 
 def test_the_command_line_wins_over_the_last_document(start_with, melody):
     last = melody("LAST.SND", "tempo 96\nc5 1/4\n")
-    editor = start_with(SETTINGS, "File1", "1,PC:LAST.SND," + windows_path(last), windows_path(melody("NAMED.SND", "tempo 96\nd5 1/4\n")))
+    named = windows_path(melody("NAMED.SND", "tempo 96\nd5 1/4\n"))
+    editor = start_with(SETTINGS, "File1", "1,PC:LAST.SND," + windows_path(last), named)
     assert editor.caption() == "Sound Editor - PC:NAMED.SND"
 
 
