@@ -5,6 +5,8 @@
 #include "platform/windows/dialogs.h"
 #include "platform/windows/main_window.h"
 
+#include <algorithm>
+
 namespace tonex {
 
 namespace {
@@ -12,11 +14,14 @@ namespace {
 HWND Window() { return TheMainWindow().window; }
 
 /// Moves a rectangle onto the screen nearest to it so that all of it shows, its corner first of all.
+/// What is larger than the screen is made smaller.
 RECT OntoScreen(RECT area) {
     MONITORINFO monitor{};
     monitor.cbSize = sizeof monitor;
     if (!GetMonitorInfoW(MonitorFromRect(&area, MONITOR_DEFAULTTONEAREST), &monitor)) return area;
     const RECT& work = monitor.rcWork;
+    area.right = std::min(area.right, area.left + (work.right - work.left));
+    area.bottom = std::min(area.bottom, area.top + (work.bottom - work.top));
     LONG dx = 0, dy = 0;
     if (area.right > work.right) dx = work.right - area.right;
     if (area.left + dx < work.left) dx = work.left - area.left;
@@ -25,6 +30,9 @@ RECT OntoScreen(RECT area) {
     OffsetRect(&area, static_cast<int>(dx), static_cast<int>(dy));
     return area;
 }
+
+/// A stored number as a coordinate of a window; those have 16 bits, a damaged store any number.
+LONG Coordinate(int stored) { return std::clamp(stored, -32768, 32767); }
 
 /// At least the smallest size: a stored rectangle may come from another scale or be damaged.
 RECT LargeEnough(RECT area) {
@@ -90,7 +98,8 @@ bool GetMainWindowPlacement(WindowPlacement& placement) {
 }
 
 bool SetMainWindowPlacement(const WindowPlacement& placement) {
-    const RECT area = OntoScreen(LargeEnough({placement.left, placement.top, placement.right, placement.bottom}));
+    const RECT area = OntoScreen(LargeEnough({Coordinate(placement.left), Coordinate(placement.top),
+                                              Coordinate(placement.right), Coordinate(placement.bottom)}));
     WINDOWPLACEMENT system{};
     system.length = sizeof system;
     // The window is not on the screen yet: a maximised one is maximised when it is first shown.

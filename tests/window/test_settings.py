@@ -1,5 +1,7 @@
 """What the program keeps between two runs, help and the small windows, in the real program."""
 
+import os
+import subprocess
 import time
 
 import pytest
@@ -56,6 +58,23 @@ def start_with(prefix, screen):
         editor.kill()
 
 
+@pytest.fixture(scope="module")
+def bare():
+    """A prefix on a screen without a window manager, which would bring stray windows back by itself."""
+    read, write = os.pipe()
+    os.set_inheritable(write, True)
+    xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "1920x1200x24", "-nolisten", "tcp"],
+                            pass_fds=[write], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    os.close(write)
+    with os.fdopen(read) as pipe:
+        number = pipe.readline().strip()
+    prefix = Prefix("bare-screen", environment={"DISPLAY": ":" + number})
+    yield prefix
+    prefix.end()
+    xvfb.terminate()
+    xvfb.wait(10)
+
+
 # Placement.
 
 def test_a_maximised_window_comes_back_maximised_over_the_same_normal_place(scaled, screen):
@@ -108,12 +127,18 @@ def test_a_damaged_placement_centres_the_window(start_with, stored):
     "1,2147483647,2147483000,2147483647,2147483000", "1,2147483647,-2147483647,2147483647,-2147483647",
     "1,-2147483647,2147483647,-2147483647,2147483647", "1,100,500,100,600", "2,9000,9000,9900,8000",
     "7,600,100,500,200", "0,600,100,500,200", "-1,600,100,500,200"])
-def test_a_placement_outside_the_screens_is_brought_onto_one(start_with, stored):
-    editor = start_with(SETTINGS, "WindwInformation", stored)
-    left, top, right, bottom = editor.main()["rect"]
-    assert left >= 0 and top >= 0 and right <= SCREEN[0] and bottom <= SCREEN[1], editor.main()["rect"]
-    assert right - left >= 600 and bottom - top >= 300
-    assert not editor.main()["minimised"]
+def test_a_placement_outside_the_screens_is_brought_onto_one(bare, stored):
+    bare.forget_settings()
+    bare.ask("setreg", SETTINGS, "WindwInformation", stored)
+    editor = Editor(bare, None)
+    try:
+        wait_until(lambda: editor.main() and editor.main()["visible"], 20, "the main window")
+        left, top, right, bottom = editor.main()["rect"]
+        assert left >= 0 and top >= 0 and right <= SCREEN[0] and bottom <= SCREEN[1], editor.main()["rect"]
+        assert right - left >= 600 and bottom - top >= 300
+        assert not editor.main()["minimised"]
+    finally:
+        editor.kill()
 
 
 def test_a_stored_minimised_state_restores_the_place_as_normal(start_with):
