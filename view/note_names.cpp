@@ -3,10 +3,9 @@
 namespace tonex {
 
 const NoteName kNoteNames[12] = {
-    {L"a", L"ラ", true, -1, 7}, {L"b", L"シ", false, -1, 6}, {L"c", L"ド", false, 0, 5},
-    {L"c", L"ド", true, 0, 5},  {L"d", L"レ", false, 0, 4},  {L"d", L"レ", true, 0, 4},
-    {L"e", L"ミ", false, 0, 3}, {L"f", L"ﾌｧ", false, 0, 2},  {L"f", L"ﾌｧ", true, 0, 2},
-    {L"g", L"ソ", false, 0, 1}, {L"g", L"ソ", true, 0, 1},   {L"a", L"ラ", false, 0, 0},
+    {L"a", L"ラ", true, -1}, {L"b", L"シ", false, -1}, {L"c", L"ド", false, 0}, {L"c", L"ド", true, 0},
+    {L"d", L"レ", false, 0}, {L"d", L"レ", true, 0},   {L"e", L"ミ", false, 0}, {L"f", L"ﾌｧ", false, 0},
+    {L"f", L"ﾌｧ", true, 0},  {L"g", L"ソ", false, 0},  {L"g", L"ソ", true, 0},  {L"a", L"ラ", false, 0},
 };
 
 namespace {
@@ -95,6 +94,11 @@ std::wstring LengthNameOf(std::uint16_t entry_code) {
     text += IsNote(entry_code) ? L" note" : L" rest";
     text[0] = static_cast<wchar_t>(text[0] - L'a' + L'A');
     return text;
+}
+
+bool IsSharp(std::uint16_t pitch) {
+    const NoteName* row = NameRowOf(pitch);
+    return row != nullptr && row->sharp;
 }
 
 std::wstring EntryNameOf(std::uint16_t entry_code, std::uint16_t pitch, bool doremi) {

@@ -16,7 +16,6 @@ struct NoteName {
     std::wstring_view doremi;
     bool sharp;
     int octave_shift; ///< added to trunc((pitch - 1) / 12) + 2
-    int staff_step;
 };
 
 extern const NoteName kNoteNames[12];
@@ -36,10 +35,6 @@ std::wstring LengthNameOf(std::uint16_t entry_code);
 std::wstring EntryNameOf(std::uint16_t entry_code, std::uint16_t pitch, bool doremi);
 
 /// Whether a pitch carries a sharp sign. The strip asks for each of its pictures.
-constexpr bool IsSharp(std::uint16_t pitch) {
-    constexpr unsigned sharp_semitones = 1u << 0 | 1u << 3 | 1u << 5 | 1u << 8 | 1u << 10;
-    const int semitone = SemitoneOf(static_cast<std::int16_t>(pitch));
-    return pitch != kEmpty && semitone >= 0 && (sharp_semitones >> semitone & 1) != 0;
-}
+bool IsSharp(std::uint16_t pitch);
 
 } // namespace tonex
