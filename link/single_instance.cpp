@@ -1,5 +1,6 @@
 #include "link/single_instance.h"
 
+#include "link/paths.h"
 #include "platform/text.h"
 #include "platform/window_list.h"
 
@@ -11,17 +12,6 @@ namespace {
 
 constexpr std::wstring_view kScheduler = L"Veloxa Scheduler";
 constexpr std::wstring_view kSchedulerAlarm = L"Veloxa Scheduler - Matching with Schedule alarm!";
-
-bool EqualIgnoringCase(std::wstring_view a, std::wstring_view b) {
-    if (a.size() != b.size()) return false;
-    const auto lower = [](wchar_t c) {
-        return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + (L'a' - L'A')) : c;
-    };
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (lower(a[i]) != lower(b[i])) return false;
-    }
-    return true;
-}
 
 /// The caption, cut before its first NUL; empty when it is too short for the title or can not be read.
 /// Lengths in characters are compared with the title's length in bytes; kept as it is.
@@ -39,7 +29,7 @@ WindowId FindMainWindow(const std::wstring& title) {
     for (WindowId window = FirstTopLevelWindow(); window != 0; window = NextWindow(window)) {
         const std::wstring caption = CaptionOf(window, title_bytes);
         if (caption.empty() || !caption.starts_with(title)) continue;
-        if (scheduler && EqualIgnoringCase(caption, kSchedulerAlarm)) continue;
+        if (scheduler && UpperCase(caption) == UpperCase(kSchedulerAlarm)) continue;
         // The suite's main windows are owned by their hidden application window; another program's window
         // that begins with the same words is not.
         if (OwnerOf(window) != 0) return window;

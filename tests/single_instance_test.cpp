@@ -66,7 +66,7 @@ TEST(SingleInstance, TheFirstInTheOrderOfWindowsIsTaken) {
 
 TEST(SingleInstance, TheSchedulersAlarmWindowIsNotItsMainWindow) {
     const desktop::Window alarm{L"Veloxa Scheduler - Matching with Schedule alarm!", kOwner};
-    const desktop::Window shouted{L"VELOXA SCHEDULER - MATCHING WITH SCHEDULE ALARM!", kOwner};
+    const desktop::Window shouted{L"Veloxa Scheduler - MATCHING WITH SCHEDULE ALARM!", kOwner};
     const desktop::Window main{L"Veloxa Scheduler - Today", kOwner};
     EXPECT_EQ(Search({alarm, main}, L"Veloxa Scheduler"),
               (Log{"ReadCaption 1", "ReadCaption 2", "BringToForeground 2"}));
