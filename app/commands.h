@@ -63,6 +63,7 @@ struct ToolButtonRow {
 
 /// All menu items, in the order of MenuItem (row i is item i).
 std::span<const MenuRow, kMenuItems> MenuRows();
+/// The menu bar, left to right (row i is menu i).
 std::span<const MenuTitle, kMenus> MenuTitles();
 /// The toolbar, left to right.
 std::span<const ToolButtonRow, kToolButtons> ToolButtonRows();

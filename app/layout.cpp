@@ -1,6 +1,7 @@
 #include "app/layout.h"
 
 #include "app/sndmain.h"
+#include "pictures/glyphs.h"
 #include "view/score_view.h"
 
 #include <algorithm>
@@ -10,14 +11,10 @@ namespace tonex {
 namespace {
 
 // Twips; 15 are a pixel of the ordinary screen.
-constexpr int kGap = 180;           ///< between the blocks of the window
-constexpr int kToolbarGap = 60;    ///< below the toolbar
-constexpr int kStaffEnd = 60;       ///< of the panel right of the last picture
-constexpr int kStaffInset = 30;     ///< between the panel's edges and the staff lines
-constexpr int kTopStaffLine = 1170; ///< f6, in the panel
-constexpr int kLineSpacing = 120;
-constexpr int kPictureWidth = 300;
-constexpr int kPictureHeight = 480;
+constexpr int kGap = 180;         ///< between the blocks of the window
+constexpr int kToolbarGap = 60;   ///< below the toolbar
+constexpr int kStaffEnd = 60;     ///< of the panel right of the last picture
+constexpr int kStaffInset = 30;   ///< between the panel's edges and the staff lines
 constexpr int kPictureTop = 1140; ///< in the middle of the panel, until a slot is shown
 constexpr int kGridRowHeight = 390;
 constexpr int kScrollBarHeight = 255;
@@ -58,7 +55,7 @@ constexpr int kLengthButtonsHeight = 2 * kButtonHeight + kButtonRowGap;
 void PlaceStaff(sndmain& window, int left, int top) {
     window.picStaff = {left, top, kPanelWidth, kStaffPanelHeight};
     for (int i = 0; i < 5; ++i) {
-        const int y = kTopStaffLine + i * kLineSpacing;
+        const int y = kTopStaffLine + i * kStaffSpace;
         window.Line1[At(i)] = {kClefWidth, kStripRight, y};
         window.linSub[At(i)] = {kStaffInset, kClefWidth, y};
         window.linSub[At(9 - i)] = {kStripRight, kPanelWidth - kStaffInset, y};
@@ -88,7 +85,8 @@ void PlaceTempo(sndmain& window, int left, int top) {
     const int buttons_left = left + kPanelWidth - kLengthButtonsWidth;
     const int label_top = top + (kButtonHeight - kTextHeight) / 2;
     window.Label2.place = {left, label_top, kCaptionWidth, kTextHeight};
-    window.TempoCombo.place = {box_left, top + (kButtonHeight - kTempoBoxHeight) / 2, kTempoBoxWidth, kTempoBoxHeight};
+    window.TempoCombo.place = {box_left, top + (kButtonHeight - kTempoBoxHeight) / 2, kTempoBoxWidth,
+                               kTempoBoxHeight};
     window.lblTempo.place = {name_left, label_top, buttons_left - name_left, kTextHeight};
     const int second_row = top + kButtonHeight + kButtonRowGap;
     window.Label3.place = {left, second_row + (kButtonHeight - kTextHeight) / 2, kCaptionWidth, kTextHeight};

@@ -23,6 +23,7 @@ namespace tonex {
 inline constexpr int kStripPictures = 30;
 inline constexpr int kGridColumnsShown = 30; ///< columns that the grid shows at once
 inline constexpr int kLengthButtons = 40;
+inline constexpr int kTopStaffLine = 1170; ///< of the staff's five lines, twips from the top of its panel
 inline constexpr std::uint32_t kWhiteKeyColour = 0xFFFFFF;
 inline constexpr std::uint32_t kBlackKeyColour = 0x000000;
 inline constexpr std::uint32_t kPressedKeyColour = 0x3D8BD4; ///< red, green, blue from the highest byte down
@@ -108,12 +109,17 @@ struct ConvertWindow {
     bool operator==(const ConvertWindow&) const = default;
 };
 
+// Values of the location flag. 1 and 0, not the all-ones truth value of other flags: kept as it is, because
+// the last document's setting holds the flag as a number.
+inline constexpr std::int16_t kOnPc = 1;
+inline constexpr std::int16_t kOnDevice = 0;
+
 /// The document: where the score lives.
 struct Document {
-    std::wstring current_path;      ///< full path; empty for an untitled score
-    std::int16_t location_flag = 1; ///< 1 = a PC file, any other value = a device file
-    bool upload_requested = false;  ///< the next save writes a temporary file and uploads it
-    std::wstring device_path;       ///< device-side path of the last device file saved
+    std::wstring current_path;          ///< full path; empty for an untitled score
+    std::int16_t location_flag = kOnPc; ///< kOnPc = a PC file, any other value = a device file
+    bool upload_requested = false;      ///< the next save writes a temporary file and uploads it
+    std::wstring device_path;           ///< device-side path of the last device file saved
     FileDialog ComOpen;
     FileDialog ComSave;
 };
@@ -130,7 +136,7 @@ struct UndoCopy {
 
 struct Clipboard {
     std::vector<Entry> columns;
-    bool filled = false; ///< set by Copy, never cleared
+    bool filled = false; ///< set by Copy, never cleared, not even by New; kept as it is
 };
 
 struct sndmain {
@@ -142,14 +148,12 @@ struct sndmain {
 
     // Values that several rooms share.
     TimingTables tables;
-    std::array<TempoRange, 8> tempo_ranges{};
     ScreenMeasures screen;
     bool doremi = false;                   ///< note names as do-re-mi
     std::int16_t StaffOffset = 0;          ///< twips added to every staff position
     std::int16_t KeyboardBaseOctave = 4;   ///< printed on the leftmost group of piano keys
     std::int16_t current_length = 11;      ///< entry code 1 to 20 that a key click gives to a new note
     std::int16_t standard_col_width = 390; ///< of a grid column, twips
-    int rounding_toggle = 0;
     bool preview_busy = false;
     bool second_copy = false; ///< this copy only hands over to the first
     LinkState link;
@@ -211,6 +215,10 @@ constexpr int LengthButtonIndex(int slot) {
 /// The highest first visible column: the last column then stands at the right edge.
 constexpr int LastLeftCol(const ScoreGrid& grid) {
     return grid.Cols > kGridColumnsShown ? grid.Cols - kGridColumnsShown : 0;
+}
+/// The slot under a column of the grid, 0 to 510.
+inline Entry& SlotAt(sndmain& window, int column) {
+    return window.score.sound[static_cast<std::size_t>(column)];
 }
 /// Whether more than one column is selected.
 constexpr bool RangeSelected(const ScoreGrid& grid) {

@@ -21,8 +21,6 @@ namespace tonex {
 
 namespace {
 
-constexpr std::int16_t kOnPc = 1;
-
 /// The record's own measures: the screen, and a client area in which everything has its place.
 void LayOut(sndmain& window) {
     window.screen = MeasureScreen();
@@ -37,13 +35,11 @@ void SetUpTitleAndHelp(sndmain& window) {
 
 void SetUpGridAndStrip(sndmain& window) {
     ComputeStaffOffset(window);
-    LayoutKeys(window);
     LoadDoremiSetting(window);
     LayoutKeyLabels(window);
 }
 
 void SetUpTempo(sndmain& window) {
-    FillTempoTable(window);
     window.tables = BuildTimingTables();
     FillTempoCombo(window);
 }
@@ -71,6 +67,7 @@ void RemindOfTransfer(const sndmain& window) {
 StartResult StartUp(sndmain& window, const std::wstring& command_line_path) {
     window.second_copy = PreviousInstanceRunning();
     if (window.second_copy) {
+        // A file on this copy's command line is not handed over to the first one; kept as it is.
         ActivatePreviousInstance(L"Sound Editor");
         return StartResult::EndSilent;
     }
@@ -90,7 +87,8 @@ bool CloseAllowed(sndmain& window) {
     if (window.second_copy) return true;
     if (window.preview_busy) return false;
     if (!AskToSaveChanges(window)) return false;
-    if (!Disconnect(window)) return false;
+    if (!Disconnect(window))
+        return false; // a link that reports a failure keeps the window open, kept as it is
     RemindOfTransfer(window);
     SaveWindowPlacement(kSettingsSection);
     return true;

@@ -22,8 +22,6 @@ namespace tonex {
 namespace {
 
 constexpr const char* kDeviceExtension = "snd";
-constexpr std::int16_t kOnPc = 1;
-constexpr std::int16_t kOnDevice = 0;
 
 /// What the library writes text into. It is told of 200 characters and no more are read; the rest is a margin
 /// for a library that puts its ending NUL behind them.
@@ -155,24 +153,17 @@ std::wstring PathInLastDocument(const std::wstring& text, std::int16_t& location
 } // namespace
 
 bool SaveToDevice(sndmain& window) {
-    Document& document = window.document;
+    const Document& document = window.document;
     const bool name_fits = CheckNameLength(document.current_path);
     if (document.current_path.empty() || !name_fits || document.location_flag == kOnPc) {
         return SaveToDeviceAs(window);
     }
-    if (!CanSaveToDevice(window.library)) {
-        document.upload_requested = false;
-        return false;
-    }
+    if (!CanSaveToDevice(window.library)) return false;
     // The cache copy goes before anyone knows whether its path can be converted; kept as it is.
-    DeleteFileIfExists(document.current_path);
-    document.upload_requested = true;
-    const std::string device_path = CacheToDevice(window, document.current_path);
-    if (device_path.empty()) {
-        document.upload_requested = false;
-        return false;
-    }
     const std::wstring cache_path = document.current_path;
+    DeleteFileIfExists(cache_path);
+    const std::string device_path = CacheToDevice(window, cache_path);
+    if (device_path.empty()) return false;
     return SaveAndHandOver(window, cache_path, device_path);
 }
 
@@ -216,6 +207,8 @@ bool UploadFile(sndmain& window, const std::wstring& file_path) {
 }
 
 bool ReopenLastFile(sndmain& window, const std::wstring& section) {
+    // The suite's viewer reopens its last sound by this routine too and lists the device first. With the
+    // editor's own section that never happens; kept as it is, so that the routine serves both.
     if (section == L"Sclview") window.link.device_sounds = ListDeviceSounds(window);
     Document& document = window.document;
     document.current_path.clear();

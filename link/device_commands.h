@@ -7,13 +7,17 @@ namespace tonex {
 
 struct sndmain;
 
-/// Save to Veloxa. True when the device took the score; otherwise nothing has changed but what the user was
-/// told.
+/// Save to Veloxa. True when the device took the score. Otherwise the melody is in the editor only and counts
+/// as changed: the copy in the cache is deleted first.
 bool SaveToDevice(sndmain& window);
 
+/// Open on Veloxa.
 void mnuFileOpenZ730_Click(sndmain& window);
+/// Save to Veloxa.
 void mnuFileOverWriteZ730_Click(sndmain& window);
+/// Save to Veloxa as.
 void mnuFileSaveWithNameZ730_Click(sndmain& window);
+/// Disconnection Setup: shows the link library's own dialog.
 void Disconnection_Click(sndmain& window);
 /// Reads the last document of a settings section into the record. True when a file is to be opened.
 bool ReopenLastFile(sndmain& window, const std::wstring& section);

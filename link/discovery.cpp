@@ -20,14 +20,14 @@ bool FolderExists(const std::wstring& path) {
     return !PathExists(path, kAttributeDirectory).empty();
 }
 
-/// 1 for a PC file, 0 for a file of the device cache. Without the library's answer, what lies below the cache
-/// folder is a device file.
+/// kOnPc, or kOnDevice for a file of the device cache. Without the library's answer, what lies below the
+/// cache folder is a device file.
 std::int16_t LocationOf(const sndmain& window, const std::wstring& path) {
     if (window.library.Cor_IsOnPcFile) {
-        return window.library.Cor_IsOnPcFile(ToAnsi(path).c_str()) != 0 ? 1 : 0;
+        return window.library.Cor_IsOnPcFile(ToAnsi(path).c_str()) != 0 ? kOnPc : kOnDevice;
     }
     const std::wstring cache = UpperCase(window.link.InstallDir + L"\\pcferry\\cache\\");
-    return UpperCase(path).starts_with(cache) ? 0 : 1;
+    return UpperCase(path).starts_with(cache) ? kOnDevice : kOnPc;
 }
 
 } // namespace
@@ -54,7 +54,7 @@ std::optional<std::wstring> GetInstallDir() {
 void ResolveUserSoundDir(const std::wstring& install, std::wstring& pc_sound_dir,
                          const std::wstring& /*cache_sound_dir*/, bool& show_message) {
     const std::wstring user_data = install + L"\\UserData";
-    // The link software's cache is not asked for here; its place is written down where the routine is shared.
+    // The link software's cache is not asked for, its place is only written down; kept as it is.
     [[maybe_unused]] const std::wstring cache = install + L"\\PcFerry\\Cache";
     if (FolderExists(pc_sound_dir)) return;
     if (FolderExists(user_data)) {
@@ -72,10 +72,10 @@ void ShowLinkSoftwareMissing() {
 
 bool DiscoverLinkSoftware(sndmain& window) {
     const std::optional<std::wstring> install = GetInstallDir();
-    if (!install) return false;
+    if (!install) return false; // the program ends without a word: it has no use without the link software
     LinkState& link = window.link;
     link.InstallDir = *install;
-    // Letter case as the suite's programs write it; the file system ignores it.
+    // "userdata" here and "UserData" in the fallback: the file system ignores it, kept as it is.
     link.PcSoundDir = *install + L"\\userdata\\sound";
     link.CacheSoundDir = *install + L"\\pcferry\\cache\\System\\sound";
     link.SystemIniPath = *install + L"\\pcferry\\cache\\System\\System.ini";
@@ -91,7 +91,7 @@ void RememberFolderOfFile(sndmain& window, std::wstring& path, std::wstring& fol
     path = WithoutQuotes(path);
     const std::wstring home = WithoutTrailingBackslash(FolderOfPath(path));
     is_on_pc = LocationOf(window, path);
-    if (is_on_pc == 0 && FolderExists(home)) folder = home;
+    if (is_on_pc == kOnDevice && FolderExists(home)) folder = home;
 }
 
 } // namespace tonex

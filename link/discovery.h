@@ -10,17 +10,18 @@ namespace tonex {
 struct sndmain;
 
 /// The installation folder from the current user's registry, without a trailing backslash; nothing when the
-/// key or the value is missing or empty (the program then ends without a message).
+/// key or the value is missing or empty (the program then ends without a message, kept as it is).
 std::optional<std::wstring> GetInstallDir();
 /// The terminator rule by which the registry's text is cut: `buffer` as queried, `size` as reported.
 std::wstring TrimRegistryText(const std::wstring& buffer, std::uint32_t size);
 /// Fallback for the PC sound folder; warns once when neither folder is there.
 void ResolveUserSoundDir(const std::wstring& install, std::wstring& pc_sound_dir,
                          const std::wstring& cache_sound_dir, bool& show_message);
+/// Warns that the link software's folders are missing.
 void ShowLinkSoftwareMissing();
 /// Sets the path variables, the dialogs' start folders and the link library table. False: end the program.
 bool DiscoverLinkSoftware(sndmain& window);
-/// Strips quotes from the path, classifies it (1 = PC file, 0 = device file), and keeps its folder when that
+/// Strips quotes from the path, classifies it (kOnPc or kOnDevice), and keeps its folder when that
 /// exists and the file is a device file.
 void RememberFolderOfFile(sndmain& window, std::wstring& path, std::wstring& folder, std::int16_t& is_on_pc);
 

@@ -61,7 +61,7 @@ bool MainWindowIsSizable() {
 } // namespace
 
 std::wstring LastDocumentText(std::int16_t location_flag, const std::wstring& path) {
-    return std::to_wstring(location_flag) + (location_flag == 1 ? L",PC:" : L",Veloxa:") +
+    return std::to_wstring(location_flag) + (location_flag == kOnPc ? L",PC:" : L",Veloxa:") +
            FileNameOfPath(path) + L"," + path;
 }
 

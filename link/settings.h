@@ -24,17 +24,24 @@ std::wstring LastDocumentText(std::int16_t location_flag, const std::wstring& pa
 std::wstring PlacementText(const WindowPlacement& placement);
 /// Nothing when the text has fewer than five whole numbers, or one that overflows.
 std::optional<WindowPlacement> ParsePlacement(const std::wstring& text);
+/// Stores the main window's placement, unless the system refuses to tell it.
 void SaveWindowPlacement(const std::wstring& section);
-/// True when the full placement was applied; otherwise the window is to be centred or only moved.
+/// Places the main window as stored. True when the full placement was applied; false when the window was
+/// centred, or, being of a fixed size, only moved.
 bool RestoreWindowPlacement(sndmain& window, const std::wstring& section);
 
 /// True when the transfer reminder is not wanted (`MsgDsp` = 1).
 bool ReadMsgDsp();
+/// Stores `MsgDsp`: 1 = the transfer reminder is not wanted.
 void SaveMsgDsp(int value);
 
+/// Opens the help file, or the guide where the system shows no help files.
 void ShowHelp(sndmain& window);
+/// Help Topics.
 void MenuTopic_Click(sndmain& window);
+/// About Sound Editor.
 void MenuVersion_Click(sndmain& window);
+/// Verify to transfer all data: turns the transfer reminder on or off.
 void MenuCheckMsg_Click(sndmain& window);
 /// The Setting menu is about to open: its entry is ticked when the reminder is wanted.
 void MenuDefine_Open(sndmain& window);

@@ -9,7 +9,6 @@
 #include "platform/message_box.h"
 #include "platform/temporary_files.h"
 #include "platform/text.h"
-#include "score/int16.h"
 #include "score/save_file.h"
 #include "view/score_view.h"
 #include "view/tempo_box.h"
@@ -25,8 +24,6 @@ namespace {
 constexpr std::wstring_view kProgramTitle = L"Sound Editor";
 constexpr std::wstring_view kExtension = L".SND";
 constexpr std::size_t kNameBytes = 8;
-constexpr std::int16_t kOnPc = 1;
-constexpr int kLastGridCursor = 508; ///< a full score shows no end column
 
 void TellHowManyDidNotFit(int entries) {
     // The number stands between the words with nothing around it; kept as it is.
@@ -98,7 +95,6 @@ bool SaveBeforeGoingOn(sndmain& window) {
         if (path.empty()) return false;
         window.link.PcSoundDir = FolderOfPath(path);
     } else if (document.location_flag != kOnPc) {
-        document.upload_requested = true;
         return SaveToDevice(window);
     }
     const SndResult result = SaveOnPc(window, path);
@@ -108,8 +104,7 @@ bool SaveBeforeGoingOn(sndmain& window) {
 
 void ShowLoadedScore(sndmain& window) {
     ScoreGrid& grid = window.grdScore;
-    grid.LeftCol = 0;
-    grid.Col = std::min(EndColumn(window.score), kLastGridCursor);
+    grid.Col = std::min(EndColumn(window.score), kLastColumn); // a full score shows no end column
     grid.ColSel = grid.Col;
     RedrawGrid(window);
     DrawStrip(window, 0);
@@ -163,6 +158,7 @@ bool CheckNameLength(const std::wstring& path) {
 }
 
 bool AskToSaveChanges(sndmain& window) {
+    // Separators alone are no melody to lose; kept as it is.
     if (!HasSoundingEntry(window.score)) window.score.changed = false;
     if (!window.score.changed) return true;
     switch (ShowMessage(L"Do you want to save the changes?", MessageButtons::YesNoCancel)) {
@@ -184,7 +180,6 @@ bool LoadDocument(sndmain& window, std::wstring_view suffix) {
     } else {
         left_out = FillFromFileList(window.score, list, window.StaffOffset);
         SelectTempo(window, tempo);
-        UpdateTempoLabel(window);
         ShowLoadedScore(window);
         SetTitle(window, suffix);
     }
@@ -199,7 +194,7 @@ SndResult SaveDocument(sndmain& window, const std::wstring& path, std::wstring_v
     const FileList list = BuildSaveList(window.score);
     std::wstring target = path;
     std::int16_t entries_written = 0;
-    const std::int16_t tempo = ToInt16(TempoForWriting(window)).value_or(0);
+    const std::int16_t tempo = TempoForWriting(window);
     const SndResult result = SoundDataToFile(window, tempo, list, target, entries_written);
     if (result == kSndWriteError) {
         ShowMessage(L"Write error!");

@@ -37,9 +37,13 @@ SndResult SoundDataToFile(sndmain& window, std::int16_t tempo, const FileList& l
 /// Reads a SND file. Results: kSndDone, kSndNotFound, kSndBadFormat.
 SndResult FileToSoundData(std::int16_t& tempo, FileList& list, const std::wstring& path);
 
+/// New: an empty untitled score.
 void mnuNewFile_Click(sndmain& window);
+/// Open on PC.
 void mnuFileOpen_Click(sndmain& window);
+/// Save to PC; runs Save to PC as for an untitled document, a device file and a name that is too long.
 void mnuFileOverWrite_Click(sndmain& window);
+/// Save to PC as.
 void mnuFileSaveWithName_Click(sndmain& window);
 
 } // namespace tonex

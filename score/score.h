@@ -7,12 +7,13 @@
 
 namespace tonex {
 
-inline constexpr int kSlots = 511;                 ///< slots of the table; slot 510 is a guard, never used
-inline constexpr int kUsableSlots = 510;           ///< slots that Clear resets: 0 to 509
-inline constexpr int kMaxEntries = 509;            ///< the longest melody
-inline constexpr std::int16_t kMaxEndCount = 510;  ///< end count of the longest melody
-inline constexpr std::uint16_t kEmpty = 65535;     ///< entry code of an empty slot; pitch of what has none
-inline constexpr std::uint16_t kSeparator = 0;     ///< entry code of the blank entry that Insert creates
+inline constexpr int kSlots = 511;                  ///< slots of the table; slot 510 is a guard, never used
+inline constexpr int kUsableSlots = 510;            ///< slots that Clear resets: 0 to 509
+inline constexpr int kMaxEntries = 509;             ///< the longest melody
+inline constexpr int kLastColumn = 508;             ///< slot of the last entry of the longest melody
+inline constexpr std::int16_t kMaxEndCount = 510;   ///< end count of the longest melody
+inline constexpr std::uint16_t kEmpty = 65535;      ///< entry code of an empty slot; pitch of what has none
+inline constexpr std::uint16_t kSeparator = 0;      ///< entry code of the blank entry that Insert creates
 inline constexpr std::int16_t kRestPosition = 1200; ///< staff position of what has no pitch, in twips
 
 /// One slot: the three rows of the table that belong together.
@@ -24,7 +25,7 @@ struct Entry {
 };
 
 /// The melody and the state that goes with it.
-/// Invariants: entries are contiguous from slot 0; sound[end_count - 1].code is kEmpty; end_count is 1 to 510.
+/// Invariants: entries are contiguous from slot 0; end_count is 1 to 510; slot end_count - 1 is empty.
 struct Score {
     std::array<Entry, kSlots> sound{};
     std::int16_t end_count = 1;    ///< index of the first empty slot plus 1
@@ -33,12 +34,22 @@ struct Score {
     bool changed = false;          ///< set by every edit; asks for saving
 };
 
-constexpr bool IsNote(std::uint16_t code) { return code >= 1 && code <= 20; }
-constexpr bool IsRest(std::uint16_t code) { return code >= 21 && code <= 40; }
+/// Whether an entry code is that of a note, 1 to 20.
+constexpr bool IsNote(std::uint16_t code) {
+    return code >= 1 && code <= 20;
+}
+/// Whether an entry code is that of a rest, 21 to 40.
+constexpr bool IsRest(std::uint16_t code) {
+    return code >= 21 && code <= 40;
+}
 /// Whether the entry code is above 0 as a signed number: a note, a rest, or a foreign file's unknown code.
-constexpr bool IsSounding(std::uint16_t code) { return static_cast<std::int16_t>(code) > 0; }
+constexpr bool IsSounding(std::uint16_t code) {
+    return static_cast<std::int16_t>(code) > 0;
+}
 /// Index of the first empty slot, the column behind the last entry.
-constexpr int EndColumn(const Score& score) { return score.end_count - 1; }
+constexpr int EndColumn(const Score& score) {
+    return score.end_count - 1;
+}
 
 /// An entry as SND files encode it.
 struct FileEntry {
@@ -47,16 +58,19 @@ struct FileEntry {
     bool operator==(const FileEntry&) const = default;
 };
 
-inline constexpr int kFileListRows = 512; ///< the 511 entries that a 1,029-byte edit block can hold, and the end
+/// The 511 entries that an edit block of 1,029 bytes can hold, and the end.
+inline constexpr int kFileListRows = 512;
 
-/// The two-row list that passes between the score and the SND reader and writer; the first code 65535 ends it.
+/// The two-row list that passes between score and SND reader or writer; the first code 65535 ends it.
 using FileList = std::array<FileEntry, kFileListRows>;
 
 /// Number of entries in front of the end code.
 int CountEntries(const FileList& list);
 
 /// The semitone within the octave of a pitch, (pitch - 1) mod 12 with the sign of pitch - 1; 0 = a-sharp.
-constexpr int SemitoneOf(std::int16_t pitch) { return (pitch - 1) % 12; }
+constexpr int SemitoneOf(std::int16_t pitch) {
+    return (pitch - 1) % 12;
+}
 
 /// The staff position of a pitch in twips: 60 a step, 420 an octave, smaller = higher.
 /// `staff_offset` is the display's vertical offset in twips. A pitch of 65535 gives 1200 without the offset.

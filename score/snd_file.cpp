@@ -79,7 +79,7 @@ struct EntryWriter {
     std::size_t mode;
     Block play;
     Block edit;
-    int pitch_byte = 0; ///< a separator repeats these two from the entry before it
+    int pitch_byte = 0; ///< a separator repeats these two from the entry before it, kept as it is
     int units = 0;
     int toggle = 0;
 };

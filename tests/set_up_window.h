@@ -26,7 +26,6 @@ inline std::unique_ptr<sndmain> SetUpWindow(float twips_per_pixel = 15) {
     window->tables = BuildTimingTables();
     LayoutWindow(*window, kMinClientWidth, kMinClientHeight);
     ComputeStaffOffset(*window);
-    FillTempoTable(*window);
     FillTempoCombo(*window);
     ClearAll(*window);
     return window;

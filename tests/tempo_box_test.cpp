@@ -23,22 +23,6 @@ TEST(TempoBox, HoldsThe28TemposEachWithALeadingBlank) {
     EXPECT_EQ(window->TempoCombo.List, expected);
 }
 
-TEST(TempoBox, TempoTableIsTheOneOfTheRules) {
-    const auto window = SetUpWindow();
-    struct Row {
-        const wchar_t* name;
-        int lower, upper;
-    };
-    const Row expected[8] = {{L"Largo", 40, 50},    {L"Lento", 50, 58},     {L"Adagio", 58, 67},
-                             {L"Andante", 67, 81},  {L"Moderato", 81, 102}, {L"Allegro", 102, 138},
-                             {L"Vivace", 138, 167}, {L"Presto", 167, 320}};
-    for (std::size_t i = 0; i < 8; ++i) {
-        EXPECT_EQ(window->tempo_ranges[i].name, expected[i].name);
-        EXPECT_EQ(window->tempo_ranges[i].lower, expected[i].lower);
-        EXPECT_EQ(window->tempo_ranges[i].upper, expected[i].upper);
-    }
-}
-
 TEST(TempoBox, StartsWith120) {
     const auto window = SetUpWindow();
     EXPECT_EQ(window->TempoCombo.ListIndex, 7);

@@ -23,10 +23,6 @@ Range SelectedRange(const ScoreGrid& grid) {
     return {std::min(grid.Col, grid.ColSel), std::max(grid.Col, grid.ColSel)};
 }
 
-Entry& SlotAt(sndmain& window, int column) {
-    return window.score.sound[static_cast<std::size_t>(column)];
-}
-
 // The selection without the end column; nothing when it holds no entry.
 std::optional<Range> SelectedEntries(const sndmain& window) {
     Range range = SelectedRange(window.grdScore);
@@ -59,6 +55,8 @@ void FinishEdit(sndmain& window) {
 // What a transposition makes of a note's pitch and staff position; false when 16 bits do not hold it.
 using Transposition = bool (*)(Entry& entry, int amount, std::int16_t staff_offset);
 
+// The position moves by an octave's height; it is not worked out anew, which below pitch 1 would differ. Kept
+// as it is.
 bool ShiftOctave(Entry& entry, int octaves, std::int16_t) {
     const auto pitch = ToInt16(AsSigned(entry.pitch) + 12 * octaves);
     const auto position = ToInt16(AsSigned(entry.position) - 420 * octaves);
@@ -150,7 +148,8 @@ void mnuDelete_Click(sndmain& window) {
     Range range = SelectedRange(window.grdScore);
     // With 508 entries counted and one more in the last column the selection stands as it is: the column that
     // would be the end column holds an entry. Kept as it is.
-    const bool last_column_filled = score.end_count == kMaxEntries && SlotAt(window, 508).code != kEmpty;
+    const bool last_column_filled =
+        score.end_count == kMaxEntries && SlotAt(window, kLastColumn).code != kEmpty;
     if (!last_column_filled) {
         const auto entries = SelectedEntries(window);
         if (!entries) return;

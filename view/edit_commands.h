@@ -6,16 +6,28 @@ namespace tonex {
 
 struct sndmain;
 
-/// Copies score and view into the undo copy.
+/// Copies score, current length and view into the undo copy. Every edit command but Copy begins with it,
+/// before any condition is tested: one that then does nothing has replaced the undo copy all the same, kept
+/// as it is.
 void SaveUndo(sndmain& window);
-/// Undo: exchanges score and undo copy; its own inverse.
+/// Undo: exchanges score and undo copy. Its own inverse, kept as it is: a second Undo takes the first one
+/// back.
 void SwapUndo(sndmain& window);
 
+/// Copies the selected entries to the clipboard; nothing on the end column.
 void mnuCopy_Click(sndmain& window);
+/// Copy, then Delete.
 void mnuCut_Click(sndmain& window);
+/// Deletes the selected entries; later ones move left.
 void mnuDelete_Click(sndmain& window);
+/// Inserts as many blank entries as columns are selected in front of the selection, up to an end count of
+/// 509.
 void mnuInsert_Click(sndmain& window);
+/// Inserts the clipboard in front of the selection, up to an end count of 510.
 void mnuPaste_Click(sndmain& window);
+
+/// Transpositions of every note of the score by 12 half tones or by one, whatever is selected. They know no
+/// bounds but those of 16 bits: where one note would leave them, all notes stay as they are.
 void mnuOctUp_Click(sndmain& window);
 void mnuOctDown_Click(sndmain& window);
 void mnuSoundUp_Click(sndmain& window);

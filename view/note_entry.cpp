@@ -13,13 +13,8 @@ namespace tonex {
 
 namespace {
 
-constexpr int kLastColumn = kMaxEntries - 1; ///< 508: the last usable column of a full score
-constexpr std::int16_t kHighestRaised = 74;  ///< "+" leaves notes above it alone
-constexpr std::int16_t kLowestLowered = 28;  ///< "-" leaves notes below it alone
-
-Entry& SlotAt(sndmain& window, int column) {
-    return window.score.sound[static_cast<std::size_t>(column)];
-}
+constexpr std::int16_t kHighestRaised = 74; ///< "+" leaves notes above it alone
+constexpr std::int16_t kLowestLowered = 28; ///< "-" leaves notes below it alone
 
 void MoveTo(sndmain& window, int column) {
     window.grdScore.Col = column;
@@ -56,10 +51,10 @@ void AppendColumn(sndmain& window) {
 }
 
 void MoveOn(sndmain& window, int column) {
-    // The last column of a full score, 508, has no end column behind it.
+    // A full score has no end column behind its last column, 508: the cursor stays.
     if (column + 1 >= window.grdScore.Cols) return;
     MoveTo(window, column + 1);
-    CursorChanged(window);
+    KeepColumnInView(window, column + 1);
 }
 
 // EnterAtCursor leaves grid, strip and pressed key as the score has them: of the window's state only the
@@ -99,6 +94,8 @@ void EnterAtCursor(sndmain& window, int code, std::uint16_t pitch) {
     assert(column >= 0 && column < kUsableSlots);
     if (code > 100) code -= 80;
 
+    // In a full score the slot behind the last entry is written all the same, but the score does not grow;
+    // kept as it is. No event leads there.
     const bool appends = column == EndColumn(score) && score.end_count < kMaxEndCount;
     Entry& entry = SlotAt(window, column);
     if (TakesCode(score, column, pitch)) entry.code = static_cast<std::uint16_t>(code);
@@ -189,11 +186,6 @@ void imgNote_Click(sndmain& window, int index) {
     if (column >= window.grdScore.Cols) return;
     MoveTo(window, column);
     window.score.strip_cursor = static_cast<std::int16_t>(index);
-    ShowPressedKey(window);
-}
-
-void CursorChanged(sndmain& window) {
-    KeepColumnInView(window, window.grdScore.Col);
     ShowPressedKey(window);
 }
 

@@ -28,7 +28,4 @@ void grdScore_Scroll(sndmain& window, int left_col);
 /// A click on strip picture 0 to 29.
 void imgNote_Click(sndmain& window, int index);
 
-/// The grid's cursor-change handling: cursor kept in view, strip cursor, pressed key.
-void CursorChanged(sndmain& window);
-
 } // namespace tonex

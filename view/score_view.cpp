@@ -2,6 +2,7 @@
 
 #include "app/sndmain.h"
 #include "link/settings.h"
+#include "pictures/glyphs.h"
 #include "platform/settings.h"
 #include "score/int16.h"
 #include "view/note_names.h"
@@ -10,18 +11,12 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <cstdlib>
 
 namespace tonex {
 
 namespace {
 
-constexpr int kPictureWidth = 300;  // twips
-constexpr int kPictureHeight = 480; // twips
-constexpr int kHeadInPicture = 270; // twips from a picture's top to the centre of the head
-constexpr int kTopStaffLine = 1170; // twips from the top of the staff panel
-constexpr int kBottomStaffLine = 1650;
-constexpr int kLineSpacing = 120;
+constexpr int kBottomStaffLine = kTopStaffLine + 4 * kStaffSpace;
 constexpr std::int16_t kBarLinePicture = 58;
 constexpr const wchar_t* kDoremiKey = L"DoremiFlag";
 
@@ -45,17 +40,16 @@ void DrawPicture(sndmain& window, int image, int slot) {
     NoteImage& picture = window.imgNote[At(image)];
     picture.Picture = PictureOf(entry.code, entry.pitch);
     picture.place.Width = kPictureWidth;
+    picture.Sharp = IsNote(entry.code) && IsSharp(entry.pitch);
     if (entry.code == kSeparator) {
         picture.place.Top = window.linSub[9].Y;
         picture.place.Height = window.linSub[4].Y - window.linSub[9].Y;
-        picture.Sharp = false;
         picture.Stretch = true;
         picture.Visible = true;
         return;
     }
     picture.place.Top = AsSigned(entry.position);
     picture.place.Height = kPictureHeight;
-    picture.Sharp = IsNote(entry.code) && IsSharp(entry.pitch);
     picture.Stretch = false;
     picture.Visible = picture.Picture != 0;
 }
@@ -157,15 +151,10 @@ void LayoutKeyLabels(sndmain& window) {
 
 void ClearAll(sndmain& window) {
     ClearScore(window.score);
-    window.grdScore.Col = 0;
-    window.grdScore.ColSel = 0;
-    window.grdScore.LeftCol = 0;
-    RedrawGrid(window);
+    RedrawGrid(window); // one column, so that cursor, selection and view are on it
     DrawStrip(window, 0);
-    window.score.strip_cursor = 0;
     const auto default_index = static_cast<std::size_t>(window.tables.default_tempo_index);
     SelectTempo(window, window.tables.tempo_list[default_index]);
-    window.score.changed = false;
     RefreshNoteDisplay(window);
     RefreshEnabling(window);
 }
@@ -262,17 +251,17 @@ std::int16_t PictureOf(std::uint16_t code, std::uint16_t pitch) {
 
 LedgerLines LedgerLinesOf(std::int16_t staff_position, std::int16_t staff_offset) {
     const int head = HeadCentreOf(staff_position, staff_offset);
-    if (head <= kTopStaffLine - kLineSpacing) {
-        return {kTopStaffLine - kLineSpacing, -kLineSpacing, (kTopStaffLine - head) / kLineSpacing};
+    if (head <= kTopStaffLine - kStaffSpace) {
+        return {kTopStaffLine - kStaffSpace, -kStaffSpace, (kTopStaffLine - head) / kStaffSpace};
     }
-    if (head >= kBottomStaffLine + kLineSpacing) {
-        return {kBottomStaffLine + kLineSpacing, kLineSpacing, (head - kBottomStaffLine) / kLineSpacing};
+    if (head >= kBottomStaffLine + kStaffSpace) {
+        return {kBottomStaffLine + kStaffSpace, kStaffSpace, (head - kBottomStaffLine) / kStaffSpace};
     }
     return {};
 }
 
 int HeadCentreOf(std::int16_t staff_position, std::int16_t staff_offset) {
-    return staff_position + kHeadInPicture - staff_offset;
+    return staff_position + kHeadCentre - staff_offset;
 }
 
 void ToggleDoremi(sndmain& window) {
@@ -286,7 +275,7 @@ void ToggleDoremi(sndmain& window) {
 
 void LoadDoremiSetting(sndmain& window) {
     const std::wstring text = ReadSetting(kSettingsApplication, kSettingsSection, kDoremiKey, L"0");
-    window.doremi = std::wcstod(text.c_str(), nullptr) != 0;
+    window.doremi = NumericValueOf(text) != 0;
     window.item(MenuItem::mnuDoremi).Checked = window.doremi;
 }
 

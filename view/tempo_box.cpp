@@ -14,10 +14,6 @@ void SelectItem(sndmain& window, int index) {
 
 } // namespace
 
-void FillTempoTable(sndmain& window) {
-    window.tempo_ranges = kTempoRanges;
-}
-
 void FillTempoCombo(sndmain& window) {
     TempoBox& box = window.TempoCombo;
     box.List.clear();
@@ -43,14 +39,10 @@ void SelectTempo(sndmain& window, int tempo) {
 }
 
 void UpdateTempoLabel(sndmain& window) {
-    window.lblTempo.Caption.clear();
-    const double beats = NumericValueOf(window.TempoCombo.Text);
-    for (const TempoRange& range : window.tempo_ranges) {
-        if (beats >= range.lower && beats < range.upper) window.lblTempo.Caption = range.name;
-    }
+    window.lblTempo.Caption = TempoNameOf(NumericValueOf(window.TempoCombo.Text));
 }
 
-int TempoForWriting(const sndmain& window) {
+std::int16_t TempoForWriting(const sndmain& window) {
     return WholeNumberOf(window.TempoCombo.Text);
 }
 
