@@ -115,6 +115,11 @@ TEST_F(Commands, TheMenuIsTheWholeTable) {
     }
 }
 
+TEST_F(Commands, TheDoremiCaptionIsHalfWidthKatakanaAndKanji) {
+    const auto& row = MenuRows()[static_cast<std::size_t>(MenuItem::mnuDoremi)];
+    EXPECT_EQ(row.caption, L"\xFF84\xFF9E\xFF9A\xFF90\x8868\x793A(&D)");
+}
+
 TEST_F(Commands, TheMenuBarIsTheWholeTable) {
     const auto titles = MenuTitles();
     const std::wstring_view names[] = {L"mnuFile", L"mnuEdit", L"mnuDisp", L"MenuDefine", L"MenuHelp"};

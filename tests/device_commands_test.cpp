@@ -78,7 +78,9 @@ struct Device : ::testing::Test {
 TEST_F(Device, SaveDeletesTheCacheCopyConvertsAndHandsOver) {
     ComposeOnDevice();
     desk.files[kCacheTune] = {{1, 2, 3}, 1 | 2};
+    window.item(MenuItem::mnuCut).Enabled = false;
     mnuFileOverWriteZ730_Click(window);
+    EXPECT_TRUE(window.item(MenuItem::mnuCut).Enabled) << "the enabling is refreshed";
     const auto place = [&](const std::string& beginning) {
         const auto found = std::find_if(desk.log.begin(), desk.log.end(),
                                         [&](const std::string& line) { return line.starts_with(beginning); });
@@ -300,6 +302,17 @@ TEST_F(Device, SaveAsReplacesTheCacheCopyAndHandsOver) {
     EXPECT_EQ(window.link.CacheSoundDir, L"C:\\Link\\pcferry\\cache\\System\\other\\");
     EXPECT_EQ(window.Caption, L"Sound Editor - Veloxa:NEW.SND");
     EXPECT_FALSE(window.score.changed);
+}
+
+TEST_F(Device, ADiskThatRefusesSaveAsLeavesThePcDocument) {
+    Compose();
+    window.document.current_path = L"D:\\x\\SONG.SND";
+    desk.link.save_choices = {kDeviceTune};
+    desk.refused = {"CreateTemporaryFile"};
+    mnuFileSaveWithNameZ730_Click(window);
+    EXPECT_EQ(Told(), Texts{L"Write error!"});
+    EXPECT_EQ(window.document.device_path, L"");
+    ExpectUntouched(L"D:\\x\\SONG.SND", 1);
 }
 
 TEST_F(Device, SaveAsTakesTheNameThatTheLibrarysDialogAllowed) {

@@ -117,6 +117,24 @@ TEST_F(Discovery, TheUserFolderIsTheFallbackOfTheSoundFolder) {
     EXPECT_TRUE(desk.messages.empty());
 }
 
+TEST_F(Discovery, UserDataIsSpelledInTwoWays) {
+    desktop::InstallLinkSoftware();
+    desk.folders.clear();
+    EXPECT_TRUE(DiscoverLinkSoftware(window));
+    EXPECT_TRUE(desktop::Asked("PathExists C:\\Link\\userdata\\sound 16"));
+    EXPECT_TRUE(desktop::Asked("PathExists C:\\Link\\UserData 16"));
+}
+
+TEST_F(Discovery, TheCacheFolderIsFormedAndNotAskedFor) {
+    desktop::InstallLinkSoftware();
+    desk.folders.clear();
+    EXPECT_TRUE(DiscoverLinkSoftware(window));
+    int asked = 0;
+    for (const std::string& line : desk.log)
+        asked += line.starts_with("PathExists");
+    EXPECT_EQ(asked, 2) << "the sound folder and the user folder";
+}
+
 TEST_F(Discovery, AFileOfTheFoldersNameIsNotTheFolder) {
     desktop::InstallLinkSoftware();
     desk.folders.erase(L"C:\\Link\\userdata\\sound");

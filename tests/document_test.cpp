@@ -200,6 +200,7 @@ TEST_F(DocumentTest, YesOnAnUntitledScoreAsksForANameUntilItFits) {
     EXPECT_EQ(desk.dialogs[0].InitDir, L"C:\\Link\\userdata\\sound");
     EXPECT_EQ(desk.dialogs[1].FileName, L"123456789.SND");
     EXPECT_EQ(window.document.current_path, L"D:\\New\\12345678.SND");
+    EXPECT_EQ(window.link.PcSoundDir, L"D:\\New\\");
     EXPECT_EQ(window.document.location_flag, 1);
     EXPECT_EQ(desk.files.at(L"D:\\New\\12345678.SND").bytes, EncodedScore());
     EXPECT_EQ(Told(), (Texts{L"Do you want to save the changes?",
@@ -246,6 +247,18 @@ TEST_F(DocumentTest, YesWithATempoOutsideTheListLosesNothing) {
     EXPECT_TRUE(desk.files.empty());
 }
 
+TEST_F(DocumentTest, YesOnAMelodyThatDoesNotFitSavesWhatFitsAndGoesOn) {
+    ComposeAt(kTune);
+    FillScore(window, 300);
+    for (int i = 0; i < 300; ++i)
+        window.score.sound[static_cast<std::size_t>(i)] = MakeNote(window, 20, 40);
+    window.score.changed = true;
+    desk.answers = {MessageAnswer::Yes};
+    EXPECT_TRUE(AskToSaveChanges(window));
+    EXPECT_EQ(Told(), (Texts{L"Do you want to save the changes?", L"Cannot input the last173music notes."}));
+    EXPECT_TRUE(desk.files.contains(kTune));
+}
+
 TEST_F(DocumentTest, YesOnADeviceFileUploadsIt) {
     ComposeAt(kCacheTune, 0);
     desktop::InstallLinkSoftware();
@@ -263,6 +276,17 @@ TEST_F(DocumentTest, YesOnADeviceFileThatTheDeviceRefusesLosesNothing) {
     desk.answers = {MessageAnswer::Yes};
     EXPECT_FALSE(AskToSaveChanges(window));
     EXPECT_TRUE(window.score.changed);
+}
+
+TEST_F(DocumentTest, YesOnADeviceFileWithoutTheLibraryLosesNothing) {
+    ComposeAt(kCacheTune, 0);
+    desk.files[kCacheTune] = {{1, 2, 3}};
+    window.library = {};
+    desk.answers = {MessageAnswer::Yes};
+    EXPECT_FALSE(AskToSaveChanges(window));
+    EXPECT_TRUE(window.score.changed);
+    EXPECT_FALSE(window.document.upload_requested);
+    EXPECT_EQ(desk.files.at(kCacheTune).bytes, (Bytes{1, 2, 3}));
 }
 
 TEST_F(DocumentTest, YesOnADeviceFileWhosePathCanNotBeConvertedLosesNothing) {
@@ -300,6 +324,7 @@ TEST_F(DocumentTest, NewClearsScorePathAndTitle) {
 
 TEST_F(DocumentTest, OpenShowsItsDialogAsItAlwaysIs) {
     window.document.current_path = kTune;
+    window.document.ComOpen.FileName = L"C:\\Songs\\LAST.SND";
     desk.open_choices = {std::nullopt};
     mnuFileOpen_Click(window);
     ASSERT_EQ(desk.dialogs.size(), 1u);
@@ -511,6 +536,16 @@ TEST_F(DocumentTest, SaveAsShowsItsDialogAsItAlwaysIs) {
     EXPECT_TRUE(desk.files.empty());
 }
 
+TEST_F(DocumentTest, TheFiltersOfTheTwoDialogsDifferInFilesAndFile) {
+    desk.open_choices = {std::nullopt};
+    desk.save_choices = {std::nullopt};
+    mnuFileOpen_Click(window);
+    mnuFileSaveWithName_Click(window);
+    ASSERT_EQ(desk.dialogs.size(), 2u);
+    EXPECT_EQ(desk.dialogs[0].Filter, L"Sound Files(*.snd)|*.snd");
+    EXPECT_EQ(desk.dialogs[1].Filter, L"Sound File(*.snd)|*.snd");
+}
+
 TEST_F(DocumentTest, SaveAsAsksAgainUntilTheNameFits) {
     ComposeAt(kCacheTune, 0);
     desk.save_choices = {L"E:\\123456789.SND", L"E:\\ABCDEFGHI.SND", L"E:\\Tunes\\NEW.SND"};
@@ -560,6 +595,17 @@ TEST_F(DocumentTest, SaveOfAPlayBlockThatIsFullSavesWhatFitsAndSaysHowManyDidNot
                             L"music notes."});
     EXPECT_FALSE(window.score.changed);
     EXPECT_EQ(window.score.end_count, 510);
+}
+
+TEST_F(DocumentTest, TheNumberOfNotesStandsBetweenTheWordsWithoutBlanks) {
+    // 56 units are four records of two bytes: 127 such notes fit the play block.
+    Compose(300);
+    for (int i = 0; i < 300; ++i)
+        window.score.sound[static_cast<std::size_t>(i)] = MakeNote(window, 20, 40);
+    window.document.current_path = kTune;
+    window.TempoCombo.Text = L"120";
+    mnuFileOverWrite_Click(window);
+    EXPECT_EQ(Told(), Texts{L"Cannot input the last173music notes."});
 }
 
 TEST_F(DocumentTest, SaveOfAPitchThatNoFileHoldsIsAWriteError) {
@@ -664,6 +710,9 @@ TEST_F(Upload, ARefusedUploadIsToldAndLeavesTheResultUnchanged) {
     EXPECT_EQ(desk.messages[0].buttons, MessageButtons::Ok);
     EXPECT_TRUE(window.link.upload_refused);
     ExpectNothingLeft();
+    path = kTune;
+    EXPECT_EQ(Write(), kSndDone);
+    EXPECT_FALSE(window.link.upload_refused) << "a save on the PC is refused by nobody";
 }
 
 TEST_F(Upload, WithoutTheLibrarysFunctionCountsAsRefused) {

@@ -1,5 +1,6 @@
 #include "view/edit_commands.h"
 
+#include "score/document.h"
 #include "tests/set_up_window.h"
 
 #include <gtest/gtest.h>
@@ -86,6 +87,20 @@ TEST(Copy, TakesTheLastColumnOfAFullScore) {
     mnuCopy_Click(*window);
     EXPECT_EQ(window->clipboard.columns.size(), 9u);
     EXPECT_FALSE(window->item(MenuItem::mnuPaste).Enabled) << "the score is full";
+}
+
+TEST(Copy, TheClipboardOnceFilledNeverCountsAsEmptyAgain) {
+    auto window = SetUpWindow();
+    FillScore(*window, 3);
+    mnuCopy_Click(*window);
+    mnuNewFile_Click(*window);
+    EXPECT_TRUE(window->clipboard.filled);
+    window->document.current_path = L"C:\\Songs\\GONE.SND";
+    EXPECT_TRUE(LoadDocument(*window, kSuffixPc));
+    EXPECT_TRUE(window->clipboard.filled);
+    mnuPaste_Click(*window);
+    EXPECT_EQ(window->score.end_count, 2);
+    EXPECT_EQ(TextOf(*window, 0), L"c4");
 }
 
 TEST(Copy, DoesNotTouchTheUndoCopy) {
@@ -439,6 +454,21 @@ TEST(Transpose, EveryNoteOfTheScoreWhateverIsSelected) {
     }
 }
 
+TEST(Transpose, AnOctaveMovesThePositionDirectlyAHalfToneWorksItOutAnew) {
+    auto window = SetUpWindow(10);
+    FillScore(*window, {MakeNote(*window, 11, 5)});
+    ASSERT_EQ(SlotOf(*window, 0).position, 2700 + 67);
+    mnuOctDown_Click(*window);
+    EXPECT_EQ(SlotOf(*window, 0).pitch, 65529) << "-7";
+    EXPECT_EQ(SlotOf(*window, 0).position, 3120 + 67) << "420 lower, where the rule of positions says 2460";
+    mnuSoundUp_Click(*window);
+    EXPECT_EQ(SlotOf(*window, 0).pitch, 65530) << "-6";
+    EXPECT_EQ(SlotOf(*window, 0).position, 2460 + 67) << "step 0 of octave -3";
+    mnuOctUp_Click(*window);
+    EXPECT_EQ(SlotOf(*window, 0).pitch, 6);
+    EXPECT_EQ(SlotOf(*window, 0).position, 2040 + 67);
+}
+
 TEST(Transpose, RewritesTheGridTexts) {
     auto window = SetUpWindow();
     FillScore(*window, {MakeNote(*window, 11, 27), MakeRest(*window, 30)});
@@ -539,11 +569,16 @@ TEST(Undo, BringsScoreAndViewBack) {
     Select(*window, 50, 60);
     const auto sound = window->score.sound;
     mnuDelete_Click(*window);
+    MoveCursor(*window, 2);
+    ASSERT_EQ(window->grdScore.LeftCol, 2);
     window->score.changed = false;
     SwapUndo(*window);
     EXPECT_TRUE(window->score.changed);
     EXPECT_EQ(window->score.sound, sound);
     EXPECT_EQ(window->score.end_count, 101);
+    EXPECT_EQ(window->grdScore.LeftCol, 31);
+    EXPECT_EQ(window->score.first_shown, 31);
+    EXPECT_EQ(window->score.strip_cursor, 19);
     EXPECT_EQ(window->grdScore.Col, 50);
     EXPECT_EQ(window->grdScore.ColSel, 60);
     ExpectWhole(*window);

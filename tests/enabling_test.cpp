@@ -1,5 +1,6 @@
 #include "tests/set_up_window.h"
 
+#include "score/document.h"
 #include "view/edit_commands.h"
 
 #include <gtest/gtest.h>
@@ -74,6 +75,51 @@ TEST(Enabling, PasteNeedsTheClipboardNotTheScore) {
     ClearAll(*window);
     ExpectEnabled(*window, MenuItem::mnuPaste, true);
     ExpectEnabled(*window, MenuItem::mnuCopy, false);
+}
+
+TEST(Enabling, IsRefreshedByEveryCommandThatChangesTheScore) {
+    const struct {
+        const char* name;
+        void (*run)(sndmain&);
+    } commands[] = {
+        {"Copy", mnuCopy_Click},
+        {"Cut", mnuCut_Click},
+        {"Delete", mnuDelete_Click},
+        {"Insert", mnuInsert_Click},
+        {"Paste", mnuPaste_Click},
+        {"Up an octave", mnuOctUp_Click},
+        {"Down an octave", mnuOctDown_Click},
+        {"Up half a tone", mnuSoundUp_Click},
+        {"Down half a tone", mnuSoundDown_Click},
+        {"Undo", SwapUndo},
+        {"white key", [](sndmain& window) { kenWhite_Click(window, 0); }},
+        {"black key", [](sndmain& window) { kenBlack_Click(window, 0); }},
+        {"rest", [](sndmain& window) { cbtNote_Click(window, 101); }},
+        {"plus", [](sndmain& window) { grdScore_KeyPress(window, L'+'); }},
+        {"minus", [](sndmain& window) { grdScore_KeyPress(window, L'-'); }},
+    };
+    for (const auto& command : commands) {
+        SCOPED_TRACE(command.name);
+        auto window = SetUpWindow();
+        FillScore(*window, 5);
+        MoveCursor(*window, 2);
+        mnuCopy_Click(*window);
+        SaveUndo(*window);
+        for (const MenuItem item : kRuled)
+            window->item(item).Enabled = false;
+        window->toolbar_enabled.fill(false);
+        command.run(*window);
+        for (const MenuItem item : kRuled)
+            ExpectEnabled(*window, item, true);
+    }
+}
+
+TEST(Enabling, IsRefreshedByNew) {
+    auto window = SetUpWindow();
+    FillScore(*window, 5);
+    mnuNewFile_Click(*window);
+    for (const MenuItem item : kRuled)
+        ExpectEnabled(*window, item, false);
 }
 
 TEST(Enabling, LeavesTheOtherItemsAlone) {

@@ -117,6 +117,24 @@ TEST(NoteEntry, ARangeOfTwoColumnsTakesNothing) {
     EXPECT_FALSE(window->score.changed);
 }
 
+TEST(NoteEntry, KeysRestsAndLengthsOfNotesReplaceTheUndoCopy) {
+    auto window = SetUpWindow();
+    FillScore(*window, 5);
+    void (*const entries[])(sndmain&) = {
+        [](sndmain& w) { kenWhite_Click(w, 3); }, [](sndmain& w) { kenBlack_Click(w, 3); },
+        [](sndmain& w) { cbtNote_Click(w, 103); }, [](sndmain& w) { cbtNote_Click(w, 7); }};
+    for (std::size_t i = 0; i < std::size(entries); ++i) {
+        FillScore(*window, 5);
+        MoveCursor(*window, 2);
+        const auto before = window->score.sound;
+        window->undo = UndoCopy();
+        entries[i](*window);
+        EXPECT_NE(window->score.sound, before) << i;
+        EXPECT_EQ(window->undo.sound, before) << i;
+        EXPECT_EQ(window->undo.Col, 2) << i;
+    }
+}
+
 TEST(NoteEntry, AKeyOnARangeReplacesTheUndoCopyAllTheSame) {
     auto window = SetUpWindow();
     FillScore(*window, 5);

@@ -97,6 +97,13 @@ TEST(Score, PitchOneIsAtStep7OfOctaveMinus3) {
     EXPECT_EQ(StaffPositionOf(1, -55), 2825);
 }
 
+TEST(Score, Pitch12AndPitch13StandAtTheSamePlace) {
+    EXPECT_EQ(StaffPositionOf(12, 0), 2460);
+    EXPECT_EQ(StaffPositionOf(13, 0), 2460);
+    EXPECT_EQ(StaffPositionOf(12, 67), 2527);
+    EXPECT_EQ(StaffPositionOf(13, 67), 2527);
+}
+
 TEST(Score, FillingMapsEveryFileCode) {
     for (std::uint16_t code = 0; code < 20; ++code) {
         Score score;

@@ -189,6 +189,14 @@ TEST(DrawStripImage, ASharpHasItsSign) {
     FillScore(*window, {MakeNote(*window, 11, 28), MakeNote(*window, 11, 27)});
     EXPECT_TRUE(ImageOf(*window, 0).Sharp);
     EXPECT_FALSE(ImageOf(*window, 1).Sharp);
+    for (const Entry& other : {Entry{0, 0, 0}, Entry{25, 28, 1200}}) {
+        window->score.sound[0] = MakeNote(*window, 11, 28);
+        DrawStripImage(*window, 0, 0);
+        ASSERT_TRUE(ImageOf(*window, 0).Sharp);
+        window->score.sound[0] = other;
+        DrawStripImage(*window, 0, 0);
+        EXPECT_FALSE(ImageOf(*window, 0).Sharp) << "code " << other.code;
+    }
 }
 
 TEST(DrawStripImage, AForeignCodeDrawsNothing) {
@@ -311,7 +319,7 @@ TEST(Grid, RedrawKeepsCursorSelectionAndFirstColumnInsideTheColumns) {
 TEST(Grid, ClearEmptiesEverythingTheUserSees) {
     auto window = SetUpWindow();
     FillScore(*window, 100);
-    MoveCursor(*window, 90);
+    Select(*window, 80, 90);
     window->score.changed = true;
     ClearAll(*window);
     EXPECT_EQ(window->score.end_count, 1);
@@ -319,6 +327,7 @@ TEST(Grid, ClearEmptiesEverythingTheUserSees) {
     EXPECT_EQ(window->grdScore.Cols, 1);
     EXPECT_EQ(window->grdScore.LeftCol, 0);
     EXPECT_EQ(window->grdScore.Col, 0);
+    EXPECT_EQ(window->grdScore.ColSel, 0);
     EXPECT_EQ(TextOf(*window, 1), L"");
     EXPECT_EQ(window->score.first_shown, 0);
     EXPECT_EQ(window->score.strip_cursor, 0);

@@ -172,7 +172,7 @@ TEST_F(Settings, APlacementThatTheSystemRefusesCentresTheWindow) {
 
 TEST_F(Settings, MsgDspOfOneMeansThatTheReminderIsNotWanted) {
     EXPECT_FALSE(ReadMsgDsp());
-    for (const wchar_t* wanted : {L"0", L"2", L"-1", L"", L"yes", L"10", L"0.5"}) {
+    for (const wchar_t* wanted : {L"0", L"2", L"-1", L"", L"yes", L"10", L"0.5", L"1.2"}) {
         desk.settings[kReminder] = wanted;
         EXPECT_FALSE(ReadMsgDsp()) << desktop::Utf8(wanted);
     }

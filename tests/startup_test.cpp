@@ -85,8 +85,13 @@ TEST_F(StartUpTest, TheEditorStartsEmptyAndUntitled) {
     EXPECT_FALSE(window.second_copy);
     EXPECT_EQ(window.document.location_flag, 1);
     EXPECT_EQ(window.TempoCombo.Text, L" 120");
+    EXPECT_EQ(window.TempoCombo.ListIndex, 7);
+    EXPECT_EQ(window.TempoCombo.List.size(), 28u);
+    EXPECT_EQ(window.lblTempo.Caption, L"Allegro");
     EXPECT_EQ(window.link.HelpFilePath, L"C:\\Program Files\\Tonex\\Veloxa.hlp");
     EXPECT_EQ(window.grdScore.Cols, 1);
+    EXPECT_EQ(window.grdScore.ColWidth[0], 390);
+    EXPECT_EQ(TextOf(window, 0), L" - ");
     EXPECT_GE(window.ClientWidth, kMinClientWidth);
     EXPECT_FALSE(window.item(MenuItem::mnuCut).Enabled);
     EXPECT_FALSE(window.item(MenuItem::mnuPreview).Enabled);
@@ -118,6 +123,16 @@ TEST_F(StartUpTest, ASecondCopyActivatesTheFirstAndEnds) {
     EXPECT_TRUE(window.second_copy);
     EXPECT_EQ(desk.log,
               (Log{"PreviousInstanceRunning", "ReadCaption 1", "RestoreWindow 1", "BringToForeground 1"}));
+}
+
+TEST_F(StartUpTest, ASecondCopyDoesNotHandItsFileOver) {
+    desk.previous_instance = true;
+    desk.files[kTune] = {kOneNote};
+    desk.windows = {{L"Sound Editor - Untitled", 900, true}};
+    EXPECT_EQ(Start(kTune), StartResult::EndSilent);
+    EXPECT_EQ(window.document.current_path, L"");
+    EXPECT_EQ(window.score.end_count, 1);
+    EXPECT_FALSE(desktop::Asked("ReadWholeFile"));
 }
 
 TEST_F(StartUpTest, ASecondCopyEndsWhenNoWindowMatchesToo) {
