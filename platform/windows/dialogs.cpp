@@ -34,17 +34,6 @@ bool ClosesDialog(WPARAM wparam) {
     return id == IDC_COMMAND1 || id == IDCANCEL || id == IDOK;
 }
 
-INT_PTR CALLBACK GlobalVersionProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
-    switch (message) {
-    case WM_INITDIALOG:
-        SetDlgItemTextW(dialog, IDC_APPLICATIONS, (L"Sound Editor, " + VersionText()).c_str());
-        CentreOnMain(dialog);
-        return TRUE;
-    case WM_COMMAND: return ClosesDialog(wparam) ? EndDialog(dialog, 0) : FALSE;
-    default: return FALSE;
-    }
-}
-
 INT_PTR CALLBACK VersionSndProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     switch (message) {
     case WM_INITDIALOG:
@@ -52,6 +41,24 @@ INT_PTR CALLBACK VersionSndProc(HWND dialog, UINT message, WPARAM wparam, LPARAM
         CentreOnScreen(dialog);
         return TRUE;
     case WM_COMMAND: return ClosesDialog(wparam) ? EndDialog(dialog, 0) : FALSE;
+    default: return FALSE;
+    }
+}
+
+/// The program's own About window, centred on the screen.
+void ShowVersionSnd(HWND owner) {
+    DialogBoxParamW(Hooks().instance, MAKEINTRESOURCEW(IDD_VERSION_SND), owner, VersionSndProc, 0);
+}
+
+INT_PTR CALLBACK GlobalVersionProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+    switch (message) {
+    case WM_INITDIALOG:
+        SetDlgItemTextW(dialog, IDC_APPLICATIONS, (L"Sound Editor, " + VersionText()).c_str());
+        CentreOnMain(dialog);
+        return TRUE;
+    case WM_COMMAND:
+        if (LOWORD(wparam) == IDC_DETAILS) ShowVersionSnd(dialog);
+        return ClosesDialog(wparam) ? EndDialog(dialog, 0) : FALSE;
     default: return FALSE;
     }
 }
@@ -110,7 +117,6 @@ void ShowConvertWindow(MainWindow& main) {
 }
 
 void ShowGlobalVersion(MainWindow& main) { RunDialog(main, IDD_GLOBAL_VERSION, GlobalVersionProc); }
-void ShowVersionSnd(MainWindow& main) { RunDialog(main, IDD_VERSION_SND, VersionSndProc); }
 bool ShowReminder(MainWindow& main) { return RunDialog(main, IDD_TRANSFER_REMINDER, ReminderProc) == 1; }
 
 } // namespace tonex

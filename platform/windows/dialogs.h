@@ -8,10 +8,8 @@ struct MainWindow;
 /// Shows, moves on or closes the converting window as the record says.
 void ShowConvertWindow(MainWindow& main);
 
-/// The suite's About window, modal over the main window.
+/// The suite's About window, modal over the main window; its button Details opens the program's own.
 void ShowGlobalVersion(MainWindow& main);
-/// The program's own About window, centred on the screen.
-void ShowVersionSnd(MainWindow& main);
 /// The transfer reminder; true when its check box was ticked.
 bool ShowReminder(MainWindow& main);
 

@@ -62,6 +62,7 @@ bool ShowDialog(FileDialog& dialog, const char* function, DWORD flags) {
         path[0] = L'\0';
         chosen = show(&choice) != 0;
     }
+    if (Hooks().take_keyboard_back) Hooks().take_keyboard_back();
     if (chosen) dialog.FileName = path.data();
     return chosen;
 }

@@ -5,6 +5,7 @@
 #include "app/layout.h"
 #include "app/startup.h"
 #include "link/settings.h"
+#include "platform/main_window.h"
 #include "platform/windows/dialogs.h"
 #include "platform/windows/resource.h"
 #include "view/tempo_box.h"
@@ -503,7 +504,7 @@ bool CreateMainWindow(HINSTANCE instance) {
     main.window = CreateWindowExW(WS_EX_APPWINDOW, kMainClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
                                   CW_USEDEFAULT, 0, size.cx, size.cy, main.owner, main.menu, instance, nullptr);
     if (!main.window) return false;
-    Hooks() = {instance, main.window, ShowForLoops, TranslateForLoops};
+    Hooks() = {instance, main.window, ShowForLoops, BringMainWindowToForeground, TranslateForLoops};
     CreateControls(main, instance);
     DragAcceptFiles(main.window, TRUE);
     return true;

@@ -44,7 +44,7 @@ RECT LargeEnough(RECT area) {
 
 // ---- the keyboard under Wine ----
 
-constexpr int kOfferLook = 5;           // milliseconds
+constexpr DWORD kOfferLook = 5;         // milliseconds
 constexpr DWORD kOfferPatience = 300;   // milliseconds
 constexpr wchar_t kOfferClass[] = L"STATIC";
 
@@ -61,7 +61,7 @@ LRESULT CALLBACK NoteOffer(HWND window, UINT message, WPARAM wparam, LPARAM lpar
 
 /// Under Wine a window gets the keyboard only when the window manager offers it. When a player's window closes,
 /// the manager offers it to the main window, which is disabled at that time and has to turn it down; it is not
-/// asked again. So a window of one pixel is offered the keyboard, and hands it on when it closes.
+/// asked again; the same befalls it when a file dialog has asked a question of its own. So a window of one pixel is offered the keyboard, and hands it on when it closes.
 void TakeKeyboardUnderWine() {
     if (!UnderWine() || IsIconic(Window()) || !IsWindowVisible(Window())) return;
     RECT area;
@@ -72,7 +72,10 @@ void TakeKeyboardUnderWine() {
     SetWindowLongPtrW(small, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(NoteOffer));
     ShowWindow(small, SW_SHOW);
     for (const DWORD begin = GetTickCount(); GetTickCount() - begin < kOfferPatience;) {
-        WaitForEvents(kOfferLook);
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, kOfferLook, QS_ALLINPUT);
+        // Its own messages only: a command may be under way, and no other may begin inside it.
+        MSG message;
+        while (PeekMessageW(&message, small, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
         if (!IsWindow(small) || GetWindowLongPtrW(small, GWLP_USERDATA)) break;
     }
     if (IsWindow(small)) DestroyWindow(small);

@@ -379,7 +379,8 @@ def test_about_is_modal_and_closes_in_every_way(editor, way):
     assert box["text"].startswith("About ")
     assert not editor.main()["enabled"]
     children = editor.children(box["hwnd"])
-    assert len([child for child in children if child["class"] == "Button"]) == 1
+    buttons = [child["text"] for child in children if child["class"] == "Button"]
+    assert buttons == ["OK", "&Details..."]
     assert editor.focus()["text"] == "OK"
     if way == "click":
         editor.screen.click(*editor.centre(next(c for c in children if c["text"] == "OK")["rect"]))
@@ -389,6 +390,23 @@ def test_about_is_modal_and_closes_in_every_way(editor, way):
         editor.screen.key(way)
     wait_until(lambda: not editor.dialogs(), 5, "the box's end")
     assert editor.main()["enabled"]
+
+
+def test_details_show_the_programs_own_about_window_in_the_middle_of_the_screen(editor):
+    editor.choose("&About Sound Editor...")
+    box = editor.wait_dialog("About Sound Editor")
+    editor.screen.key("alt+d")
+    own = wait_until(lambda: next((d for d in editor.dialogs() if d["hwnd"] != box["hwnd"]), None), 5, "the details")
+    texts = [child["text"] for child in editor.children(own["hwnd"])]
+    assert any(text.startswith("Version ") for text in texts)
+    geometry = editor.screen.root.get_geometry()
+    left, top, right, bottom = own["rect"]
+    assert abs((left + right) - geometry.width) <= 4
+    assert abs((top + bottom) - geometry.height) <= 4
+    editor.screen.key("enter")
+    wait_until(lambda: len(editor.dialogs()) == 1, 5, "the details' end")
+    editor.screen.key("escape")
+    wait_until(lambda: not editor.dialogs(), 5, "the box's end")
 
 
 def test_the_silent_end_with_an_empty_entry(screen):
