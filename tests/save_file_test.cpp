@@ -189,6 +189,14 @@ TEST(SaveFile, ReadsBackWhatTheDiskTook) {
     EXPECT_EQ(TemporaryFiles(), 0);
 }
 
+TEST(SaveFile, ReadsAByteMoreThanItWroteSoThatALongerFileShows) {
+    desktop::Desktop& desk = DiskWithOldFile();
+    desk.lengthens_writes = true;
+    EXPECT_FALSE(SaveWholeFile(kPath, kNew));
+    EXPECT_EQ(desk.files.at(kPath).bytes, kOld);
+    EXPECT_EQ(TemporaryFiles(), 0);
+}
+
 TEST(SaveFile, ARenameThatAScannerBlocksIsTriedAgain) {
     desktop::Desktop& desk = DiskWithOldFile();
     desk.fail_at = 6; // the rename

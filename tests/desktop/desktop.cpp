@@ -317,6 +317,7 @@ bool WriteOutput(OutputFile& file, const std::uint8_t* bytes, std::size_t count)
     found->second.bytes.insert(found->second.bytes.end(), bytes, bytes + taken);
     if (desk.garbles_writes && taken > 0)
         (found->second.bytes.end() - static_cast<std::ptrdiff_t>(taken))[0] ^= 1;
+    if (desk.lengthens_writes) found->second.bytes.push_back(0);
     desktop::unflushed.insert(file.path);
     return good && taken == count;
 }

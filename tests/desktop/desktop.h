@@ -87,6 +87,7 @@ struct Desktop {
                       ///< keeps only half its bytes
     std::set<std::string> refused;         ///< operations that always fail, by name: "RenameOver"
     bool garbles_writes = false;           ///< the disk stores another first byte than it was given
+    bool lengthens_writes = false;         ///< the disk stores a byte more than it was given
     std::uint32_t unique_number = 0;       ///< UniqueNumber counts it up
     std::optional<std::size_t> disk_space; ///< bytes that can still be written
     bool in_flight_truncated = true;       ///< a file dropped without CloseOutput keeps only half its bytes
