@@ -2,6 +2,7 @@
 
 #include "app/sndmain.h"
 #include "link/paths.h"
+#include "platform/message_box.h"
 #include "platform/settings.h"
 #include "preview/timing_tables.h"
 
@@ -131,7 +132,8 @@ void SaveMsgDsp(int value) {
 
 void ShowHelp(sndmain& window) {
     if (OpenHelpFile(window.link.HelpFilePath, kHelpPartialKey, L"")) return;
-    OpenHelpGuide();
+    if (OpenHelpGuide()) return;
+    ShowMessage(L"The help file is missing.");
 }
 
 void MenuTopic_Click(sndmain& window) {

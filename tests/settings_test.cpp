@@ -225,6 +225,15 @@ TEST_F(Settings, HelpFallsBackToTheGuide) {
     desk.help_opens = false;
     ShowHelp(window);
     EXPECT_TRUE(desktop::Asked("OpenHelpGuide"));
+    EXPECT_TRUE(desk.messages.empty());
+}
+
+TEST_F(Settings, HelpSaysSoWhenThereIsNeitherFile) {
+    desk.help_opens = false;
+    desk.guide_opens = false;
+    ShowHelp(window);
+    ASSERT_EQ(desk.messages.size(), 1u);
+    EXPECT_EQ(desk.messages[0].text, L"The help file is missing.");
 }
 
 TEST_F(Settings, AboutIsShown) {
