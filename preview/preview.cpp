@@ -12,6 +12,7 @@
 #include "score/document.h"
 #include "score/int16.h"
 #include "score/save_file.h"
+#include "view/tempo_box.h"
 
 #include <algorithm>
 #include <optional>
@@ -175,7 +176,7 @@ SndResult WritePreviewFile(sndmain& window, const FileList& list, const std::wst
     window.document.upload_requested = false;
     std::wstring written_path = path;
     const SndResult result =
-        SoundDataToFile(window, WholeNumberOf(window.TempoCombo.Text), list, written_path, entries_written);
+        SoundDataToFile(window, TempoForWriting(window), list, written_path, entries_written);
     window.document.upload_requested = upload_requested;
     return result;
 }
@@ -199,7 +200,6 @@ void PreviewList(sndmain& window, const FileList& list) {
     }
     PlayWavPreview(window, *snd_path, true);
     DeleteTemporaryFile(*snd_path);
-    window.preview_busy = false;
     FocusScoreGrid();
 }
 

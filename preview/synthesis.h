@@ -39,8 +39,8 @@ enum class SynthesisResult {
 /// The number of samples that one record of a melody lasts: tempo byte x units / 64 seconds.
 std::uint32_t NoteSampleCount(std::uint8_t length_byte, std::uint8_t tempo_byte);
 
-/// Appends the samples of one tone record. Every note starts its cycle at phase 0 and ends on a cycle boundary
-/// where its span allows.
+/// Appends the samples of one tone record. Every note starts its cycle at phase 0 and ends on a cycle
+/// boundary where its span allows.
 SynthesisResult WriteNoteSamples(const WaveTable& table, const ByteSink& sink, std::uint8_t pitch_byte,
                                  std::uint8_t length_byte, std::uint8_t tempo_byte);
 

@@ -113,25 +113,6 @@ void BuildTempoList(TimingTables& tables, const TempoValues& values) {
     }
 }
 
-/// How badly a duration rounds to whole units. Long durations cost by their count of records.
-std::int16_t CostOf(float units) {
-    const auto hundredths = static_cast<int>(std::floor(units * 100.0F));
-    if (hundredths < 1700) {
-        const int rest = hundredths % 100;
-        if (rest < 20 || rest >= 80) return 0;
-        if (rest < 30 || rest >= 70) return 1;
-        if (rest < 40 || rest >= 60) return 2;
-        return 4;
-    }
-    const int whole = hundredths / 100;
-    if (whole <= 32) return 1;
-    if (whole <= 48) return 2;
-    if (whole <= 64) return 3;
-    if (whole <= 80) return 4;
-    if (whole == 81) return 0; // a gap between the steps, kept as it is
-    return 5;
-}
-
 std::int16_t LastAtLeast(const TimingTables& tables, std::int16_t tempo) {
     std::int16_t index = 0;
     for (std::size_t i = 0; i < kTempoListSize && tables.tempo_list[i] != 0; ++i) {
@@ -189,6 +170,24 @@ ReadNumber ReadNumberFrom(std::wstring_view text) {
 
 } // namespace
 
+std::int16_t LengthCostOf(float units) {
+    const auto hundredths = static_cast<int>(std::floor(units * 100.0F));
+    if (hundredths < 1700) {
+        const int rest = hundredths % 100;
+        if (rest < 20 || rest >= 80) return 0;
+        if (rest < 30 || rest >= 70) return 1;
+        if (rest < 40 || rest >= 60) return 2;
+        return 4;
+    }
+    const int whole = hundredths / 100;
+    if (whole <= 32) return 1;
+    if (whole <= 48) return 2;
+    if (whole <= 64) return 3;
+    if (whole <= 80) return 4;
+    if (whole == 81) return 0; // a gap between the steps, kept as it is
+    return 5;
+}
+
 TimingTables BuildTimingTables() {
     TimingTables tables;
     BuildTempoList(tables, BuildTempoValues());
@@ -197,7 +196,7 @@ TimingTables BuildTimingTables() {
             const NoteLength& length = kLengths[code];
             const float units = kModes[mode].b * length.factor * kModes[mode].a / length.division;
             tables.length_units[mode][code] = units;
-            tables.length_cost[mode][code] = CostOf(units);
+            tables.length_cost[mode][code] = LengthCostOf(units);
         }
     }
     tables.default_tempo_index = LastAtLeast(tables, kDefaultTempo);

@@ -34,6 +34,10 @@ struct TimingTables {
     std::int16_t default_tempo_index = 0; ///< the last list entry that is 120 or more
 };
 
+/// How badly a duration in time units rounds to whole units, 0 = well, 5 = worst. Long durations cost by
+/// their count of records; 81 whole units cost nothing.
+std::int16_t LengthCostOf(float units);
+
 /// The tables, the same every time.
 TimingTables BuildTimingTables();
 

@@ -11,7 +11,7 @@ namespace tonex {
 /// What a conversion tells while it runs. All may be null.
 struct ConversionProgress {
     void* context = nullptr;
-    void (*begin)(void* context, int note_count) = nullptr; ///< once, the notes that will be done
+    void (*begin)(void* context, int note_count) = nullptr;   ///< once, the notes that will be done
     void (*advance)(void* context, int notes_done) = nullptr; ///< after each note
     void (*end)(void* context) = nullptr;                     ///< once, also after a failure
 };

@@ -602,7 +602,7 @@ TEST_F(Preview, NeverUploadsAndLeavesTheDocumentAlone) {
     window.document.current_path = L"C:\\Link\\pcferry\\cache\\System\\sound\\A.SND";
     window.document.location_flag = 0;
     window.document.device_path = L"\\system\\sound\\A.SND";
-    window.document.upload_requested = true; // left over from a device save that found a bad tempo
+    window.document.upload_requested = true; // whatever set it, a preview is not what it meant
     window.Caption = L"Sound Editor - Veloxa:A.SND";
     window.score.changed = true;
     const auto before = window.score.sound;

@@ -248,4 +248,33 @@ TEST(TempoText, EveryListedTempoReadsBack) {
     }
 }
 
+TEST(TimingTables, LengthCostOfEveryBandOfHundredths) {
+    const struct {
+        int from, to;
+        std::int16_t cost;
+    } bands[] = {{0, 19, 0}, {20, 29, 1}, {30, 39, 2}, {40, 59, 4}, {60, 69, 2}, {70, 79, 1}, {80, 99, 0}};
+    for (const int whole : {0, 1, 16}) {
+        for (const auto& band : bands) {
+            for (int hundredths = band.from; hundredths <= band.to; ++hundredths) {
+                // A quarter of a hundredth above, so that single precision does not fall below.
+                const float units = static_cast<float>(whole * 400 + hundredths * 4 + 1) / 400.0F;
+                EXPECT_EQ(LengthCostOf(units), band.cost) << whole << " and " << hundredths << " hundredths";
+            }
+        }
+    }
+}
+
+TEST(TimingTables, LengthCostOfLongDurationsHasItsGapAt81) {
+    const struct {
+        int from, to;
+        std::int16_t cost;
+    } bands[] = {{17, 32, 1}, {33, 48, 2}, {49, 64, 3}, {65, 80, 4}, {81, 81, 0}, {82, 327, 5}};
+    for (const auto& band : bands) {
+        for (int whole = band.from; whole <= band.to; ++whole) {
+            EXPECT_EQ(LengthCostOf(static_cast<float>(whole)), band.cost) << whole;
+            EXPECT_EQ(LengthCostOf(static_cast<float>(whole) + 0.5F), band.cost) << whole << ".5";
+        }
+    }
+}
+
 } // namespace

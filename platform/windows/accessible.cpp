@@ -1,5 +1,5 @@
-// The panels' items for screen readers: an IAccessible whose simple children are the items. Windows-only because
-// the interface is. The library behind it is looked up when the first reader asks.
+// The panels' items for screen readers: an IAccessible whose simple children are the items. Windows-only
+// because the interface is. The library behind it is looked up when the first reader asks.
 #include "platform/windows/desktop_windows.h"
 #include "platform/windows/main_window.h"
 
@@ -42,7 +42,7 @@ BSTR AllocText(const std::wstring& text) {
 
 /// The accessible object of one panel window. It outlives the window if a reader holds it, and then fails.
 class PanelAccessible final : public IAccessible {
-public:
+  public:
     explicit PanelAccessible(HWND window) : window_(window) {}
     virtual ~PanelAccessible() = default;
 
@@ -56,7 +56,9 @@ public:
         AddRef();
         return S_OK;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&references_)); }
+    ULONG STDMETHODCALLTYPE AddRef() override {
+        return static_cast<ULONG>(InterlockedIncrement(&references_));
+    }
     ULONG STDMETHODCALLTYPE Release() override {
         const LONG left = InterlockedDecrement(&references_);
         if (left == 0) delete this;
@@ -69,7 +71,9 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                                      UINT*) override {
         return E_NOTIMPL;
@@ -156,8 +160,10 @@ public:
         int item = 0;
         if (!left || !top || !width || !height || !Resolve(child, item)) return E_INVALIDARG;
         RECT area;
-        if (item < 0) GetClientRect(window_, &area);
-        else area = Owner()->kind->item_area(*Owner(), item);
+        if (item < 0)
+            GetClientRect(window_, &area);
+        else
+            area = Owner()->kind->item_area(*Owner(), item);
         POINT corner = {area.left, area.top};
         ClientToScreen(window_, &corner);
         *left = corner.x;
@@ -203,9 +209,10 @@ public:
     HRESULT STDMETHODCALLTYPE put_accName(VARIANT, BSTR) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE put_accValue(VARIANT, BSTR) override { return E_NOTIMPL; }
 
-private:
+  private:
     Panel* Owner() const {
-        return IsWindow(window_) ? reinterpret_cast<Panel*>(GetWindowLongPtrW(window_, GWLP_USERDATA)) : nullptr;
+        return IsWindow(window_) ? reinterpret_cast<Panel*>(GetWindowLongPtrW(window_, GWLP_USERDATA))
+                                 : nullptr;
     }
     /// The item a child identifier means: -1 for the panel itself. False for one that is not there.
     bool Resolve(const VARIANT& child, int& item) const {

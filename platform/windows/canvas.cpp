@@ -26,7 +26,8 @@ RECT Clipped(const Canvas& canvas, const RECT& area) {
             std::min<LONG>(area.right, canvas.width), std::min<LONG>(area.bottom, canvas.height)};
 }
 
-/// The part of a pixel at distance (x, y) from a corner circle's centre that lies inside the circle, 0 to 255.
+/// The part of a pixel at distance (x, y) from a corner circle's centre that lies inside the circle, 0 to
+/// 255.
 unsigned CornerCoverage(int x, int y, int radius) {
     const float dx = static_cast<float>(x) + 0.5f, dy = static_cast<float>(y) + 0.5f;
     const float inside = static_cast<float>(radius) + 0.5f - std::sqrt(dx * dx + dy * dy);

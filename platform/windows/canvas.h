@@ -1,4 +1,5 @@
-// An off-screen picture that a panel draws into before it reaches the screen in one copy, so nothing flickers.
+// An off-screen picture that a panel draws into before it reaches the screen in one copy, so nothing
+// flickers.
 #pragma once
 
 #include "pictures/raster.h"

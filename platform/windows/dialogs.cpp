@@ -16,10 +16,13 @@ void CentreOn(HWND window, const RECT& area) {
     GetWindowRect(window, &own);
     const LONG width = own.right - own.left, height = own.bottom - own.top;
     SetWindowPos(window, nullptr, static_cast<int>(area.left + (area.right - area.left - width) / 2),
-                 static_cast<int>(area.top + (area.bottom - area.top - height) / 2), 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+                 static_cast<int>(area.top + (area.bottom - area.top - height) / 2), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER);
 }
 
-void CentreOnScreen(HWND window) { CentreOn(window, {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}); }
+void CentreOnScreen(HWND window) {
+    CentreOn(window, {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)});
+}
 
 void CentreOnMain(HWND window) {
     RECT area;
@@ -27,7 +30,9 @@ void CentreOnMain(HWND window) {
     CentreOn(window, area);
 }
 
-std::wstring VersionText() { return L"Version " TONEX_VERSION; }
+std::wstring VersionText() {
+    return L"Version " TONEX_VERSION;
+}
 
 bool ClosesDialog(WPARAM wparam) {
     const int id = LOWORD(wparam);
@@ -63,10 +68,11 @@ INT_PTR CALLBACK GlobalVersionProc(HWND dialog, UINT message, WPARAM wparam, LPA
     }
 }
 
-INT_PTR CALLBACK ReminderProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+INT_PTR CALLBACK FormZ730MsgProc(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     switch (message) {
     case WM_INITDIALOG:
-        SetDlgItemTextW(dialog, IDC_MSG, L"Transfer all data by PC Ferry to Corvane after close\r\n[Sound Editor]");
+        SetDlgItemTextW(dialog, IDC_MSG,
+                        L"Transfer all data by PC Ferry to Corvane after close\r\n[Sound Editor]");
         CentreOnScreen(dialog);
         return TRUE;
     case WM_HELP: // F1
@@ -90,7 +96,8 @@ INT_PTR RunDialog(MainWindow& main, int id, DLGPROC procedure) {
 }
 
 HWND CreateConvertWindow(MainWindow& main) {
-    HWND made = CreateDialogParamW(Hooks().instance, MAKEINTRESOURCEW(IDD_CONVERT), main.window, ConvertProc, 0);
+    HWND made =
+        CreateDialogParamW(Hooks().instance, MAKEINTRESOURCEW(IDD_CONVERT), main.window, ConvertProc, 0);
     if (!made) return nullptr;
     const ConvertWindow& convert = main.record.FrmWavConvert;
     const Scale& scale = main.screen_scale;
@@ -116,7 +123,11 @@ void ShowConvertWindow(MainWindow& main) {
     UpdateWindow(main.convert);
 }
 
-void ShowGlobalVersion(MainWindow& main) { RunDialog(main, IDD_GLOBAL_VERSION, GlobalVersionProc); }
-bool ShowReminder(MainWindow& main) { return RunDialog(main, IDD_TRANSFER_REMINDER, ReminderProc) == 1; }
+void ShowGlobalVersion(MainWindow& main) {
+    RunDialog(main, IDD_GLOBAL_VERSION, GlobalVersionProc);
+}
+bool ShowFormZ730Msg(MainWindow& main) {
+    return RunDialog(main, IDD_FORM_Z730_MSG, FormZ730MsgProc) == 1;
+}
 
 } // namespace tonex

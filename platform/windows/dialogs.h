@@ -10,7 +10,7 @@ void ShowConvertWindow(MainWindow& main);
 
 /// The suite's About window, modal over the main window; its button Details opens the program's own.
 void ShowGlobalVersion(MainWindow& main);
-/// The transfer reminder; true when its check box was ticked.
-bool ShowReminder(MainWindow& main);
+/// The transfer reminder `FormZ730Msg`; true when its check box was ticked.
+bool ShowFormZ730Msg(MainWindow& main);
 
 } // namespace tonex

@@ -1,5 +1,5 @@
-// The score grid: one row of cells with cursor, selection and scroll bar. Windows-only drawing and input; every
-// event becomes a call of the note-entry procedures.
+// The score grid: one row of cells with cursor, selection and scroll bar. Windows-only drawing and input;
+// every event becomes a call of the note-entry procedures.
 #include "platform/main_window.h"
 #include "platform/windows/main_window.h"
 
@@ -17,10 +17,15 @@ namespace {
 
 constexpr UINT kMouseHWheel = 0x020E; ///< WM_MOUSEHWHEEL, newer than the oldest system served
 constexpr UINT_PTR kDragTimer = 1;
-constexpr UINT kDragPeriod = 60; ///< milliseconds a column while a selection is dragged beyond the grid's edge
+constexpr UINT kDragPeriod =
+    60; ///< milliseconds a column while a selection is dragged beyond the grid's edge
 
-const sndmain& Record(const Panel& panel) { return panel.main->record; }
-const ScoreGrid& Grid(const Panel& panel) { return panel.main->record.grdScore; }
+const sndmain& Record(const Panel& panel) {
+    return panel.main->record;
+}
+const ScoreGrid& Grid(const Panel& panel) {
+    return panel.main->record.grdScore;
+}
 
 int Count(const Panel& panel) {
     return std::min(kGridColumnsShown, std::max(0, Grid(panel).Cols - Grid(panel).LeftCol));
@@ -50,7 +55,9 @@ bool Selected(const ScoreGrid& grid, int column) {
     return column >= low && column <= high;
 }
 
-bool ItemChosen(const Panel& panel, int item) { return Selected(Grid(panel), Grid(panel).LeftCol + item); }
+bool ItemChosen(const Panel& panel, int item) {
+    return Selected(Grid(panel), Grid(panel).LeftCol + item);
+}
 
 int ItemAt(const Panel& panel, POINT point) {
     for (int item = 0; item < Count(panel); ++item) {
@@ -237,12 +244,14 @@ void PaintPanel(Panel& panel, const RECT& dirty) {
     FillArea(panel.canvas, {client.right - 1, 0, client.right, client.bottom}, colours.rule);
 }
 
-int Neighbour(const Panel&, int, WPARAM) { return -1; } // the grid moves its cursor itself
+int Neighbour(const Panel&, int, WPARAM) {
+    return -1;
+} // the grid moves its cursor itself
 
 } // namespace
 
-const PanelKind kGridPanel = {L"TonexGrid", L"Score",  ROLE_SYSTEM_CELL, WS_HSCROLL, false,  false,
-                              Count,        ItemArea,  ItemName,         ItemChosen, ItemAt, Press,
-                              Neighbour,    PaintPanel, Message};
+const PanelKind kGridPanel = {L"TonexGrid", L"Score", ROLE_SYSTEM_CELL, WS_HSCROLL, false,
+                              false,        Count,    ItemArea,         ItemName,   ItemChosen,
+                              ItemAt,       Press,    Neighbour,        PaintPanel, Message};
 
 } // namespace tonex

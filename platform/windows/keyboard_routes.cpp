@@ -1,5 +1,5 @@
-// Keys that belong to the whole window: shortcuts of the menu table, F1, Tab through every control, F6 from pane to
-// pane. Windows-only because key codes and focus are.
+// Keys that belong to the whole window: shortcuts of the menu table, F1, Tab through every control, F6 from
+// pane to pane. Windows-only because key codes and focus are.
 #include "platform/windows/main_window.h"
 
 #include "link/settings.h"
@@ -47,7 +47,7 @@ constexpr int kPanes = kPanels + 2;
 
 std::array<Pane, kPanes> Panes(MainWindow& main) {
     const auto pane = [&](PanelId id) { return Pane{main.panel(id).window, &main.panel(id)}; };
-    return {pane(PanelId::Grid), pane(PanelId::Lengths), Pane{main.tempo, nullptr},
+    return {pane(PanelId::Grid),  pane(PanelId::Lengths),      Pane{main.tempo, nullptr},
             pane(PanelId::Piano), Pane{main.toolbar, nullptr}, pane(PanelId::Staff)};
 }
 
@@ -55,12 +55,16 @@ int FocusedPane(MainWindow& main) {
     const auto panes = Panes(main);
     HWND focus = GetFocus();
     for (int i = 0; i < kPanes; ++i)
-        if (focus && (panes[static_cast<std::size_t>(i)].window == focus || IsChild(panes[static_cast<std::size_t>(i)].window, focus))) return i;
+        if (focus && (panes[static_cast<std::size_t>(i)].window == focus ||
+                      IsChild(panes[static_cast<std::size_t>(i)].window, focus)))
+            return i;
     return 0;
 }
 
 /// A pane with nothing to reach (the strip of an empty score) is passed over.
-bool CanEnter(const Pane& pane) { return !pane.panel || pane.panel->kind->count(*pane.panel) > 0; }
+bool CanEnter(const Pane& pane) {
+    return !pane.panel || pane.panel->kind->count(*pane.panel) > 0;
+}
 
 void EnterPane(const Pane& pane, int step, bool by_tab) {
     if (!pane.panel) {
@@ -76,7 +80,8 @@ void EnterPane(const Pane& pane, int step, bool by_tab) {
 void NextPane(MainWindow& main, int step, bool by_tab) {
     const auto panes = Panes(main);
     int at = FocusedPane(main);
-    do at = (at + step + kPanes) % kPanes;
+    do
+        at = (at + step + kPanes) % kPanes;
     while (!CanEnter(panes[static_cast<std::size_t>(at)]));
     EnterPane(panes[static_cast<std::size_t>(at)], step, by_tab);
 }
@@ -111,7 +116,8 @@ bool TranslateMainKey(MainWindow& main, const MSG& message) {
     const bool control = GetKeyState(VK_CONTROL) < 0;
     if (message.wParam == VK_TAB && !control) return NextStop(main, step), true;
     if (message.wParam == VK_F6) return NextPane(main, step, false), true;
-    if (message.wParam == VK_F1 && step > 0 && !control) return ShowHelp(main.record), ShowDifferences(main), true;
+    if (message.wParam == VK_F1 && step > 0 && !control)
+        return ShowHelp(main.record), ShowDifferences(main), true;
     if (LeaveTempo(main, message.wParam)) return true;
     return RunShortcut(main, message.wParam);
 }

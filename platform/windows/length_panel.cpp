@@ -11,7 +11,9 @@ namespace tonex {
 
 namespace {
 
-const sndmain& Record(const Panel& panel) { return panel.main->record; }
+const sndmain& Record(const Panel& panel) {
+    return panel.main->record;
+}
 
 RECT Place(const Panel& panel, const Rect& rect) {
     const Scale& scale = panel.main->theme.scale;
@@ -20,16 +22,22 @@ RECT Place(const Panel& panel, const Rect& rect) {
     return area;
 }
 
-int Count(const Panel&) { return kLengthButtons; }
+int Count(const Panel&) {
+    return kLengthButtons;
+}
 
 RECT ItemArea(const Panel& panel, int item) {
     return Place(panel, Record(panel).cbtNote[static_cast<std::size_t>(item)].place);
 }
 
 /// The entry code 1 to 40 of a button.
-std::uint16_t CodeOf(int item) { return static_cast<std::uint16_t>(item + 1); }
+std::uint16_t CodeOf(int item) {
+    return static_cast<std::uint16_t>(item + 1);
+}
 
-std::wstring ItemName(const Panel&, int item) { return LengthNameOf(CodeOf(item)); }
+std::wstring ItemName(const Panel&, int item) {
+    return LengthNameOf(CodeOf(item));
+}
 
 bool ItemChosen(const Panel& panel, int item) {
     return Record(panel).cbtNote[static_cast<std::size_t>(item)].Picture > kLengthButtons;
@@ -43,7 +51,9 @@ int ItemAt(const Panel& panel, POINT point) {
     return -1;
 }
 
-void Press(Panel& panel, int item) { cbtNote_Click(panel.main->record, LengthButtonIndex(item)); }
+void Press(Panel& panel, int item) {
+    cbtNote_Click(panel.main->record, LengthButtonIndex(item));
+}
 
 /// Arrows move along a row and between the rows of notes and rests.
 int Neighbour(const Panel&, int item, WPARAM key) {
@@ -61,7 +71,8 @@ int Neighbour(const Panel&, int item, WPARAM key) {
 // ---- painting ----
 
 void PaintPicture(Panel& panel, const RECT& area, int picture, COLORREF colour, const RECT& dirty) {
-    const int width = static_cast<int>(area.right - area.left), height = static_cast<int>(area.bottom - area.top);
+    const int width = static_cast<int>(area.right - area.left),
+              height = static_cast<int>(area.bottom - area.top);
     const CoverageMask mask =
         ButtonPictureMask(picture, width, height, 1 / panel.main->theme.scale.twips_per_pixel_y);
     RECT part;
@@ -75,15 +86,19 @@ void PaintButton(Panel& panel, int item, const RECT& dirty) {
     RECT area = ItemArea(panel, item);
     const bool chosen = ItemChosen(panel, item);
     COLORREF face = colours.button;
-    if (chosen) face = colours.select;
-    else if (panel.pressed_item == item) face = colours.button_pressed;
-    else if (panel.hot_item == item) face = colours.button_hot;
+    if (chosen)
+        face = colours.select;
+    else if (panel.pressed_item == item)
+        face = colours.button_pressed;
+    else if (panel.hot_item == item)
+        face = colours.button_hot;
     const int radius = Scaled(scale, 3), edge = Hairline(scale);
     FillRound(panel.canvas, area, radius, chosen ? colours.select : colours.button_edge);
     InflateRect(&area, -edge, -edge);
     FillRound(panel.canvas, area, radius - edge > 0 ? radius - edge : 1, face);
     if (FocusShown(panel, item)) DrawFocusMark(panel, area, chosen ? colours.select_text : colours.select);
-    const COLORREF ink = chosen ? colours.select_text : (colours.high_contrast ? colours.face_text : colours.ink);
+    const COLORREF ink =
+        chosen ? colours.select_text : (colours.high_contrast ? colours.face_text : colours.ink);
     PaintPicture(panel, area, item + 1, ink, dirty);
 }
 
@@ -112,8 +127,20 @@ void PaintPanel(Panel& panel, const RECT& dirty) {
 
 } // namespace
 
-const PanelKind kLengthPanel = {L"TonexLengths", L"Note lengths", ROLE_SYSTEM_PUSHBUTTON, 0, true, true,
-                                Count,           ItemArea,        ItemName, ItemChosen, ItemAt, Press,
-                                Neighbour,       PaintPanel,      nullptr};
+const PanelKind kLengthPanel = {L"TonexLengths",
+                                L"Note lengths",
+                                ROLE_SYSTEM_PUSHBUTTON,
+                                0,
+                                true,
+                                true,
+                                Count,
+                                ItemArea,
+                                ItemName,
+                                ItemChosen,
+                                ItemAt,
+                                Press,
+                                Neighbour,
+                                PaintPanel,
+                                nullptr};
 
 } // namespace tonex

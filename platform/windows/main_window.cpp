@@ -44,13 +44,16 @@ Rect PanelPlace(const sndmain& w, PanelId id) {
     case PanelId::Grid: return w.grdScore.place;
     case PanelId::Lengths: {
         Rect place = w.imgNow.place;
-        for (const LengthButton& button : w.cbtNote) place = Union(place, button.place);
+        for (const LengthButton& button : w.cbtNote)
+            place = Union(place, button.place);
         return place;
     }
     case PanelId::Piano: {
         Rect place = w.kenWhite[0].place;
-        for (const PianoKeyControl& key : w.kenWhite) place = Union(place, key.place);
-        for (const KeyLabel& label : w.lblBNote) place = Union(place, label.place);
+        for (const PianoKeyControl& key : w.kenWhite)
+            place = Union(place, key.place);
+        for (const KeyLabel& label : w.lblBNote)
+            place = Union(place, label.place);
         return place;
     }
     default: return {};
@@ -58,16 +61,19 @@ Rect PanelPlace(const sndmain& w, PanelId id) {
 }
 
 HWND CreateStatic(MainWindow& main, HINSTANCE instance) {
-    HWND made = CreateWindowExW(0, L"STATIC", L"", WS_CHILD | WS_VISIBLE | SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX, 0, 0, 0, 0,
-                                main.window, nullptr, instance, nullptr);
+    HWND made =
+        CreateWindowExW(0, L"STATIC", L"", WS_CHILD | WS_VISIBLE | SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX, 0,
+                        0, 0, 0, main.window, nullptr, instance, nullptr);
     SendMessageW(made, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), 0);
     return made;
 }
 
 void CreateTempo(MainWindow& main, HINSTANCE instance) {
     main.tempo_caption = CreateStatic(main, instance);
-    main.tempo = CreateWindowExW(0, L"COMBOBOX", L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWN | CBS_AUTOHSCROLL,
-                                 0, 0, 10, 300, main.window, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(kTempoId)), instance, nullptr);
+    main.tempo = CreateWindowExW(
+        0, L"COMBOBOX", L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWN | CBS_AUTOHSCROLL,
+        0, 0, 10, 300, main.window, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(kTempoId)), instance,
+        nullptr);
     SendMessageW(main.tempo, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), 0);
     main.tempo_label = CreateStatic(main, instance);
     main.length_caption = CreateStatic(main, instance);
@@ -75,10 +81,12 @@ void CreateTempo(MainWindow& main, HINSTANCE instance) {
 
 void CreateControls(MainWindow& main, HINSTANCE instance) {
     CreateToolbar(main, instance);
-    for (int i = 0; i < kPanels; ++i) CreatePanel(main.panels[i], *kKinds[i], main, instance);
+    for (int i = 0; i < kPanels; ++i)
+        CreatePanel(main.panels[i], *kKinds[i], main, instance);
     CreateTempo(main, instance);
     // The panel of the lengths reaches around the tempo box, which must stay in front of it to be clicked.
-    SetWindowPos(main.panel(PanelId::Lengths).window, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    SetWindowPos(main.panel(PanelId::Lengths).window, HWND_BOTTOM, 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 // ---- showing what differs ----
@@ -101,7 +109,8 @@ void PlaceControl(MainWindow& main, HWND control, const Rect& place, int slot, i
     if (place == shown) return;
     shown = place;
     const RECT area = ToPixels(main.theme.scale, place);
-    MoveWindow(control, area.left, area.top, area.right - area.left, area.bottom - area.top + extra_height, TRUE);
+    MoveWindow(control, area.left, area.top, area.right - area.left, area.bottom - area.top + extra_height,
+               TRUE);
 }
 
 /// The combo box decides its own height from its font; it is centred on the place that the layout gives it.
@@ -114,7 +123,8 @@ void PlaceTempo(MainWindow& main) {
 }
 
 void ShowPlaces(MainWindow& main) {
-    for (int i = 0; i < kPanels; ++i) PlacePanel(main, static_cast<PanelId>(i));
+    for (int i = 0; i < kPanels; ++i)
+        PlacePanel(main, static_cast<PanelId>(i));
     PlaceTempo(main);
 }
 
@@ -152,14 +162,18 @@ void ShowStrip(MainWindow& main) {
     const sndmain& w = main.record;
     Shown& shown = main.shown;
     Panel& panel = main.panel(PanelId::Staff);
-    const bool view_moved = w.score.first_shown != shown.first_shown || w.grdScore.Col != shown.Col || w.grdScore.ColSel != shown.ColSel;
-    const auto selected = [](int slot, int a, int b) { return slot >= std::min(a, b) && slot <= std::max(a, b); };
+    const bool view_moved = w.score.first_shown != shown.first_shown || w.grdScore.Col != shown.Col ||
+                            w.grdScore.ColSel != shown.ColSel;
+    const auto selected = [](int slot, int a, int b) {
+        return slot >= std::min(a, b) && slot <= std::max(a, b);
+    };
     for (int i = 0; i < kStripPictures; ++i) {
         const auto at = static_cast<std::size_t>(i);
         const int old_slot = shown.first_shown + i, new_slot = w.score.first_shown + i;
         const bool picture = !(w.imgNote[at] == shown.imgNote[at]);
         const bool cursor = (old_slot == shown.Col) != (new_slot == w.grdScore.Col);
-        const bool selection = view_moved && selected(old_slot, shown.Col, shown.ColSel) != selected(new_slot, w.grdScore.Col, w.grdScore.ColSel);
+        const bool selection = view_moved && selected(old_slot, shown.Col, shown.ColSel) !=
+                                                 selected(new_slot, w.grdScore.Col, w.grdScore.ColSel);
         if (!picture && !cursor && !selection) continue;
         shown.imgNote[at] = w.imgNote[at];
         RECT area = panel.kind->item_area(panel, i);
@@ -189,9 +203,10 @@ void ShowGrid(MainWindow& main) {
         const int column = grid.LeftCol + i;
         const bool is = column < grid.Cols, was = column < shown.Cols;
         const auto at = static_cast<std::size_t>(std::min(column, kSlots - 1));
-        const bool changed = moved || is != was || !(grid.Text[at] == shown.cells[at]) ||
-                             selected(column, grid.Col, grid.ColSel) != selected(column, shown.Col, shown.ColSel) ||
-                             (column == grid.ColSel) != (column == shown.ColSel);
+        const bool changed =
+            moved || is != was || !(grid.Text[at] == shown.cells[at]) ||
+            selected(column, grid.Col, grid.ColSel) != selected(column, shown.Col, shown.ColSel) ||
+            (column == grid.ColSel) != (column == shown.ColSel);
         if (!changed) continue;
         shown.cells[at] = grid.Text[at];
         const RECT area = panel.kind->item_area(panel, i);
@@ -220,7 +235,8 @@ void ShowLengths(MainWindow& main) {
     if (main.record.imgNow.Picture == main.shown.current_picture) return;
     main.shown.current_picture = main.record.imgNow.Picture;
     RECT area = ToPixels(main.theme.scale, main.record.imgNow.place);
-    OffsetRect(&area, -ToPixelsX(main.theme.scale, panel.origin_x), -ToPixelsY(main.theme.scale, panel.origin_y));
+    OffsetRect(&area, -ToPixelsX(main.theme.scale, panel.origin_x),
+               -ToPixelsY(main.theme.scale, panel.origin_y));
     InvalidateRect(panel.window, &area, FALSE);
 }
 
@@ -272,8 +288,8 @@ void ShowEnabled(MainWindow& main) {
     EnableWindow(main.window, main.record.Enabled);
 }
 
-/// The bar goes on with every note, but the system takes milliseconds to draw it: for a short melody longer than
-/// the whole conversion. Steps that nobody could tell apart are left out.
+/// The bar goes on with every note, but the system takes milliseconds to draw it: for a short melody longer
+/// than the whole conversion. Steps that nobody could tell apart are left out.
 constexpr DWORD kBarPause = 20; // milliseconds
 
 bool IsBarStepTooSoon(const MainWindow& main) {
@@ -291,7 +307,9 @@ void ShowConvert(MainWindow& main) {
 
 // ---- events ----
 
-void RunFromMenu(MainWindow& main, UINT id) { RunMenuItem(main.record, static_cast<MenuItem>(id - kFirstMenuId)); }
+void RunFromMenu(MainWindow& main, UINT id) {
+    RunMenuItem(main.record, static_cast<MenuItem>(id - kFirstMenuId));
+}
 
 void RunFromToolbar(MainWindow& main, UINT id) {
     RunToolButton(main.record, ToolButtonRows()[id - kFirstToolId].key);
@@ -318,9 +336,12 @@ void TempoEvent(MainWindow& main, UINT notification) {
 
 void Command(MainWindow& main, WPARAM wparam) {
     const UINT id = LOWORD(wparam);
-    if (id >= kFirstMenuId && id < kFirstMenuId + kMenuItems) RunFromMenu(main, id);
-    else if (id >= kFirstToolId && id < kFirstToolId + kToolButtons) RunFromToolbar(main, id);
-    else if (id == kTempoId) TempoEvent(main, HIWORD(wparam));
+    if (id >= kFirstMenuId && id < kFirstMenuId + kMenuItems)
+        RunFromMenu(main, id);
+    else if (id >= kFirstToolId && id < kFirstToolId + kToolButtons)
+        RunFromToolbar(main, id);
+    else if (id == kTempoId)
+        TempoEvent(main, HIWORD(wparam));
     ShowDifferences(main);
 }
 
@@ -398,7 +419,8 @@ LRESULT Activated(MainWindow& main, WPARAM wparam, LPARAM lparam) {
     return DefWindowProcW(main.window, WM_ACTIVATE, wparam, lparam);
 }
 
-/// The wheel belongs to the window under the pointer's focus; anywhere in the main window it scrolls the grid.
+/// The wheel belongs to the window under the pointer's focus; anywhere in the main window it scrolls the
+/// grid.
 LRESULT PassWheel(MainWindow& main, WPARAM wparam, LPARAM lparam) {
     return SendMessageW(main.panel(PanelId::Grid).window, WM_MOUSEWHEEL, wparam, lparam);
 }
@@ -411,7 +433,8 @@ LRESULT CALLBACK MainProc(HWND window, UINT message, WPARAM wparam, LPARAM lpara
     case WM_NOTIFY: return Notify(*reinterpret_cast<const NMHDR*>(lparam));
     case WM_SIZE: Resized(main, lparam); return 0;
     case WM_GETMINMAXINFO: MinimumSize(main, *reinterpret_cast<MINMAXINFO*>(lparam)); return 0;
-    case WM_ACTIVATE: return main.up ? Activated(main, wparam, lparam) : DefWindowProcW(window, message, wparam, lparam);
+    case WM_ACTIVATE:
+        return main.up ? Activated(main, wparam, lparam) : DefWindowProcW(window, message, wparam, lparam);
     case WM_SETFOCUS: GiveFocusBack(main); return 0;
     case WM_MOUSEWHEEL: return PassWheel(main, wparam, lparam);
     case WM_CTLCOLORSTATIC: return StaticColours(main, reinterpret_cast<HDC>(wparam));
@@ -434,10 +457,12 @@ void Magnify(MainWindow& main, const Scale& scale) {
     for (HWND control : {main.tempo, main.tempo_caption, main.tempo_label, main.length_caption})
         SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), FALSE);
     for (const Panel& panel : main.panels)
-        if (panel.tooltip) SendMessageW(panel.tooltip, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), FALSE);
+        if (panel.tooltip)
+            SendMessageW(panel.tooltip, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), FALSE);
     DeleteFonts(old);
     SizeToolbar(main);
-    for (Rect& place : main.shown.places) place = kNowhere;
+    for (Rect& place : main.shown.places)
+        place = kNowhere;
     RedrawWindow(main.window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
@@ -450,7 +475,8 @@ void RegisterClasses(HINSTANCE instance) {
     main_class.hInstance = instance;
     main_class.hIcon = LoadIconW(instance, MAKEINTRESOURCEW(IDI_TONEX));
     main_class.hIconSm = static_cast<HICON>(LoadImageW(instance, MAKEINTRESOURCEW(IDI_TONEX), IMAGE_ICON,
-                                                       GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), LR_SHARED));
+                                                       GetSystemMetrics(SM_CXSMICON),
+                                                       GetSystemMetrics(SM_CYSMICON), LR_SHARED));
     main_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     main_class.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
     main_class.lpszClassName = kMainClass;
@@ -461,11 +487,16 @@ void RegisterClasses(HINSTANCE instance) {
     owner_class.hInstance = instance;
     owner_class.lpszClassName = kOwnerClass;
     RegisterClassExW(&owner_class);
-    for (const PanelKind* kind : kKinds) RegisterPanelClass(*kind, instance);
+    for (const PanelKind* kind : kKinds)
+        RegisterPanelClass(*kind, instance);
 }
 
-bool TranslateForLoops(MSG& message) { return TranslateMainKey(TheMainWindow(), message); }
-void ShowForLoops() { ShowDifferences(TheMainWindow()); }
+bool TranslateForLoops(MSG& message) {
+    return TranslateMainKey(TheMainWindow(), message);
+}
+void ShowForLoops() {
+    ShowDifferences(TheMainWindow());
+}
 
 /// Values that no record has, so that the first showing shows everything.
 void ForgetShown(Shown& shown) {
@@ -475,7 +506,8 @@ void ForgetShown(Shown& shown) {
     shown.black.fill(0x01000000);
     shown.toolbar.fill(true);
     shown.Cols = -1;
-    for (Rect& place : shown.places) place = kNowhere;
+    for (Rect& place : shown.places)
+        place = kNowhere;
 }
 
 } // namespace
@@ -497,12 +529,14 @@ bool CreateMainWindow(HINSTANCE instance) {
     main.theme.fonts = CreateFonts(main.theme.scale, 1);
     main.menu = CreateMainMenu();
     RegisterClasses(instance);
-    main.owner = CreateWindowExW(0, kOwnerClass, L"Sound Editor", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, instance, nullptr);
+    main.owner = CreateWindowExW(0, kOwnerClass, L"Sound Editor", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                                 instance, nullptr);
     const SIZE size = MinimumWindowSize(main);
     // No caption before start-up gives it one: a second copy looks for the first by caption and must not find
     // itself.
-    main.window = CreateWindowExW(WS_EX_APPWINDOW, kMainClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
-                                  CW_USEDEFAULT, 0, size.cx, size.cy, main.owner, main.menu, instance, nullptr);
+    main.window =
+        CreateWindowExW(WS_EX_APPWINDOW, kMainClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
+                        CW_USEDEFAULT, 0, size.cx, size.cy, main.owner, main.menu, instance, nullptr);
     if (!main.window) return false;
     Hooks() = {instance, main.window, ShowForLoops, BringMainWindowToForeground, TranslateForLoops};
     CreateControls(main, instance);
@@ -513,7 +547,8 @@ bool CreateMainWindow(HINSTANCE instance) {
 void FitContent(MainWindow& main) {
     RECT client;
     GetClientRect(main.window, &client);
-    const Scale fitting = MagnifiedToFit(main.screen_scale, kMinClientWidth, kMinClientHeight, {client.right, client.bottom});
+    const Scale fitting =
+        MagnifiedToFit(main.screen_scale, kMinClientWidth, kMinClientHeight, {client.right, client.bottom});
     if (fitting.twips_per_pixel_y != main.theme.scale.twips_per_pixel_y) Magnify(main, fitting);
     SendMessageW(main.toolbar, TB_AUTOSIZE, 0, 0);
     LayoutWindow(main.record, ToTwipsX(fitting, static_cast<int>(client.right)),

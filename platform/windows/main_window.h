@@ -39,7 +39,7 @@ struct MainWindow {
     sndmain record; ///< the truth
     Shown shown;
     Theme theme;
-    Scale screen_scale; ///< the screen's own; the theme's is larger in a large window
+    Scale screen_scale;   ///< the screen's own; the theme's is larger in a large window
     HWND owner = nullptr; ///< hidden application window; what finds a running copy asks for an owned window
     HWND window = nullptr;
     HWND toolbar = nullptr;
@@ -51,8 +51,8 @@ struct MainWindow {
     HWND last_focus = nullptr; ///< the control that had the keyboard when the window was left
     HMENU menu = nullptr;
     Panel panels[kPanels];
-    bool showing = false; ///< the controls are being changed by the program, not by the user
-    bool up = false;      ///< start-up is over
+    bool showing = false;           ///< the controls are being changed by the program, not by the user
+    bool up = false;                ///< start-up is over
     int first_show = SW_SHOWNORMAL; ///< how the window is shown first, as its stored placement says
 
     Panel& panel(PanelId id) { return panels[static_cast<int>(id)]; }

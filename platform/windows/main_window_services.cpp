@@ -11,7 +11,9 @@ namespace tonex {
 
 namespace {
 
-HWND Window() { return TheMainWindow().window; }
+HWND Window() {
+    return TheMainWindow().window;
+}
 
 /// Moves a rectangle onto the screen nearest to it so that all of it shows, its corner first of all.
 /// What is larger than the screen is made smaller.
@@ -32,7 +34,9 @@ RECT OntoScreen(RECT area) {
 }
 
 /// A stored number as a coordinate of a window; those have 16 bits, a damaged store any number.
-LONG Coordinate(int stored) { return std::clamp(stored, -32768, 32767); }
+LONG Coordinate(int stored) {
+    return std::clamp(stored, -32768, 32767);
+}
 
 /// At least the smallest size: a stored rectangle may come from another scale or be damaged.
 RECT LargeEnough(RECT area) {
@@ -44,11 +48,13 @@ RECT LargeEnough(RECT area) {
 
 // ---- the keyboard under Wine ----
 
-constexpr DWORD kOfferLook = 5;         // milliseconds
-constexpr DWORD kOfferPatience = 300;   // milliseconds
+constexpr DWORD kOfferLook = 5;       // milliseconds
+constexpr DWORD kOfferPatience = 300; // milliseconds
 constexpr wchar_t kOfferClass[] = L"STATIC";
 
-bool UnderWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
+bool UnderWine() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
 
 /// Wine asks a window whether it wants the keyboard by the message that a mouse click would send.
 LRESULT CALLBACK NoteOffer(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -59,15 +65,17 @@ LRESULT CALLBACK NoteOffer(HWND window, UINT message, WPARAM wparam, LPARAM lpar
     return DefWindowProcW(window, message, wparam, lparam);
 }
 
-/// Under Wine a window gets the keyboard only when the window manager offers it. When a player's window closes,
-/// the manager offers it to the main window, which is disabled at that time and has to turn it down; it is not
-/// asked again; the same befalls it when a file dialog has asked a question of its own. So a window of one pixel is offered the keyboard, and hands it on when it closes.
+/// Under Wine a window gets the keyboard only when the window manager offers it. When a player's window
+/// closes, the manager offers it to the main window, which is disabled at that time and has to turn it down;
+/// it is not asked again; the same befalls it when a file dialog has asked a question of its own. So a window
+/// of one pixel is offered the keyboard, and hands it on when it closes.
 void TakeKeyboardUnderWine() {
     if (!UnderWine() || IsIconic(Window()) || !IsWindowVisible(Window())) return;
     RECT area;
     GetWindowRect(Window(), &area);
-    HWND small = CreateWindowExW(WS_EX_TOOLWINDOW, kOfferClass, L"", WS_POPUP, static_cast<int>(area.left),
-                                 static_cast<int>(area.top), 1, 1, Window(), nullptr, Hooks().instance, nullptr);
+    HWND small =
+        CreateWindowExW(WS_EX_TOOLWINDOW, kOfferClass, L"", WS_POPUP, static_cast<int>(area.left),
+                        static_cast<int>(area.top), 1, 1, Window(), nullptr, Hooks().instance, nullptr);
     if (!small) return;
     SetWindowLongPtrW(small, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(NoteOffer));
     ShowWindow(small, SW_SHOW);
@@ -75,7 +83,8 @@ void TakeKeyboardUnderWine() {
         MsgWaitForMultipleObjects(0, nullptr, FALSE, kOfferLook, QS_ALLINPUT);
         // Its own messages only: a command may be under way, and no other may begin inside it.
         MSG message;
-        while (PeekMessageW(&message, small, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+        while (PeekMessageW(&message, small, 0, 0, PM_REMOVE))
+            DispatchMessageW(&message);
         if (!IsWindow(small) || GetWindowLongPtrW(small, GWLP_USERDATA)) break;
     }
     if (IsWindow(small)) DestroyWindow(small);
@@ -131,7 +140,8 @@ void MoveMainWindow(int left, int top) {
     RECT area;
     GetWindowRect(Window(), &area);
     const Scale& scale = TheMainWindow().screen_scale;
-    OffsetRect(&area, ToPixelsX(scale, left) - static_cast<int>(area.left), ToPixelsY(scale, top) - static_cast<int>(area.top));
+    OffsetRect(&area, ToPixelsX(scale, left) - static_cast<int>(area.left),
+               ToPixelsY(scale, top) - static_cast<int>(area.top));
     area = OntoScreen(area);
     SetWindowPos(Window(), nullptr, static_cast<int>(area.left), static_cast<int>(area.top), 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -143,19 +153,27 @@ void BringMainWindowToForeground() {
     SetForegroundWindow(Window());
 }
 
-void FocusScoreGrid() { SetFocus(TheMainWindow().panel(PanelId::Grid).window); }
+void FocusScoreGrid() {
+    SetFocus(TheMainWindow().panel(PanelId::Grid).window);
+}
 
-void CloseMainWindow() { PostMessageW(Window(), WM_CLOSE, 0, 0); }
+void CloseMainWindow() {
+    PostMessageW(Window(), WM_CLOSE, 0, 0);
+}
 
 void PopUpEditMenu() {
     MainWindow& main = TheMainWindow();
     POINT point;
     GetCursorPos(&point);
-    TrackPopupMenu(GetSubMenu(main.menu, static_cast<int>(Menu::mnuEdit)), TPM_RIGHTBUTTON, point.x, point.y, 0,
-                   main.window, nullptr);
+    TrackPopupMenu(GetSubMenu(main.menu, static_cast<int>(Menu::mnuEdit)), TPM_RIGHTBUTTON, point.x, point.y,
+                   0, main.window, nullptr);
 }
 
-void ShowAboutWindow() { ShowGlobalVersion(TheMainWindow()); }
-bool ShowTransferReminder() { return ShowReminder(TheMainWindow()); }
+void ShowAboutWindow() {
+    ShowGlobalVersion(TheMainWindow());
+}
+bool ShowTransferReminder() {
+    return ShowFormZ730Msg(TheMainWindow());
+}
 
 } // namespace tonex

@@ -35,7 +35,8 @@ std::uint32_t Over(std::uint32_t below, std::uint32_t rgb, unsigned alpha) {
         const unsigned old = below >> shift & 0xFF;
         return (value * alpha + old * (255 - alpha) + 127) / 255 << shift;
     };
-    return channel(24, 255) | channel(16, rgb >> 16 & 0xFF) | channel(8, rgb >> 8 & 0xFF) | channel(0, rgb & 0xFF);
+    return channel(24, 255) | channel(16, rgb >> 16 & 0xFF) | channel(8, rgb >> 8 & 0xFF) |
+           channel(0, rgb & 0xFF);
 }
 
 std::uint32_t GreyOf(std::uint32_t rgb, std::uint32_t paper) {
@@ -71,7 +72,8 @@ void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size
     DeleteObject(bitmap);
 }
 
-HIMAGELIST MakeImageList(const MainWindow& main, bool grey) {
+/// The list `imlIcons` of the toolbar's pictures, and its grey twin for buttons that can not act.
+HIMAGELIST MakeImlIcons(const MainWindow& main, bool grey) {
     const int size = Scaled(main.theme.scale, kIconSize);
     HIMAGELIST list = ImageList_Create(size, size, ILC_COLOR32, kToolButtons, 0);
     for (int i = 0; i < kToolButtons; ++i)
@@ -81,7 +83,9 @@ HIMAGELIST MakeImageList(const MainWindow& main, bool grey) {
 }
 
 /// Groups are set apart by a thin line in front of these buttons.
-constexpr bool BeginsGroup(int button) { return button == 3 || button == 5 || button == 10; }
+constexpr bool BeginsGroup(int button) {
+    return button == 3 || button == 5 || button == 10;
+}
 
 void AddButtons(HWND toolbar) {
     for (int i = 0; i < kToolButtons; ++i) {
@@ -93,8 +97,10 @@ void AddButtons(HWND toolbar) {
         buttons[1].fsStyle = BTNS_BUTTON;
         const int from = BeginsGroup(i) ? 0 : 1;
         // The text is never drawn (there is no room for it) but names the button for screen readers.
-        buttons[1].iString = reinterpret_cast<INT_PTR>(ToolButtonRows()[static_cast<std::size_t>(i)].tooltip.data());
-        SendMessageW(toolbar, TB_ADDBUTTONSW, static_cast<WPARAM>(2 - from), reinterpret_cast<LPARAM>(buttons + from));
+        buttons[1].iString =
+            reinterpret_cast<INT_PTR>(ToolButtonRows()[static_cast<std::size_t>(i)].tooltip.data());
+        SendMessageW(toolbar, TB_ADDBUTTONSW, static_cast<WPARAM>(2 - from),
+                     reinterpret_cast<LPARAM>(buttons + from));
     }
 }
 
@@ -113,11 +119,12 @@ HMENU CreateMainMenu() {
 
 void LoadToolbarPictures(MainWindow& main) {
     const auto replace = [&](UINT message, HIMAGELIST list) {
-        auto* old = reinterpret_cast<HIMAGELIST>(SendMessageW(main.toolbar, message, 0, reinterpret_cast<LPARAM>(list)));
+        auto* old = reinterpret_cast<HIMAGELIST>(
+            SendMessageW(main.toolbar, message, 0, reinterpret_cast<LPARAM>(list)));
         if (old) ImageList_Destroy(old);
     };
-    replace(TB_SETIMAGELIST, MakeImageList(main, false));
-    replace(TB_SETDISABLEDIMAGELIST, MakeImageList(main, true));
+    replace(TB_SETIMAGELIST, MakeImlIcons(main, false));
+    replace(TB_SETDISABLEDIMAGELIST, MakeImlIcons(main, true));
 }
 
 void SizeToolbar(MainWindow& main) {
@@ -131,8 +138,10 @@ void SizeToolbar(MainWindow& main) {
 void CreateToolbar(MainWindow& main, HINSTANCE instance) {
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_BAR_CLASSES | ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&controls);
-    main.toolbar = CreateWindowExW(0, TOOLBARCLASSNAMEW, L"Toolbar", WS_CHILD | WS_VISIBLE | WS_TABSTOP | TBSTYLE_FLAT | TBSTYLE_TOOLTIPS | CCS_TOP,
-                                   0, 0, 0, 0, main.window, nullptr, instance, nullptr);
+    main.toolbar =
+        CreateWindowExW(0, TOOLBARCLASSNAMEW, L"Toolbar",
+                        WS_CHILD | WS_VISIBLE | WS_TABSTOP | TBSTYLE_FLAT | TBSTYLE_TOOLTIPS | CCS_TOP, 0, 0,
+                        0, 0, main.window, nullptr, instance, nullptr);
     SendMessageW(main.toolbar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     SendMessageW(main.toolbar, TB_SETMAXTEXTROWS, 0, 0); // names without room: shown as tooltips only
     SizeToolbar(main);

@@ -32,9 +32,9 @@ void Paint(Panel& panel) {
 void ShowTooltipFor(Panel& panel, int item) {
     if (!panel.kind->tooltips) return;
     if (!panel.tooltip) {
-        panel.tooltip = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX,
-                                        CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
-                                        panel.window, nullptr, nullptr, nullptr);
+        panel.tooltip = CreateWindowExW(
+            WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
+            CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, panel.window, nullptr, nullptr, nullptr);
         SendMessageW(panel.tooltip, WM_SETFONT, reinterpret_cast<WPARAM>(panel.main->theme.fonts.ui), 0);
     }
     TTTOOLINFOW tool{};
@@ -119,8 +119,7 @@ void GotFocus(Panel& panel, bool focused) {
     panel.focused = focused;
     if (!focused) panel.keyboard_used = false;
     InvalidateItem(panel, panel.focus_item);
-    if (focused)
-        NotifyWinEvent(EVENT_OBJECT_FOCUS, panel.window, OBJID_CLIENT, panel.focus_item + 1);
+    if (focused) NotifyWinEvent(EVENT_OBJECT_FOCUS, panel.window, OBJID_CLIENT, panel.focus_item + 1);
 }
 
 LRESULT CALLBACK PanelProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -134,7 +133,8 @@ LRESULT CALLBACK PanelProc(HWND window, UINT message, WPARAM wparam, LPARAM lpar
     if (!panel) return DefWindowProcW(window, message, wparam, lparam);
     LRESULT result = 0;
     if (panel->kind->message && panel->kind->message(*panel, message, wparam, lparam, result)) return result;
-    if (message >= WM_MOUSEFIRST && message <= WM_MBUTTONDBLCLK) RelayToTooltip(*panel, message, wparam, lparam);
+    if (message >= WM_MOUSEFIRST && message <= WM_MBUTTONDBLCLK)
+        RelayToTooltip(*panel, message, wparam, lparam);
     switch (message) {
     case WM_PAINT: Paint(*panel); return 0;
     case WM_ERASEBKGND: return 1;
@@ -169,8 +169,9 @@ void RegisterPanelClass(const PanelKind& kind, HINSTANCE instance) {
 bool CreatePanel(Panel& panel, const PanelKind& kind, MainWindow& main, HINSTANCE instance) {
     panel.kind = &kind;
     panel.main = &main;
-    return CreateWindowExW(0, kind.class_name, kind.title, WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_CLIPSIBLINGS | kind.style,
-                           0, 0, 0, 0, main.window, nullptr, instance, &panel) != nullptr;
+    return CreateWindowExW(0, kind.class_name, kind.title,
+                           WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_CLIPSIBLINGS | kind.style, 0, 0, 0, 0,
+                           main.window, nullptr, instance, &panel) != nullptr;
 }
 
 void InvalidateItem(Panel& panel, int item) {
@@ -184,8 +185,10 @@ void FocusItem(Panel& panel, int item) {
     panel.focus_item = item;
     panel.keyboard_used = true;
     InvalidateItem(panel, item);
-    if (!panel.focused) SetFocus(panel.window);
-    else NotifyWinEvent(EVENT_OBJECT_FOCUS, panel.window, OBJID_CLIENT, item + 1);
+    if (!panel.focused)
+        SetFocus(panel.window);
+    else
+        NotifyWinEvent(EVENT_OBJECT_FOCUS, panel.window, OBJID_CLIENT, item + 1);
 }
 
 bool FocusShown(const Panel& panel, int item) {

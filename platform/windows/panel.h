@@ -25,8 +25,8 @@ struct PanelKind {
     RECT (*item_area)(const Panel&, int item); ///< pixels in the panel
     std::wstring (*item_name)(const Panel&, int item);
     bool (*item_chosen)(const Panel&, int item);
-    int (*item_at)(const Panel&, POINT point); ///< -1 = none
-    void (*press)(Panel&, int item);           ///< runs the item's command on the record
+    int (*item_at)(const Panel&, POINT point);            ///< -1 = none
+    void (*press)(Panel&, int item);                      ///< runs the item's command on the record
     int (*neighbour)(const Panel&, int item, WPARAM key); ///< where an arrow key, Home or End leads
     void (*paint)(Panel&, const RECT& dirty);
     /// First look at a message; true when it was used up. May be null.

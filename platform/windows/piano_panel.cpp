@@ -1,5 +1,5 @@
-// The piano: 29 white and 20 black keys with their captions. Windows-only drawing. Items run along the keyboard
-// from left to right, as the tab order does.
+// The piano: 29 white and 20 black keys with their captions. Windows-only drawing. Items run along the
+// keyboard from left to right, as the tab order does.
 #include "platform/windows/main_window.h"
 
 #include "view/note_entry.h"
@@ -15,10 +15,14 @@ namespace {
 
 constexpr int kKeys = kWhiteKeys + kBlackKeys;
 
-const sndmain& Record(const Panel& panel) { return panel.main->record; }
+const sndmain& Record(const Panel& panel) {
+    return panel.main->record;
+}
 
 /// The key of an item: items count semitones up from c4.
-PianoKey KeyOf(int item) { return *KeyOfPitch(static_cast<std::uint16_t>(kLowestKeyPitch + item)); }
+PianoKey KeyOf(int item) {
+    return *KeyOfPitch(static_cast<std::uint16_t>(kLowestKeyPitch + item));
+}
 
 RECT Place(const Panel& panel, const Rect& rect) {
     const Scale& scale = panel.main->theme.scale;
@@ -32,9 +36,13 @@ const PianoKeyControl& ControlOf(const Panel& panel, PianoKey key) {
     return key.kind == KeyKind::White ? Record(panel).kenWhite[index] : Record(panel).kenBlack[index];
 }
 
-int Count(const Panel&) { return kKeys; }
+int Count(const Panel&) {
+    return kKeys;
+}
 
-RECT ItemArea(const Panel& panel, int item) { return Place(panel, ControlOf(panel, KeyOf(item)).place); }
+RECT ItemArea(const Panel& panel, int item) {
+    return Place(panel, ControlOf(panel, KeyOf(item)).place);
+}
 
 std::wstring ItemName(const Panel& panel, int item) {
     const PianoKey key = KeyOf(item);
@@ -49,7 +57,9 @@ bool Lit(const Panel& panel, PianoKey key) {
     return ControlOf(panel, key).BackColor != rest;
 }
 
-bool ItemChosen(const Panel& panel, int item) { return Lit(panel, KeyOf(item)); }
+bool ItemChosen(const Panel& panel, int item) {
+    return Lit(panel, KeyOf(item));
+}
 
 /// Black keys lie over the white ones.
 int ItemAt(const Panel& panel, POINT point) {
@@ -65,8 +75,10 @@ int ItemAt(const Panel& panel, POINT point) {
 
 void Press(Panel& panel, int item) {
     const PianoKey key = KeyOf(item);
-    if (key.kind == KeyKind::White) kenWhite_Click(panel.main->record, key.index);
-    else kenBlack_Click(panel.main->record, key.index);
+    if (key.kind == KeyKind::White)
+        kenWhite_Click(panel.main->record, key.index);
+    else
+        kenBlack_Click(panel.main->record, key.index);
 }
 
 int NextWhite(int item, int step) {
@@ -116,16 +128,20 @@ void PaintWhite(Panel& panel, int item, const RECT& dirty) {
     if (!IntersectRect(&part, &area, &dirty)) return;
     const COLORREF edge = RGB(120, 124, 130);
     COLORREF face = Lit(panel, key) ? LitColour(panel, key) : RGB(255, 255, 255);
-    if (panel.pressed_item == item) face = Mix(face, RGB(120, 130, 145), 70);
-    else if (panel.hot_item == item && !Lit(panel, key)) face = RGB(240, 244, 249);
+    if (panel.pressed_item == item)
+        face = Mix(face, RGB(120, 130, 145), 70);
+    else if (panel.hot_item == item && !Lit(panel, key))
+        face = RGB(240, 244, 249);
     FillRound(panel.canvas, area, Scaled(scale, 3), edge, true);
     const int line = Hairline(scale);
     // Neighbours share one line between them; the first key has its own at the left.
-    const RECT inner = {area.left + (item == 0 ? line : 0), area.top + line, area.right - line, area.bottom - line};
+    const RECT inner = {area.left + (item == 0 ? line : 0), area.top + line, area.right - line,
+                        area.bottom - line};
     FillRound(panel.canvas, inner, Scaled(scale, 2), face, true);
     if (!Lit(panel, key) && panel.pressed_item != item)
-        TintArea(panel.canvas, {inner.left + 1, inner.bottom - Scaled(scale, 4), inner.right - 1, inner.bottom - line}, edge,
-                 36);
+        TintArea(panel.canvas,
+                 {inner.left + 1, inner.bottom - Scaled(scale, 4), inner.right - 1, inner.bottom - line},
+                 edge, 36);
     const COLORREF text = Lit(panel, key) ? RGB(255, 255, 255) : RGB(32, 36, 42);
     PaintCaption(panel, Record(panel).lblWNote[static_cast<std::size_t>(key.index)], text);
     if (FocusShown(panel, item)) DrawFocusMark(panel, inner, panel.main->theme.colours.select);
@@ -140,7 +156,8 @@ void PaintBlack(Panel& panel, int item, const RECT& dirty) {
     FillRound(panel.canvas, area, Scaled(scale, 2), RGB(16, 17, 19), true);
     // A lighter top face with a darker rim reads as a raised key.
     const int rim = Scaled(scale, 2);
-    const RECT top = {area.left + rim, area.top, area.right - rim, area.bottom - Scaled(scale, panel.pressed_item == item ? 3 : 7)};
+    const RECT top = {area.left + rim, area.top, area.right - rim,
+                      area.bottom - Scaled(scale, panel.pressed_item == item ? 3 : 7)};
     COLORREF shade = Lit(panel, key) ? face : Mix(face, RGB(255, 255, 255), panel.hot_item == item ? 70 : 38);
     if (panel.pressed_item == item) shade = Mix(shade, RGB(0, 0, 0), 60);
     if (Lit(panel, key)) FillRound(panel.canvas, area, Scaled(scale, 2), Mix(face, RGB(0, 0, 0), 60), true);
@@ -164,8 +181,20 @@ void PaintPanel(Panel& panel, const RECT& dirty) {
 
 } // namespace
 
-const PanelKind kPianoPanel = {L"TonexPiano", L"Piano",   ROLE_SYSTEM_PUSHBUTTON, 0,  true,   true,
-                               Count,         ItemArea,   ItemName, ItemChosen, ItemAt, Press,
-                               Neighbour,     PaintPanel, nullptr};
+const PanelKind kPianoPanel = {L"TonexPiano",
+                               L"Piano",
+                               ROLE_SYSTEM_PUSHBUTTON,
+                               0,
+                               true,
+                               true,
+                               Count,
+                               ItemArea,
+                               ItemName,
+                               ItemChosen,
+                               ItemAt,
+                               Press,
+                               Neighbour,
+                               PaintPanel,
+                               nullptr};
 
 } // namespace tonex

@@ -19,8 +19,12 @@ namespace {
 
 constexpr int kLedgerReach = 25; ///< twips that a ledger line reaches beyond the head on each side
 
-const sndmain& Record(const Panel& panel) { return panel.main->record; }
-const Scale& ScaleOf(const Panel& panel) { return panel.main->theme.scale; }
+const sndmain& Record(const Panel& panel) {
+    return panel.main->record;
+}
+const Scale& ScaleOf(const Panel& panel) {
+    return panel.main->theme.scale;
+}
 
 int Count(const Panel& panel) {
     const sndmain& w = Record(panel);
@@ -35,7 +39,8 @@ RECT ColumnArea(const Panel& panel, int image) {
     const int left = w.grdScore.place.Left - w.picStaff.Left + image * w.standard_col_width;
     const Scale& scale = ScaleOf(panel);
     return {ToPixelsX(scale, w.picStaff.Left + left) - ToPixelsX(scale, w.picStaff.Left), 0,
-            ToPixelsX(scale, w.picStaff.Left + left + w.standard_col_width) - ToPixelsX(scale, w.picStaff.Left),
+            ToPixelsX(scale, w.picStaff.Left + left + w.standard_col_width) -
+                ToPixelsX(scale, w.picStaff.Left),
             ToPixelsY(scale, w.picStaff.Height)};
 }
 
@@ -43,7 +48,8 @@ RECT ColumnArea(const Panel& panel, int image) {
 RECT ItemArea(const Panel& panel, int image) {
     RECT area = ColumnArea(panel, image);
     const NoteImage& note = Record(panel).imgNote[static_cast<std::size_t>(image)];
-    area.right = std::max<LONG>(area.right, ToPixelsX(ScaleOf(panel), note.place.Left + note.place.Width) + 1);
+    area.right =
+        std::max<LONG>(area.right, ToPixelsX(ScaleOf(panel), note.place.Left + note.place.Width) + 1);
     return area;
 }
 
@@ -72,7 +78,9 @@ int ItemAt(const Panel& panel, POINT point) {
     return -1;
 }
 
-void Press(Panel& panel, int image) { imgNote_Click(panel.main->record, image); }
+void Press(Panel& panel, int image) {
+    imgNote_Click(panel.main->record, image);
+}
 
 int Neighbour(const Panel& panel, int image, WPARAM key) {
     switch (key) {
@@ -86,7 +94,9 @@ int Neighbour(const Panel& panel, int image, WPARAM key) {
 
 // ---- painting ----
 
-int LineThickness(const Panel& panel) { return StaffLinePixels(1 / ScaleOf(panel).twips_per_pixel_y); }
+int LineThickness(const Panel& panel) {
+    return StaffLinePixels(1 / ScaleOf(panel).twips_per_pixel_y);
+}
 
 void PaintLine(Panel& panel, int left, int right, int y_twips, COLORREF colour) {
     const int y = StaffLineRow(static_cast<float>(y_twips) / ScaleOf(panel).twips_per_pixel_y);
@@ -115,7 +125,8 @@ void PaintStaff(Panel& panel, const RECT& dirty) {
                   colours.staff_line);
     const float x = static_cast<float>(kClefBox.left) / scale.twips_per_pixel_x;
     const float y = static_cast<float>(kClefBox.top) / scale.twips_per_pixel_y;
-    if (static_cast<float>(dirty.left) > x + static_cast<float>(kClefBox.width) / scale.twips_per_pixel_x) return;
+    if (static_cast<float>(dirty.left) > x + static_cast<float>(kClefBox.width) / scale.twips_per_pixel_x)
+        return;
     const CoverageMask clef = ClefMask(1 / scale.twips_per_pixel_y, x - std::floor(x), y - std::floor(y));
     BlendMask(panel.canvas, clef, static_cast<int>(x), static_cast<int>(y), colours.ink, dirty);
 }
@@ -160,7 +171,8 @@ void PaintImage(Panel& panel, int index, const RECT& dirty) {
     const CoverageMask mask =
         NotePictureMask(image.Picture, image.Sharp, 1 / scale.twips_per_pixel_y, x - std::floor(x),
                         y - std::floor(y), w.StaffOffset, note && HeadOnLine(w, image));
-    BlendMask(panel.canvas, mask, static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)), ink, dirty);
+    BlendMask(panel.canvas, mask, static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)), ink,
+              dirty);
 }
 
 /// The place of the cursor, also behind the last entry where no picture is: a small mark under the staff.
@@ -203,8 +215,9 @@ bool Message(Panel& panel, UINT message, WPARAM, LPARAM, LRESULT&) {
 
 } // namespace
 
-const PanelKind kStaffPanel = {L"TonexStaff", L"Staff",  ROLE_SYSTEM_GRAPHIC, 0,     false,     true,
-                               Count,         ItemArea,  ItemName,            ItemChosen, ItemAt, Press,
-                               Neighbour,     PaintPanel, Message};
+const PanelKind kStaffPanel = {
+    L"TonexStaff", L"Staff", ROLE_SYSTEM_GRAPHIC, 0,      false, true,      Count,
+    ItemArea,      ItemName, ItemChosen,          ItemAt, Press, Neighbour, PaintPanel,
+    Message};
 
 } // namespace tonex

@@ -51,7 +51,8 @@ bool HighContrastOn() {
            (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
-/// Light text on a dark ground: such schemes are chosen for their contrast, so no colour is mixed from theirs.
+/// Light text on a dark ground: such schemes are chosen for their contrast, so no colour is mixed from
+/// theirs.
 bool LightOnDark(COLORREF ink, COLORREF paper) {
     const auto light = [](COLORREF c) { return GetRValue(c) * 30 + GetGValue(c) * 59 + GetBValue(c) * 11; };
     return light(ink) > light(paper);
@@ -161,13 +162,14 @@ void DeleteFonts(Fonts& fonts) {
 }
 
 Scale MagnifiedToFit(const Scale& screen, int content_width, int content_height, SIZE window) {
-    constexpr int kStep = 2;          // pixels a staff space grows
-    constexpr float kMostTimes = 4;   // larger than any screen of today needs
+    constexpr int kStep = 2;        // pixels a staff space grows
+    constexpr float kMostTimes = 4; // larger than any screen of today needs
     const float own_space = kStaffSpace / screen.twips_per_pixel_y;
     Scale best = screen;
     for (float space = own_space; space <= kMostTimes * own_space; space += kStep) {
         const Scale larger{screen.twips_per_pixel_x * own_space / space, kStaffSpace / space};
-        if (ToPixelsX(larger, content_width) > window.cx || ToPixelsY(larger, content_height) > window.cy) break;
+        if (ToPixelsX(larger, content_width) > window.cx || ToPixelsY(larger, content_height) > window.cy)
+            break;
         best = larger;
     }
     return best;

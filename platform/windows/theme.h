@@ -16,15 +16,15 @@ struct Scale {
 /// Colours of everything the program draws itself, from the system's so that high contrast is respected.
 struct Colours {
     bool high_contrast = false;
-    COLORREF face = 0;           ///< of the window
+    COLORREF face = 0; ///< of the window
     COLORREF face_text = 0;
-    COLORREF paper = 0;          ///< of staff and grid
-    COLORREF ink = 0;            ///< notes and texts on paper
+    COLORREF paper = 0; ///< of staff and grid
+    COLORREF ink = 0;   ///< notes and texts on paper
     COLORREF staff_line = 0;
-    COLORREF rule = 0;           ///< between grid cells and around panels
+    COLORREF rule = 0; ///< between grid cells and around panels
     COLORREF select = 0;
     COLORREF select_text = 0;
-    COLORREF button = 0;         ///< a length button
+    COLORREF button = 0; ///< a length button
     COLORREF button_hot = 0;
     COLORREF button_pressed = 0;
     COLORREF button_edge = 0;
@@ -32,10 +32,10 @@ struct Colours {
 };
 
 struct Fonts {
-    HFONT ui = nullptr;          ///< controls
-    HFONT cell = nullptr;        ///< letter names in the grid
+    HFONT ui = nullptr;   ///< controls
+    HFONT cell = nullptr; ///< letter names in the grid
     HFONT cell_japanese = nullptr;
-    HFONT key = nullptr;         ///< captions of the piano keys
+    HFONT key = nullptr; ///< captions of the piano keys
     HFONT key_japanese = nullptr;
 };
 
@@ -58,12 +58,13 @@ int Hairline(const Scale& scale);
 
 /// Reads colours from the system; again after WM_SYSCOLORCHANGE.
 Colours ReadColours();
-/// Creates the fonts, sized so that the widest name fits a grid cell and a key. `magnified` is how much larger
-/// than on the screen's own scale the window's content is.
+/// Creates the fonts, sized so that the widest name fits a grid cell and a key. `magnified` is how much
+/// larger than on the screen's own scale the window's content is.
 Fonts CreateFonts(const Scale& scale, float magnified);
 void DeleteFonts(Fonts& fonts);
-/// The largest magnification of the screen's scale at which content of the size given still fits a window: the
-/// space between two staff lines grows by two pixels a step, so that lines and note heads stay on whole pixels.
+/// The largest magnification of the screen's scale at which content of the size given still fits a window:
+/// the space between two staff lines grows by two pixels a step, so that lines and note heads stay on whole
+/// pixels.
 Scale MagnifiedToFit(const Scale& screen, int content_width, int content_height, SIZE window);
 /// The font for a text: the Japanese one when the text has characters beyond Latin.
 HFONT FontFor(std::wstring_view text, HFONT latin, HFONT japanese);

@@ -11,11 +11,14 @@ std::wstring CommandLinePath() {
     const wchar_t* text = GetCommandLineW();
     const wchar_t stop = *text == L'"' ? L'"' : L' ';
     if (*text == L'"') ++text;
-    while (*text && *text != stop) ++text; // over the program's own name
+    while (*text && *text != stop)
+        ++text; // over the program's own name
     if (*text == L'"') ++text;
-    while (*text == L' ' || *text == L'\t') ++text;
+    while (*text == L' ' || *text == L'\t')
+        ++text;
     std::wstring path = text;
-    while (!path.empty() && (path.back() == L' ' || path.back() == L'\t')) path.pop_back();
+    while (!path.empty() && (path.back() == L' ' || path.back() == L'\t'))
+        path.pop_back();
     return path;
 }
 
