@@ -34,7 +34,8 @@ MESSAGES = [
     "Cannot input the last", "music notes.", "File name cannot exceed 8 characters.", "Change the file name.",
     "Cannot find music notes.", "Can not run Sound Player!", "File translate error when upload to Veloxa!",
     "Directory does not exist.", "Please install the PC Application again.",
-    "Transfer all data by PC Ferry to Corvane after close", "Do not show this dialog in the next time.",
+    "The help file is missing.", "Transfer all data by PC Ferry to Corvane after close",
+    "Do not show this dialog in the next time.",
 ]
 
 
