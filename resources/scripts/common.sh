@@ -44,6 +44,10 @@ $name"*) ;;
     done
 }
 
+apt_install() {
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends install "$@"
+}
+
 install_packages() {
     local missing log="$logs/packages.log"
     missing=$(missing_packages)
@@ -59,12 +63,15 @@ install_packages() {
     esac
     # A package source that is out of reach makes update fail while the others are good: install tells.
     as_root apt-get -q update >>"$log" 2>&1 || true
-    # One release for both architectures: the 32-bit libraries must have the version of the 64-bit ones.
     # shellcheck disable=SC2086
-    if ! as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends install \
-        $missing >>"$log" 2>&1 &&
-        ! as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends --allow-downgrades \
-            -t bookworm install $missing >>"$log" 2>&1; then
+    apt_install $missing >>"$log" 2>&1 && return 0
+    # The 32-bit libraries must have the version of the 64-bit ones. Where updates reach one architecture only,
+    # the libraries concerned go back to the version of the release, which is there for both.
+    say "Installing again, with the versions of the release"
+    printf 'Package: *\nPin: release n=bookworm\nPin-Priority: 1001\n' >"$root/build/release.pref"
+    # shellcheck disable=SC2086
+    if ! apt_install --allow-downgrades --no-remove -o Dir::Etc::Preferences="$root/build/release.pref" \
+        $missing >>"$log" 2>&1; then
         fail "The packages could not be installed." "$log"
         return 1
     fi
