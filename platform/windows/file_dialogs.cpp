@@ -62,7 +62,6 @@ bool ShowDialog(FileDialog& dialog, const char* function, DWORD flags) {
         path[0] = L'\0';
         chosen = show(&choice) != 0;
     }
-    if (Hooks().take_keyboard_back) Hooks().take_keyboard_back();
     if (chosen) dialog.FileName = path.data();
     return chosen;
 }
@@ -75,7 +74,10 @@ bool ShowOpenDialog(FileDialog& dialog) {
 
 bool ShowSaveDialog(FileDialog& dialog) {
     // The save itself finds out whether the folder takes the file; the dialog need not try with an empty one.
-    return ShowDialog(dialog, "GetSaveFileNameW", OFN_OVERWRITEPROMPT | OFN_NOTESTFILECREATE);
+    const bool chosen = ShowDialog(dialog, "GetSaveFileNameW", OFN_OVERWRITEPROMPT | OFN_NOTESTFILECREATE);
+    const bool asked = chosen && GetFileAttributesW(dialog.FileName.c_str()) != INVALID_FILE_ATTRIBUTES;
+    if (asked && Hooks().take_keyboard_back) Hooks().take_keyboard_back();
+    return chosen;
 }
 
 } // namespace tonex
