@@ -313,6 +313,9 @@ class Editor:
         """The X server hands the keyboard on a moment after a dialog is gone; keys pressed before would be lost."""
         wait_until(lambda: self.process.poll() is not None or
                    (self.screen.focused_id() != window and self.screen.focused_title()), 8, "the keyboard's next owner")
+        # Then Wine takes a moment: to give a control the focus, and to learn which keys are down.
+        wait_until(lambda: self.process.poll() is not None or self.focus(), 8, "a control with the keyboard")
+        time.sleep(0.1)
 
     def message(self, text, button="OK"):
         self.answer(self.wait_message(text), button)
