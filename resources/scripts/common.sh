@@ -52,6 +52,10 @@ install_packages() {
     local missing log="$logs/packages.log"
     missing=$(missing_packages)
     [ -z "$missing" ] && return 0
+    if [ "$(id -u)" != 0 ] && ! command -v sudo >/dev/null; then
+        fail "Packages are missing, and there is no sudo to install them with: $missing"
+        return 1
+    fi
     say "Installing packages: $missing"
     : >"$log"
     case " $missing" in
