@@ -157,7 +157,7 @@ struct sndmain {
     bool preview_busy = false;
     bool second_copy = false; ///< this copy only hands over to the first
     LinkState link;
-    LinkLibrary library{};
+    LinkLibrary link_library{};
 
     // The window and its controls.
     std::wstring Caption;

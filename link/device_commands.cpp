@@ -49,11 +49,11 @@ std::string Convert(Conversion conversion, const std::string& path) {
 }
 
 std::string CacheToDevice(const sndmain& window, const std::wstring& cache_path) {
-    return Convert(window.library.Cor_ConvPathCacheToCorvane, ToAnsi(cache_path));
+    return Convert(window.link_library.Cor_ConvPathCacheToCorvane, ToAnsi(cache_path));
 }
 
 std::wstring DeviceToCache(const sndmain& window, const std::string& device_path) {
-    return FromAnsi(Convert(window.library.Cor_ConvPathCorvaneToCache, device_path));
+    return FromAnsi(Convert(window.link_library.Cor_ConvPathCorvaneToCache, device_path));
 }
 
 using DeviceDialog = std::int32_t(TONEX_STDCALL*)(const char*, const char*, char*, std::int32_t);
@@ -99,11 +99,11 @@ std::string StartTextFor(const sndmain& window, std::string folder) {
 }
 
 bool SaveToDeviceAs(sndmain& window) {
-    if (!CanSaveToDevice(window.library)) return false;
+    if (!CanSaveToDevice(window.link_library)) return false;
     const std::string folder = CacheToDevice(window, window.link.CacheSoundDir);
     if (folder.empty()) return false;
     const std::string chosen =
-        ChooseOnDevice(window.library.Cor_PIMSaveFileDialog, StartTextFor(window, folder));
+        ChooseOnDevice(window.link_library.Cor_PIMSaveFileDialog, StartTextFor(window, folder));
     if (chosen.empty()) return false;
     const std::wstring cache_path = DeviceToCache(window, chosen);
     if (cache_path.empty()) return false;
@@ -115,10 +115,11 @@ bool SaveToDeviceAs(sndmain& window) {
 /// Lists the device's sounds. A count or a list that runs over the buffer is cut at its end.
 std::vector<std::wstring> ListDeviceSounds(const sndmain& window) {
     std::vector<std::wstring> sounds;
-    if (!window.library.Cor_DirByExt) return sounds;
+    if (!window.link_library.Cor_DirByExt) return sounds;
     std::array<char, 8192> names{};
     const auto size = static_cast<std::int32_t>(names.size());
-    std::int32_t count = window.library.Cor_DirByExt("\\system\\sound", kDeviceExtension, names.data(), size);
+    std::int32_t count =
+        window.link_library.Cor_DirByExt("\\system\\sound", kDeviceExtension, names.data(), size);
     const char* name = names.data();
     const char* const end = name + names.size();
     while (count-- > 0 && name < end && *name != '\0') {
@@ -132,7 +133,7 @@ std::vector<std::wstring> ListDeviceSounds(const sndmain& window) {
 /// Has the link software bring a device file into the cache; empty when it does not know it or can not.
 std::wstring FetchDeviceFile(const sndmain& window, const std::wstring& cache_path) {
     const std::string device_path = CacheToDevice(window, cache_path);
-    const LinkLibrary& library = window.library;
+    const LinkLibrary& library = window.link_library;
     if (device_path.empty() || !library.Cor_IsExist || !library.Cor_GetFile) return {};
     if (library.Cor_IsExist(device_path.c_str()) == 0) return {};
     LinkBuffer buffer;
@@ -158,7 +159,7 @@ bool SaveToDevice(sndmain& window) {
     if (document.current_path.empty() || !name_fits || document.location_flag == kOnPc) {
         return SaveToDeviceAs(window);
     }
-    if (!CanSaveToDevice(window.library)) return false;
+    if (!CanSaveToDevice(window.link_library)) return false;
     // The cache copy goes before anyone knows whether its path can be converted; kept as it is.
     const std::wstring cache_path = document.current_path;
     DeleteFileIfExists(cache_path);
@@ -180,7 +181,7 @@ void mnuFileOpenZ730_Click(sndmain& window) {
     if (!AskToSaveChanges(window)) return;
     const std::string folder = CacheToDevice(window, window.link.CacheSoundDir);
     if (folder.empty()) return;
-    const std::string chosen = ChooseOnDevice(window.library.Cor_PIMOpenFileDialog, folder);
+    const std::string chosen = ChooseOnDevice(window.link_library.Cor_PIMOpenFileDialog, folder);
     if (chosen.empty()) return;
     const std::wstring cache_path = DeviceToCache(window, chosen);
     if (cache_path.empty()) return;
@@ -192,18 +193,18 @@ void mnuFileOpenZ730_Click(sndmain& window) {
 }
 
 void Disconnection_Click(sndmain& window) {
-    if (window.library.Cor_SetupDisconnection) window.library.Cor_SetupDisconnection();
+    if (window.link_library.Cor_SetupDisconnection) window.link_library.Cor_SetupDisconnection();
 }
 
 bool Disconnect(sndmain& window) {
-    if (!window.library.Cor_DoDisconnect) return true;
-    return window.library.Cor_DoDisconnect() == 0;
+    if (!window.link_library.Cor_DoDisconnect) return true;
+    return window.link_library.Cor_DoDisconnect() == 0;
 }
 
 bool UploadFile(sndmain& window, const std::wstring& file_path) {
-    if (!window.library.Cor_PutFile) return false;
-    return window.library.Cor_PutFile(ToAnsi(window.document.device_path).c_str(), ToAnsi(file_path).c_str(),
-                                      0) == 0;
+    if (!window.link_library.Cor_PutFile) return false;
+    return window.link_library.Cor_PutFile(ToAnsi(window.document.device_path).c_str(),
+                                           ToAnsi(file_path).c_str(), 0) == 0;
 }
 
 bool ReopenLastFile(sndmain& window, const std::wstring& section) {

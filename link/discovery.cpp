@@ -23,8 +23,8 @@ bool FolderExists(const std::wstring& path) {
 /// kOnPc, or kOnDevice for a file of the device cache. Without the library's answer, what lies below the
 /// cache folder is a device file.
 std::int16_t LocationOf(const sndmain& window, const std::wstring& path) {
-    if (window.library.Cor_IsOnPcFile) {
-        return window.library.Cor_IsOnPcFile(ToAnsi(path).c_str()) != 0 ? kOnPc : kOnDevice;
+    if (window.link_library.Cor_IsOnPcFile) {
+        return window.link_library.Cor_IsOnPcFile(ToAnsi(path).c_str()) != 0 ? kOnPc : kOnDevice;
     }
     const std::wstring cache = UpperCase(window.link.InstallDir + L"\\pcferry\\cache\\");
     return UpperCase(path).starts_with(cache) ? kOnDevice : kOnPc;
@@ -83,7 +83,7 @@ bool DiscoverLinkSoftware(sndmain& window) {
     ResolveUserSoundDir(*install, link.PcSoundDir, link.CacheSoundDir, show_message);
     window.document.ComOpen.InitDir = link.PcSoundDir;
     window.document.ComSave.InitDir = link.PcSoundDir;
-    window.library = LoadLinkLibrary(*install);
+    window.link_library = LoadLinkLibrary(*install);
     return true;
 }
 

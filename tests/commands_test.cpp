@@ -178,7 +178,7 @@ TEST_F(Commands, AToolButtonRunsItsMenuItemsCommand) {
     EXPECT_TRUE(desktop::Asked("ShowOpenDialog"));
 
     desk.log.clear();
-    window.library = LoadLinkLibrary(L"C:\\Link");
+    window.link_library = LoadLinkLibrary(L"C:\\Link");
     window.link.CacheSoundDir = L"C:\\Link\\pcferry\\cache\\System\\sound";
     desk.link.open_choices = {std::nullopt};
     RunToolButton(window, L"mnuZ730FileOpen");

@@ -373,7 +373,7 @@ std::int16_t TONEX_STDCALL WriteBeyondTheBuffer(char* buffer, std::int32_t size,
 
 TEST_F(Device, WhatALibraryWritesBeyondItsBufferIsNotRead) {
     ComposeOnDevice();
-    window.library.Cor_ConvPathCacheToCorvane = &WriteBeyondTheBuffer;
+    window.link_library.Cor_ConvPathCacheToCorvane = &WriteBeyondTheBuffer;
     mnuFileOverWriteZ730_Click(window);
     EXPECT_EQ(window.document.device_path, std::wstring(200, L'x'));
 }
@@ -451,7 +451,7 @@ TEST_F(Device, AMissingFunctionLeavesTheCommandWithoutEffect) {
     for (const char* name : {"Cor_ConvPathCacheToCorvane", "Cor_ConvPathCorvaneToCache",
                              "Cor_PIMOpenFileDialog", "Cor_PIMSaveFileDialog", "Cor_PutFile"}) {
         desk.link.missing = {name};
-        window.library = LoadLinkLibrary(L"C:\\Link");
+        window.link_library = LoadLinkLibrary(L"C:\\Link");
         ComposeOnDevice();
         desk.files.clear();
         desk.files[kCacheTune] = {EncodedScore()};
@@ -476,7 +476,7 @@ TEST_F(Device, AMissingFunctionLeavesTheCommandWithoutEffect) {
 }
 
 TEST_F(Device, WithNoLibraryAtAllEveryDeviceCommandDoesNothing) {
-    window.library = {};
+    window.link_library = {};
     ComposeOnDevice();
     desk.files[kCacheTune] = {{1, 2, 3}};
     desk.answers = {MessageAnswer::No};
@@ -640,7 +640,7 @@ TEST_F(Device, AListingIsReadOnlyAsFarAsItGoes) {
     desk.link.listing_bytes = std::string(100000, 'x');
     ReopenLastFile(window, L"Sclview");
     EXPECT_EQ(window.link.device_sounds.size(), 1u);
-    window.library.Cor_DirByExt = nullptr;
+    window.link_library.Cor_DirByExt = nullptr;
     ReopenLastFile(window, L"Sclview");
     EXPECT_TRUE(window.link.device_sounds.empty());
 }

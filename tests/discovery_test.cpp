@@ -96,7 +96,7 @@ TEST_F(Discovery, EveryPathVariableHasItsPlaceBelowTheInstallation) {
     EXPECT_EQ(window.link.SystemIniPath, L"C:\\Link\\pcferry\\cache\\System\\System.ini");
     EXPECT_EQ(window.document.ComOpen.InitDir, L"C:\\Link\\userdata\\sound");
     EXPECT_EQ(window.document.ComSave.InitDir, L"C:\\Link\\userdata\\sound");
-    EXPECT_NE(window.library.Cor_IsOnPcFile, nullptr);
+    EXPECT_NE(window.link_library.Cor_IsOnPcFile, nullptr);
     EXPECT_TRUE(desktop::Asked("LoadLinkLibrary C:\\Link"));
     EXPECT_TRUE(desk.messages.empty());
 }
@@ -219,13 +219,13 @@ TEST_F(Remember, APcFilesFolderIsNotKept) {
 }
 
 TEST_F(Remember, TheFlagIsOneOrZeroWhateverTheLibraryAnswers) {
-    window.library.Cor_IsOnPcFile = &AllBitsSet;
+    window.link_library.Cor_IsOnPcFile = &AllBitsSet;
     Run(L"C:\\Songs\\A.SND");
     EXPECT_EQ(is_on_pc, 1);
 }
 
 TEST_F(Remember, WithoutTheLibraryWhatLiesBelowTheCacheIsADeviceFile) {
-    window.library.Cor_IsOnPcFile = nullptr;
+    window.link_library.Cor_IsOnPcFile = nullptr;
     Run(L"C:\\Link\\pcferry\\cache\\System\\sound\\A.SND");
     EXPECT_EQ(is_on_pc, 0);
     Run(L"c:\\LINK\\PcFerry\\CACHE\\A.SND");

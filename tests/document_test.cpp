@@ -262,7 +262,7 @@ TEST_F(DocumentTest, YesOnAMelodyThatDoesNotFitSavesWhatFitsAndGoesOn) {
 TEST_F(DocumentTest, YesOnADeviceFileUploadsIt) {
     ComposeAt(kCacheTune, 0);
     desktop::InstallLinkSoftware();
-    window.library = LoadLinkLibrary(L"C:\\Link");
+    window.link_library = LoadLinkLibrary(L"C:\\Link");
     desk.answers = {MessageAnswer::Yes};
     EXPECT_TRUE(AskToSaveChanges(window));
     EXPECT_EQ(desk.link.uploads.at("\\System\\sound\\TUNE.SND"), EncodedScore());
@@ -271,7 +271,7 @@ TEST_F(DocumentTest, YesOnADeviceFileUploadsIt) {
 
 TEST_F(DocumentTest, YesOnADeviceFileThatTheDeviceRefusesLosesNothing) {
     ComposeAt(kCacheTune, 0);
-    window.library = LoadLinkLibrary(L"C:\\Link");
+    window.link_library = LoadLinkLibrary(L"C:\\Link");
     desk.link.put_result = 5;
     desk.answers = {MessageAnswer::Yes};
     EXPECT_FALSE(AskToSaveChanges(window));
@@ -281,7 +281,7 @@ TEST_F(DocumentTest, YesOnADeviceFileThatTheDeviceRefusesLosesNothing) {
 TEST_F(DocumentTest, YesOnADeviceFileWithoutTheLibraryLosesNothing) {
     ComposeAt(kCacheTune, 0);
     desk.files[kCacheTune] = {{1, 2, 3}};
-    window.library = {};
+    window.link_library = {};
     desk.answers = {MessageAnswer::Yes};
     EXPECT_FALSE(AskToSaveChanges(window));
     EXPECT_TRUE(window.score.changed);
@@ -291,7 +291,7 @@ TEST_F(DocumentTest, YesOnADeviceFileWithoutTheLibraryLosesNothing) {
 
 TEST_F(DocumentTest, YesOnADeviceFileWhosePathCanNotBeConvertedLosesNothing) {
     ComposeAt(kCacheTune, 0);
-    window.library = LoadLinkLibrary(L"C:\\Link");
+    window.link_library = LoadLinkLibrary(L"C:\\Link");
     desk.link.conversion_count = 0;
     desk.answers = {MessageAnswer::Yes};
     EXPECT_FALSE(AskToSaveChanges(window));
@@ -677,7 +677,7 @@ struct Upload : DocumentTest {
 
     Upload() {
         Compose();
-        window.library = LoadLinkLibrary(L"C:\\Link");
+        window.link_library = LoadLinkLibrary(L"C:\\Link");
         window.document.upload_requested = true;
         window.document.device_path = L"\\System\\sound\\TUNE.SND";
         desk.log.clear();
@@ -716,7 +716,7 @@ TEST_F(Upload, ARefusedUploadIsToldAndLeavesTheResultUnchanged) {
 }
 
 TEST_F(Upload, WithoutTheLibrarysFunctionCountsAsRefused) {
-    window.library.Cor_PutFile = nullptr;
+    window.link_library.Cor_PutFile = nullptr;
     EXPECT_EQ(Write(), kSndDone);
     EXPECT_EQ(Told(), Texts{L"File translate error when upload to Veloxa!"});
     ExpectNothingLeft();

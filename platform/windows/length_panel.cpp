@@ -15,19 +15,12 @@ const sndmain& Record(const Panel& panel) {
     return panel.main->record;
 }
 
-RECT Place(const Panel& panel, const Rect& rect) {
-    const Scale& scale = panel.main->theme.scale;
-    RECT area = ToPixels(scale, rect);
-    OffsetRect(&area, -ToPixelsX(scale, panel.origin_x), -ToPixelsY(scale, panel.origin_y));
-    return area;
-}
-
 int Count(const Panel&) {
     return kLengthButtons;
 }
 
 RECT ItemArea(const Panel& panel, int item) {
-    return Place(panel, Record(panel).cbtNote[static_cast<std::size_t>(item)].place);
+    return AreaInPanel(panel, Record(panel).cbtNote[static_cast<std::size_t>(item)].place);
 }
 
 /// The entry code 1 to 40 of a button.
@@ -107,7 +100,7 @@ void PaintCurrent(Panel& panel, const RECT& dirty) {
     const NoteImage& now = Record(panel).imgNow;
     const Colours& colours = panel.main->theme.colours;
     const Scale& scale = panel.main->theme.scale;
-    RECT area = Place(panel, now.place);
+    RECT area = AreaInPanel(panel, now.place);
     FillRound(panel.canvas, area, Scaled(scale, 3), colours.select);
     InflateRect(&area, -Scaled(scale, 2), -Scaled(scale, 2));
     FillRound(panel.canvas, area, Scaled(scale, 2), colours.paper);
@@ -121,7 +114,7 @@ void PaintPanel(Panel& panel, const RECT& dirty) {
         const RECT area = ItemArea(panel, item);
         if (IntersectRect(&part, &area, &dirty)) PaintButton(panel, item, dirty);
     }
-    const RECT current = Place(panel, Record(panel).imgNow.place);
+    const RECT current = AreaInPanel(panel, Record(panel).imgNow.place);
     if (IntersectRect(&part, &current, &dirty)) PaintCurrent(panel, dirty);
 }
 

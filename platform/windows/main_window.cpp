@@ -234,9 +234,7 @@ void ShowLengths(MainWindow& main) {
     }
     if (main.record.imgNow.Picture == main.shown.current_picture) return;
     main.shown.current_picture = main.record.imgNow.Picture;
-    RECT area = ToPixels(main.theme.scale, main.record.imgNow.place);
-    OffsetRect(&area, -ToPixelsX(main.theme.scale, panel.origin_x),
-               -ToPixelsY(main.theme.scale, panel.origin_y));
+    const RECT area = AreaInPanel(panel, main.record.imgNow.place);
     InvalidateRect(panel.window, &area, FALSE);
 }
 

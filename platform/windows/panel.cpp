@@ -174,6 +174,13 @@ bool CreatePanel(Panel& panel, const PanelKind& kind, MainWindow& main, HINSTANC
                            main.window, nullptr, instance, &panel) != nullptr;
 }
 
+RECT AreaInPanel(const Panel& panel, const Rect& rect) {
+    const Scale& scale = panel.main->theme.scale;
+    RECT area = ToPixels(scale, rect);
+    OffsetRect(&area, -ToPixelsX(scale, panel.origin_x), -ToPixelsY(scale, panel.origin_y));
+    return area;
+}
+
 void InvalidateItem(Panel& panel, int item) {
     if (item < 0 || item >= panel.kind->count(panel)) return;
     const RECT area = panel.kind->item_area(panel, item);

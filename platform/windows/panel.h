@@ -12,6 +12,7 @@ namespace tonex {
 
 struct MainWindow;
 struct Panel;
+struct Rect;
 struct sndmain;
 
 struct PanelKind {
@@ -50,6 +51,8 @@ struct Panel {
 
 void RegisterPanelClass(const PanelKind& kind, HINSTANCE instance);
 bool CreatePanel(Panel& panel, const PanelKind& kind, MainWindow& main, HINSTANCE instance);
+/// A rectangle of the record, which counts from the main window's corner, in pixels of the panel.
+RECT AreaInPanel(const Panel& panel, const Rect& rect);
 /// Draws an item again.
 void InvalidateItem(Panel& panel, int item);
 /// Gives the panel's item the keyboard.

@@ -24,13 +24,6 @@ PianoKey KeyOf(int item) {
     return *KeyOfPitch(static_cast<std::uint16_t>(kLowestKeyPitch + item));
 }
 
-RECT Place(const Panel& panel, const Rect& rect) {
-    const Scale& scale = panel.main->theme.scale;
-    RECT area = ToPixels(scale, rect);
-    OffsetRect(&area, -ToPixelsX(scale, panel.origin_x), -ToPixelsY(scale, panel.origin_y));
-    return area;
-}
-
 const PianoKeyControl& ControlOf(const Panel& panel, PianoKey key) {
     const auto index = static_cast<std::size_t>(key.index);
     return key.kind == KeyKind::White ? Record(panel).kenWhite[index] : Record(panel).kenBlack[index];
@@ -41,7 +34,7 @@ int Count(const Panel&) {
 }
 
 RECT ItemArea(const Panel& panel, int item) {
-    return Place(panel, ControlOf(panel, KeyOf(item)).place);
+    return AreaInPanel(panel, ControlOf(panel, KeyOf(item)).place);
 }
 
 std::wstring ItemName(const Panel& panel, int item) {
@@ -112,7 +105,7 @@ COLORREF ToColour(std::uint32_t rgb) {
 
 void PaintCaption(Panel& panel, const KeyLabel& label, COLORREF colour) {
     const Fonts& fonts = panel.main->theme.fonts;
-    DrawCentred(panel.canvas, Place(panel, label.place), label.Caption.View(),
+    DrawCentred(panel.canvas, AreaInPanel(panel, label.place), label.Caption.View(),
                 FontFor(label.Caption.View(), fonts.key, fonts.key_japanese), colour);
 }
 
@@ -173,7 +166,7 @@ void PaintPanel(Panel& panel, const RECT& dirty) {
     for (int item = 0; item < kKeys; ++item)
         if (KeyOf(item).kind == KeyKind::Black) PaintBlack(panel, item, dirty);
     for (const KeyLabel& label : Record(panel).lblBNote) {
-        const RECT area = Place(panel, label.place);
+        const RECT area = AreaInPanel(panel, label.place);
         RECT part;
         if (IntersectRect(&part, &area, &dirty)) PaintCaption(panel, label, colours.face_text);
     }
