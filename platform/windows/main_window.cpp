@@ -383,6 +383,14 @@ void Dropped(MainWindow& main, HDROP drop) {
     ShowDifferences(main);
 }
 
+/// A sound device may have come or gone, and Preview with it.
+void DeviceChanged(MainWindow& main) {
+    ForgetWaveOutputs();
+    if (!main.up) return;
+    RefreshEnabling(main.record);
+    ShowDifferences(main);
+}
+
 void ColoursChanged(MainWindow& main) {
     main.theme.colours = ReadColours();
     LoadToolbarPictures(main);
@@ -439,7 +447,7 @@ LRESULT CALLBACK MainProc(HWND window, UINT message, WPARAM wparam, LPARAM lpara
     case WM_DROPFILES: Dropped(main, reinterpret_cast<HDROP>(wparam)); return 0;
     case WM_SYSCOLORCHANGE:
     case WM_THEMECHANGED: ColoursChanged(main); return 0;
-    case WM_DEVICECHANGE: ForgetWaveOutputs(); return TRUE;
+    case WM_DEVICECHANGE: DeviceChanged(main); return TRUE;
     case WM_QUERYENDSESSION: return CloseAllowed(main.record);
     case WM_CLOSE: Close(main); return 0;
     case WM_DESTROY: Destroyed(main); return 0;

@@ -55,8 +55,7 @@ std::vector<std::uint32_t> IconPixels(ToolIcon icon, int size, bool grey, COLORR
     return pixels;
 }
 
-/// The icon on the toolbar's own colour: image lists with alpha are drawn differently by each system version.
-void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size, COLORREF face) {
+void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size) {
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = size;
@@ -66,7 +65,6 @@ void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size
     void* bits = nullptr;
     HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
     if (!bitmap) return;
-    (void)face;
     std::copy(pixels.begin(), pixels.end(), static_cast<std::uint32_t*>(bits));
     ImageList_Add(list, bitmap, nullptr);
     DeleteObject(bitmap);
@@ -77,8 +75,7 @@ HIMAGELIST MakeImlIcons(const MainWindow& main, bool grey) {
     const int size = Scaled(main.theme.scale, kIconSize);
     HIMAGELIST list = ImageList_Create(size, size, ILC_COLOR32, kToolButtons, 0);
     for (int i = 0; i < kToolButtons; ++i)
-        AddIcon(list, IconPixels(static_cast<ToolIcon>(i), size, grey, main.theme.colours.face), size,
-                main.theme.colours.face);
+        AddIcon(list, IconPixels(static_cast<ToolIcon>(i), size, grey, main.theme.colours.face), size);
     return list;
 }
 
