@@ -2,7 +2,7 @@
 // Commands read and write this record; the Windows layer shows what differs from what it showed last.
 #pragma once
 
-#include "app/commands.h"
+#include "app/menus.h"
 #include "link/link_state.h"
 #include "platform/file_dialogs.h"
 #include "platform/link_library.h"

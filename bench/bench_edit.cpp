@@ -3,7 +3,7 @@
 #include "bench/pairs.h"
 #include "tests/set_up_window.h"
 #include "view/edit_commands.h"
-#include "view/note_entry.h"
+#include "view/note_entry_commands.h"
 
 #include <benchmark/benchmark.h>
 

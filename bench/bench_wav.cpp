@@ -2,7 +2,7 @@
 // against sox's tone generator. The files are made in the current folder, so both sides use one file system.
 #include "bench/pairs.h"
 #include "platform/files.h"
-#include "preview/wav_file.h"
+#include "preview/wav_file_services.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,14 +1,15 @@
 #include "link/device_commands.h"
 
+#include "app/enabling_commands.h"
 #include "app/sndmain.h"
-#include "link/discovery.h"
+#include "link/discovery_commands.h"
 #include "link/paths.h"
-#include "link/settings.h"
+#include "link/settings_commands.h"
 #include "platform/files.h"
 #include "platform/settings.h"
 #include "platform/text.h"
-#include "score/document.h"
-#include "score/save_file.h"
+#include "score/document_commands.h"
+#include "score/file_services.h"
 
 #include <algorithm>
 #include <array>

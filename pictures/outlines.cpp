@@ -25,6 +25,7 @@ constexpr PathStep C(int x1, int y1, int x2, int y2, int x, int y) {
 
 constexpr PathStep Z{PathStep::Close, 0, 0, 0, 0, 0, 0};
 
+// clang-format off
 constexpr PathStep kBlackHeadSteps[] = {
     M(143, 64), C(117, 121, 39, 136, -44, 99), C(-127, 62, -168, -6, -143, -64),
     C(-117, -121, -39, -136, 44, -99), C(127, -62, 168, 6, 143, 64), Z
@@ -135,6 +136,8 @@ constexpr PathStep kEightSteps[] = {
     C(110, 33, 87, 20, 69, 26), C(51, 32, 44, 56, 53, 79), C(63, 102, 86, 115, 104, 109),
     C(123, 103, 130, 79, 120, 56), Z
 };
+
+// clang-format on
 
 } // namespace
 

@@ -6,8 +6,8 @@ namespace tonex {
 /// Lets pending window events run and shows what they changed; returns when none is left.
 void ProcessPendingEvents();
 
-/// As ProcessPendingEvents, for work of many short steps: does nothing when events ran milliseconds ago. Asking
-/// the system can take longer than such a step.
+/// As ProcessPendingEvents, for work of many short steps: does nothing when events ran milliseconds ago.
+/// Asking the system can take longer than such a step.
 void ProcessEventsInPassing();
 
 /// As ProcessPendingEvents, but first waits up to the milliseconds given for an event to come, so that a

@@ -31,8 +31,8 @@ bool SetAttributesOf(const std::wstring& path, std::uint32_t attributes);
 /// Deletes a file. False when refused or not there.
 bool RemoveFile(const std::wstring& path);
 
-/// Reads a whole file of at most `limit` bytes; of a longer one the first `limit` bytes. False when it can not
-/// be opened or read.
+/// Reads a whole file of at most `limit` bytes; of a longer one the first `limit` bytes. False when it can
+/// not be opened or read.
 bool ReadWholeFile(const std::wstring& path, std::vector<std::uint8_t>& bytes, std::size_t limit);
 
 /// A file open for writing. Closed, and its state unknown, when dropped without CloseOutput.

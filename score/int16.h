@@ -14,9 +14,13 @@ constexpr std::optional<std::int16_t> ToInt16(std::int64_t value) {
 }
 
 /// A 16-bit cell read as a signed number (65535 reads as -1).
-constexpr std::int16_t AsSigned(std::uint16_t cell) { return static_cast<std::int16_t>(cell); }
+constexpr std::int16_t AsSigned(std::uint16_t cell) {
+    return static_cast<std::int16_t>(cell);
+}
 
 /// A signed number stored in a 16-bit cell (-1 is stored as 65535).
-constexpr std::uint16_t AsCell(std::int16_t value) { return static_cast<std::uint16_t>(value); }
+constexpr std::uint16_t AsCell(std::int16_t value) {
+    return static_cast<std::uint16_t>(value);
+}
 
 } // namespace tonex

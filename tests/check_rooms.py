@@ -1,7 +1,8 @@
 """Checks the floors of the house.
 
-A room includes headers of its own floor and of floors below only; portable rooms include no Windows header; no
-source declares `extern` state; no file-scope variable of a room can change. Prints one line a broken rule.
+A file's name tells its floor. It includes headers of its own floor and of floors below only; portable rooms include
+no Windows header; no source declares `extern` state; no file-scope variable of a room can change. Prints one line a
+broken rule.
 """
 
 import argparse
@@ -12,13 +13,9 @@ import xml.etree.ElementTree as ElementTree
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
-# Floor 1 is what the build file puts into the library of rules, and headers that need no source.
-BUILD_FILE = (ROOT / "CMakeLists.txt").read_text(encoding="utf-8")
-PURE = set(re.findall(r"([\w/]+)\.cpp", re.search(r"add_library\(tonex_rules STATIC([^)]*)\)", BUILD_FILE)[1]))
-PURE |= {"score/int16", "view/cell_text"}
-RECORD = {"app/sndmain", "link/link_state"}
-ROUTING = {"app/commands", "app/startup"}
-COMMAND_ROOMS = ("score", "preview", "view", "link", "app", "pictures")
+ROOMS = ("score", "preview", "view", "link", "app", "pictures")
+RULES_FLOOR, PROMISES, SERVICES, RECORD, COMMANDS, ROUTES, SYSTEM = range(1, 8)
+FLOOR_OF_ENDING = (("_services", SERVICES), ("sndmain", RECORD), ("_commands", COMMANDS), ("_routes", ROUTES))
 
 WINDOWS_HEADERS = re.compile(
     r"^(windows|windowsx|commctrl|commdlg|shellapi|shlobj|objbase|oleacc|mmsystem|winuser|wingdi|gdiplus|"
@@ -29,27 +26,14 @@ INCLUDE = re.compile(r'^\s*#\s*include\s+([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
 def floor_of(path):
-    """The floor of a file given by its path in the project; None where floors do not apply."""
-    stem = str(pathlib.PurePosixPath(path).with_suffix(""))
-    room = path.split("/")[0]
+    """The floor of a file given by its path in the project; None outside the house."""
+    room, *folders, name = path.split("/")
     if room == "platform":
-        # Declarations are floor 2; who keeps them stands on top.
-        return 2 if path.count("/") == 1 else 6
-    if stem in PURE:
-        return 1
-    # The device that stands on a folder is a library of its own, linked into the Windows layer.
-    if path.startswith("tools/link/"):
-        return 6
-    if stem in RECORD:
-        return 3
-    # The command table's procedures run commands, its declarations are words that the record uses.
-    if path == "app/commands.h":
-        return 3
-    if stem in ROUTING:
-        return 5
-    if room in COMMAND_ROOMS:
-        return 4
-    return None
+        return SYSTEM if folders else PROMISES
+    if room not in ROOMS:
+        return None
+    stem = name.rsplit(".", 1)[0]
+    return next((floor for ending, floor in FLOOR_OF_ENDING if stem.endswith(ending)), RULES_FLOOR)
 
 
 def sources(*rooms):
@@ -70,7 +54,7 @@ def included(text):
 
 
 def includes_go_down():
-    for path, text in sources(*COMMAND_ROOMS, "platform"):
+    for path, text in sources(*ROOMS, "platform"):
         mine = floor_of(path)
         for kind, name in included(text):
             if kind != '"':
@@ -87,13 +71,13 @@ def includes_go_down():
 
 
 def portable_rooms_know_no_system():
-    for path, text in sources(*COMMAND_ROOMS):
+    for path, text in sources(*ROOMS):
         for _, name in included(text):
             base = name.split("/")[-1]
             if WINDOWS_HEADERS.match(base) or base in SYSTEM_ONLY or name.startswith("sys/"):
                 yield f"{path} includes the system header {name}"
     for path, text in sources("platform"):
-        if floor_of(path) != 2:
+        if floor_of(path) != PROMISES:
             continue
         for _, name in included(text):
             if WINDOWS_HEADERS.match(name.split("/")[-1]):
@@ -101,14 +85,14 @@ def portable_rooms_know_no_system():
 
 
 def no_heavy_library():
-    for path, text in sources(*COMMAND_ROOMS, "platform"):
+    for path, text in sources(*ROOMS, "platform"):
         for _, name in included(text):
             if name in BANNED_STANDARD:
                 yield f"{path} includes <{name}>"
 
 
 def no_extern_state():
-    for path, text in sources(*COMMAND_ROOMS, "platform"):
+    for path, text in sources(*ROOMS, "platform"):
         for line in without_comments(text).splitlines():
             if re.search(r"\bextern\b(?!\s*\"\")(?!\s+const(expr)?\b)", line):
                 yield f"{path} declares extern state: {line.strip()}"
@@ -121,7 +105,7 @@ NO_VARIABLE = re.compile(r"^\s*(using|typedef|struct|class|enum|union|template|e
 
 def no_changing_file_state():
     """A variable at file scope that is not constant: state that two tests would share."""
-    for path, text in sources(*COMMAND_ROOMS):
+    for path, text in sources(*ROOMS):
         depth = 0
         for line in without_comments(text).splitlines():
             # Namespaces do not count as depth: their members are at file scope.
@@ -134,19 +118,19 @@ def no_changing_file_state():
 
 
 def headers_guarded():
-    for path, text in sources(*COMMAND_ROOMS, "platform"):
+    for path, text in sources(*ROOMS, "platform"):
         if path.endswith(".h") and "#pragma once" not in text:
             yield f"{path} lacks #pragma once"
 
 
 def headers_open_with_their_purpose():
-    for path, text in sources(*COMMAND_ROOMS, "platform"):
+    for path, text in sources(*ROOMS, "platform"):
         if path.endswith(".h") and not text.startswith("//"):
             yield f"{path} does not open with a sentence that says what it is for"
 
 
 def windows_code_stands_in_its_room():
-    for path, text in sources(*COMMAND_ROOMS):
+    for path, text in sources(*ROOMS):
         if re.search(r"#\s*if(def)?\b.*_WIN32", text):
             yield f"{path} asks which system it is built for"
 
@@ -170,7 +154,7 @@ def main():
             ElementTree.SubElement(case, "failure", message="\n".join(lines))
         for line in lines:
             print(f"{rule.__name__}: {line}")
-    if not any(True for _ in sources(*COMMAND_ROOMS)):
+    if not any(True for _ in sources(*ROOMS)):
         print("no sources found")
         broken += 1
     if options.junitxml:

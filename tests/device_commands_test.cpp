@@ -1,8 +1,8 @@
 // The organiser's side of the File menu on a library whose every answer the test bends.
 #include "link/device_commands.h"
-#include "link/discovery.h"
+#include "link/discovery_commands.h"
 #include "platform/text.h"
-#include "score/document.h"
+#include "score/document_commands.h"
 #include "score/snd_file.h"
 #include "tests/desktop/desktop.h"
 #include "tests/set_up_window.h"

@@ -1,6 +1,7 @@
+#include "app/enabling_commands.h"
 #include "view/edit_commands.h"
 
-#include "score/document.h"
+#include "score/document_commands.h"
 #include "tests/set_up_window.h"
 
 #include <gtest/gtest.h>

@@ -533,8 +533,7 @@ std::string PlateFile(const Plate& plate) {
 }
 
 std::string GoldenPath(const std::string& name) {
-    std::string path = __FILE__;
-    path = path.substr(0, path.find_last_of("/\\") + 1) + "golden/" + name;
+    std::string path = TONEX_TESTS_FOLDER "/golden/" + name;
 #ifdef _WIN32
     if (path.front() == '/') path = "Z:" + path; // built on another system: its root is the drive Z
 #endif

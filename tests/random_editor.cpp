@@ -5,7 +5,7 @@
 // The commands follow from the seed alone. A failure prints the seed and the shortest run of commands found
 // that shows it. Each run is a process of its own, so that a crash is a failure like any other.
 
-#include "score/document.h"
+#include "score/document_commands.h"
 #include "tests/random_editor_model.h"
 #include "tests/set_up_window.h"
 #include "view/edit_commands.h"

@@ -1,14 +1,15 @@
 // A window as start-up leaves it, for the tests of the view: laid out, tables built, an empty score.
 #pragma once
 
-#include "app/layout.h"
+#include "app/enabling_commands.h"
+#include "app/layout_commands.h"
 #include "app/sndmain.h"
 #include "tests/desktop/desktop.h"
 #include "tests/print_score.h"
-#include "view/note_entry.h"
+#include "view/drawing_commands.h"
+#include "view/note_entry_commands.h"
 #include "view/note_names.h"
-#include "view/score_view.h"
-#include "view/tempo_box.h"
+#include "view/tempo_commands.h"
 
 #include <cstddef>
 #include <cstdint>

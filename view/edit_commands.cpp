@@ -1,8 +1,9 @@
 #include "view/edit_commands.h"
 
+#include "app/enabling_commands.h"
 #include "app/sndmain.h"
 #include "score/int16.h"
-#include "view/score_view.h"
+#include "view/drawing_commands.h"
 
 #include <algorithm>
 #include <optional>

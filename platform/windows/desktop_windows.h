@@ -20,7 +20,8 @@ struct DesktopHooks {
     HWND main_window = nullptr;
     /// Shows what the record changed; called before anything modal and after pending events ran.
     void (*show_differences)() = nullptr;
-    /// Makes sure that the main window has the keyboard again after a dialog that asked a question of its own.
+    /// Makes sure that the main window has the keyboard again after a dialog that asked a question of its
+    /// own.
     void (*take_keyboard_back)() = nullptr;
     /// Gives accelerators and dialog keys their turn. True when the message was used up.
     bool (*translate_message)(MSG& message) = nullptr;

@@ -1,7 +1,7 @@
 // About, transfer reminder and converting window, from dialog resources. Windows-only by nature.
 #include "platform/windows/dialogs.h"
 
-#include "link/settings.h"
+#include "link/settings_commands.h"
 #include "platform/windows/main_window.h"
 #include "platform/windows/resource.h"
 

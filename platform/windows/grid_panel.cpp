@@ -3,7 +3,7 @@
 #include "platform/main_window.h"
 #include "platform/windows/main_window.h"
 
-#include "view/note_entry.h"
+#include "view/note_entry_commands.h"
 #include "view/note_names.h"
 
 #include <oleacc.h>

@@ -1,8 +1,9 @@
 // Keys that belong to the whole window: shortcuts of the menu table, F1, Tab through every control, F6 from
 // pane to pane. Windows-only because key codes and focus are.
+#include "app/menu_routes.h"
 #include "platform/windows/main_window.h"
 
-#include "link/settings.h"
+#include "link/settings_commands.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 #include "platform/windows/main_window.h"
 
 #include "pictures/glyphs.h"
-#include "view/note_entry.h"
+#include "view/note_entry_commands.h"
 #include "view/note_names.h"
 
 #include <oleacc.h>

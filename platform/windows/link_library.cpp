@@ -2,10 +2,10 @@
 // lack.
 #include "platform/link_library.h"
 
+#include "link/folder_device_services.h"
 #include "platform/text.h"
 #include "platform/windows/desktop_windows.h"
-#include "tools/link/device_dialogs.h"
-#include "tools/link/folder_device.h"
+#include "platform/windows/device_dialogs.h"
 
 #include <string>
 

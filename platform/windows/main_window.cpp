@@ -1,14 +1,16 @@
 // The main window: messages become calls of the commands, and after each call what differs is shown. No rule
 // lives here. Windows-only by nature.
 #include "platform/windows/main_window.h"
+#include "app/enabling_commands.h"
+#include "app/menu_routes.h"
 
-#include "app/layout.h"
-#include "app/startup.h"
-#include "link/settings.h"
+#include "app/layout_commands.h"
+#include "app/window_routes.h"
+#include "link/settings_commands.h"
 #include "platform/main_window.h"
 #include "platform/windows/dialogs.h"
 #include "platform/windows/resource.h"
-#include "view/tempo_box.h"
+#include "view/tempo_commands.h"
 
 #include <commctrl.h>
 #include <shellapi.h>

@@ -2,7 +2,7 @@
 // keyboard from left to right, as the tab order does.
 #include "platform/windows/main_window.h"
 
-#include "view/note_entry.h"
+#include "view/note_entry_commands.h"
 #include "view/note_names.h"
 
 #include <oleacc.h>

@@ -1,8 +1,8 @@
-// The real window of preview/preview_window.h.
+// The real window of preview/preview_window_services.h.
 #pragma once
 
 #include "platform/windows/desktop_windows.h"
-#include "preview/preview_window.h"
+#include "preview/preview_window_services.h"
 
 #include <string>
 

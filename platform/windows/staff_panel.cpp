@@ -4,9 +4,9 @@
 #include "platform/windows/main_window.h"
 
 #include "pictures/glyphs.h"
-#include "view/note_entry.h"
+#include "view/drawing_commands.h"
+#include "view/note_entry_commands.h"
 #include "view/note_names.h"
-#include "view/score_view.h"
 
 #include <oleacc.h>
 

@@ -1,5 +1,5 @@
 // The program's entry: window, start-up, messages. Windows-only by nature.
-#include "app/startup.h"
+#include "app/window_routes.h"
 #include "platform/windows/main_window.h"
 
 #include <shellapi.h>

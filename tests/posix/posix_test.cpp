@@ -3,7 +3,7 @@
 #include "platform/posix/utf8.h"
 #include "platform/temporary_files.h"
 #include "platform/text.h"
-#include "score/save_file.h"
+#include "score/file_services.h"
 
 #include <algorithm>
 #include <csignal>

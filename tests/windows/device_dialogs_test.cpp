@@ -1,5 +1,5 @@
 // The device's dialogs, used with keyboard and mouse by a second pair of hands.
-#include "tools/link/device_dialogs.h"
+#include "platform/windows/device_dialogs.h"
 
 #include "platform/link_library.h"
 #include "tests/windows/support.h"

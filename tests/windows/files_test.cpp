@@ -1,7 +1,7 @@
 #include "platform/files.h"
 
 #include "platform/temporary_files.h"
-#include "score/save_file.h"
+#include "score/file_services.h"
 #include "tests/windows/support.h"
 
 #include <gtest/gtest.h>

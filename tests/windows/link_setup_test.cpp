@@ -1,6 +1,6 @@
 #include "tools/linksetup/link_setup.h"
 
-#include "link/discovery.h"
+#include "link/discovery_commands.h"
 #include "tests/windows/support.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "platform/window_list.h"
 
-#include "link/single_instance.h"
+#include "link/single_instance_services.h"
 #include "tests/windows/support.h"
 
 #include <gtest/gtest.h>

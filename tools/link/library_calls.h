@@ -19,7 +19,7 @@
 // TONEX_LINK_LOG names a file that gets one line a call: the function, its text arguments, its result.
 #pragma once
 
-#include "tools/link/device_dialogs.h"
+#include "platform/windows/device_dialogs.h"
 
 #include <initializer_list>
 

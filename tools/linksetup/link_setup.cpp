@@ -3,7 +3,7 @@
 #include "link/paths.h"
 #include "platform/link_library.h"
 #include "platform/text.h"
-#include "tools/link/device_dialogs.h"
+#include "platform/windows/device_dialogs.h"
 
 #include <algorithm>
 #include <array>

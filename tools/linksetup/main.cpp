@@ -3,7 +3,7 @@
 // failed, 2 wrong usage, 3 the user said no.
 #include "tools/linksetup/link_setup.h"
 
-#include "tools/link/device_dialogs.h"
+#include "platform/windows/device_dialogs.h"
 
 #include <shellapi.h>
 #include <shlobj.h>

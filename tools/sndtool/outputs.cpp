@@ -1,7 +1,7 @@
 #include "tools/sndtool/outputs.h"
 
 #include "platform/files.h"
-#include "score/save_file.h"
+#include "score/file_services.h"
 #include "tools/sndtool/console.h"
 #include "tools/sndtool/inputs.h"
 

@@ -1,7 +1,7 @@
 #include "tools/sndtool/sndtool.h"
 
 #include "preview/synthesis.h"
-#include "preview/wav_file.h"
+#include "preview/wav_file_services.h"
 #include "tools/sndtool/console.h"
 #include "tools/sndtool/inputs.h"
 #include "tools/sndtool/outputs.h"

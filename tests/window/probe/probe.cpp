@@ -12,8 +12,8 @@
 //   post WINDOW MESSAGE W L        posts a message
 //   drop WINDOW FILE…              drops files on a window, by their Windows paths
 //   menu|toolbar|accessible|combo WINDOW   see probe_hook.cpp
-//   getreg KEY NAME / setreg KEY NAME TEXT / setnumber KEY NAME NUMBER / delreg KEY NAME   current user's registry
-//   quit
+//   getreg KEY NAME / setreg KEY NAME TEXT / setnumber KEY NAME NUMBER / delreg KEY NAME   current user's
+//   registry quit
 #include "probe_shared.h"
 
 #include <shlobj.h>
@@ -45,7 +45,9 @@ HWND WindowOf(const std::string& word) {
     return reinterpret_cast<HWND>(static_cast<std::uintptr_t>(std::strtoul(word.c_str(), nullptr, 0)));
 }
 
-std::string Number(HWND window) { return std::to_string(reinterpret_cast<std::uintptr_t>(window)); }
+std::string Number(HWND window) {
+    return std::to_string(reinterpret_cast<std::uintptr_t>(window));
+}
 
 std::vector<DWORD> ProcessesNamed(const std::wstring& name) {
     std::vector<DWORD> found;
@@ -68,8 +70,8 @@ std::wstring TextOf(HWND window) {
     }
     std::wstring text(length + 1, L'\0');
     DWORD_PTR copied = 0;
-    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), SMTO_ABORTIFHUNG,
-                        kPatience, &copied);
+    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
+                        SMTO_ABORTIFHUNG, kPatience, &copied);
     text.resize(copied < text.size() ? copied : text.size() - 1);
     return text;
 }
@@ -153,7 +155,9 @@ std::string Focus(const Words& words) {
     return Describe(info.hwndFocus, TextOf(info.hwndFocus));
 }
 
-std::string Foreground(const Words&) { return Number(GetForegroundWindow()); }
+std::string Foreground(const Words&) {
+    return Number(GetForegroundWindow());
+}
 
 std::string Press(const Words& words) {
     const HWND dialog = WindowOf(words[1]);
@@ -165,15 +169,18 @@ std::string Press(const Words& words) {
 std::string SetText(const Words& words) {
     DWORD_PTR result = 0;
     const std::wstring text = Wide(words.size() > 2 ? words[2] : std::string());
-    SendMessageTimeoutW(WindowOf(words[1]), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()), SMTO_ABORTIFHUNG,
-                        kPatience, &result);
+    SendMessageTimeoutW(WindowOf(words[1]), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()),
+                        SMTO_ABORTIFHUNG, kPatience, &result);
     return Bool(result != 0);
 }
 
-std::string GetText(const Words& words) { return Quoted(TextOf(WindowOf(words[1]))); }
+std::string GetText(const Words& words) {
+    return Quoted(TextOf(WindowOf(words[1])));
+}
 
 std::string Post(const Words& words) {
-    return Bool(PostMessageW(WindowOf(words[1]), static_cast<UINT>(std::strtoul(words[2].c_str(), nullptr, 0)),
+    return Bool(PostMessageW(WindowOf(words[1]),
+                             static_cast<UINT>(std::strtoul(words[2].c_str(), nullptr, 0)),
                              static_cast<WPARAM>(std::strtoul(words[3].c_str(), nullptr, 0)),
                              static_cast<LPARAM>(std::strtoul(words[4].c_str(), nullptr, 0))) != FALSE);
 }
@@ -253,10 +260,11 @@ std::string SetReg(const Words& words) {
     if (RegCreateKeyW(HKEY_CURRENT_USER, Wide(words[1]).c_str(), &key) != ERROR_SUCCESS) {
         return "false";
     }
-    const LSTATUS result =
-        number ? RegSetValueExW(key, Wide(words[2]).c_str(), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), 4)
-               : RegSetValueExW(key, Wide(words[2]).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                                static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+    const LSTATUS result = number ? RegSetValueExW(key, Wide(words[2]).c_str(), 0, REG_DWORD,
+                                                   reinterpret_cast<const BYTE*>(&value), 4)
+                                  : RegSetValueExW(key, Wide(words[2]).c_str(), 0, REG_SZ,
+                                                   reinterpret_cast<const BYTE*>(text.c_str()),
+                                                   static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
     RegCloseKey(key);
     return Bool(result == ERROR_SUCCESS);
 }
@@ -271,10 +279,18 @@ std::string DelReg(const Words& words) {
     return Bool(result == ERROR_SUCCESS);
 }
 
-std::string Menu(const Words& words) { return AskInside(kMenu, words); }
-std::string Toolbar(const Words& words) { return AskInside(kToolbar, words); }
-std::string Accessible(const Words& words) { return AskInside(kAccessible, words); }
-std::string Combo(const Words& words) { return AskInside(kCombo, words); }
+std::string Menu(const Words& words) {
+    return AskInside(kMenu, words);
+}
+std::string Toolbar(const Words& words) {
+    return AskInside(kToolbar, words);
+}
+std::string Accessible(const Words& words) {
+    return AskInside(kAccessible, words);
+}
+std::string Combo(const Words& words) {
+    return AskInside(kCombo, words);
+}
 
 struct Command {
     const char* name;
@@ -283,13 +299,24 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"windows", 2, Windows},   {"processes", 2, Processes}, {"children", 2, Children},
-    {"focus", 2, Focus},       {"press", 3, Press},         {"settext", 2, SetText},
+    {"windows", 2, Windows},
+    {"processes", 2, Processes},
+    {"children", 2, Children},
+    {"focus", 2, Focus},
+    {"press", 3, Press},
+    {"settext", 2, SetText},
     {"foreground", 1, Foreground},
-    {"gettext", 2, GetText},   {"post", 5, Post},           {"drop", 3, Drop},
-    {"menu", 2, Menu},         {"toolbar", 2, Toolbar},     {"accessible", 2, Accessible},
-    {"combo", 2, Combo},       {"getreg", 3, GetReg},       {"setreg", 3, SetReg},
-    {"setnumber", 4, SetReg},  {"delreg", 3, DelReg},
+    {"gettext", 2, GetText},
+    {"post", 5, Post},
+    {"drop", 3, Drop},
+    {"menu", 2, Menu},
+    {"toolbar", 2, Toolbar},
+    {"accessible", 2, Accessible},
+    {"combo", 2, Combo},
+    {"getreg", 3, GetReg},
+    {"setreg", 3, SetReg},
+    {"setnumber", 4, SetReg},
+    {"delreg", 3, DelReg},
 };
 
 std::string Run(const std::string& line) {

@@ -1,5 +1,5 @@
-// The part of the probe that works inside the watched program: a hook on its window messages answers requests that
-// can not be answered from outside, such as the texts and states of menu items.
+// The part of the probe that works inside the watched program: a hook on its window messages answers requests
+// that can not be answered from outside, such as the texts and states of menu items.
 #include "probe_shared.h"
 
 #include <commctrl.h>
@@ -68,8 +68,8 @@ std::wstring ToolTipOf(HWND toolbar, int command) {
         return text;
     }
     NMTTDISPINFOW tip = {};
-    tip.hdr = {reinterpret_cast<HWND>(SendMessageW(toolbar, TB_GETTOOLTIPS, 0, 0)), static_cast<UINT_PTR>(command),
-               static_cast<UINT>(TTN_GETDISPINFOW)};
+    tip.hdr = {reinterpret_cast<HWND>(SendMessageW(toolbar, TB_GETTOOLTIPS, 0, 0)),
+               static_cast<UINT_PTR>(command), static_cast<UINT>(TTN_GETDISPINFOW)};
     tip.lpszText = tip.szText;
     SendMessageW(GetParent(toolbar), WM_NOTIFY, tip.hdr.idFrom, reinterpret_cast<LPARAM>(&tip));
     if (tip.lpszText != nullptr && !IS_INTRESOURCE(tip.lpszText) && tip.lpszText[0] != 0) {
@@ -77,7 +77,8 @@ std::wstring ToolTipOf(HWND toolbar, int command) {
     }
     const LRESULT length = SendMessageW(toolbar, TB_GETBUTTONTEXTW, static_cast<WPARAM>(command), 0);
     if (length > 0 && length < 200) {
-        SendMessageW(toolbar, TB_GETBUTTONTEXTW, static_cast<WPARAM>(command), reinterpret_cast<LPARAM>(text));
+        SendMessageW(toolbar, TB_GETBUTTONTEXTW, static_cast<WPARAM>(command),
+                     reinterpret_cast<LPARAM>(text));
     }
     return text;
 }
@@ -143,9 +144,8 @@ std::string AccessibleItem(IAccessible* object, long child) {
 
 std::string AccessibleOf(HWND window) {
     IAccessible* object = nullptr;
-    const HRESULT result =
-        AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
-                                   reinterpret_cast<void**>(&object));
+    const HRESULT result = AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT),
+                                                      IID_IAccessible, reinterpret_cast<void**>(&object));
     if (FAILED(result) || object == nullptr) {
         return "{\"error\":\"no accessible object\"}";
     }
@@ -174,7 +174,8 @@ std::string ComboOf(HWND combo) {
     wchar_t text[200] = L"";
     SendMessageW(combo, WM_GETTEXT, 200, reinterpret_cast<LPARAM>(text));
     return "{\"text\":" + Quoted(text) +
-           ",\"selected\":" + std::to_string(SendMessageW(combo, CB_GETCURSEL, 0, 0)) + ",\"items\":" + items + "]}";
+           ",\"selected\":" + std::to_string(SendMessageW(combo, CB_GETCURSEL, 0, 0)) +
+           ",\"items\":" + items + "]}";
 }
 
 void Answer(const std::string& text) {
@@ -199,20 +200,11 @@ extern "C" __declspec(dllexport) LRESULT CALLBACK ProbeHook(int code, WPARAM wpa
         if (message->message == RegisterWindowMessageW(probe::kMessageName)) {
             const HWND window = message->hwnd;
             switch (message->wParam) {
-            case kMenu:
-                Answer(MenuOf(window));
-                break;
-            case kToolbar:
-                Answer(ToolbarOf(window));
-                break;
-            case kAccessible:
-                Answer(AccessibleOf(window));
-                break;
-            case kCombo:
-                Answer(ComboOf(window));
-                break;
-            default:
-                break;
+            case kMenu: Answer(MenuOf(window)); break;
+            case kToolbar: Answer(ToolbarOf(window)); break;
+            case kAccessible: Answer(AccessibleOf(window)); break;
+            case kCombo: Answer(ComboOf(window)); break;
+            default: break;
             }
         }
     }

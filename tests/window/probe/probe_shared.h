@@ -49,11 +49,13 @@ inline std::string Quoted(const std::wstring& text) {
     return Quoted(text.c_str(), static_cast<int>(text.size()));
 }
 
-inline std::string Bool(bool value) { return value ? "true" : "false"; }
+inline std::string Bool(bool value) {
+    return value ? "true" : "false";
+}
 
 inline std::string RectText(const RECT& rect) {
-    return "[" + std::to_string(rect.left) + "," + std::to_string(rect.top) + "," + std::to_string(rect.right) +
-           "," + std::to_string(rect.bottom) + "]";
+    return "[" + std::to_string(rect.left) + "," + std::to_string(rect.top) + "," +
+           std::to_string(rect.right) + "," + std::to_string(rect.bottom) + "]";
 }
 
 } // namespace probe

@@ -23,9 +23,10 @@ std::wstring OwnFolder() {
 
 void AddLine(const std::wstring& path, const std::wstring& line) {
     char bytes[4 * MAX_PATH];
-    const int size = WideCharToMultiByte(CP_UTF8, 0, (line + L"\n").c_str(), -1, bytes, sizeof bytes, nullptr, nullptr);
-    const HANDLE file = CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const int size =
+        WideCharToMultiByte(CP_UTF8, 0, (line + L"\n").c_str(), -1, bytes, sizeof bytes, nullptr, nullptr);
+    const HANDLE file = CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     DWORD written = 0;
     if (size > 0) WriteFile(file, bytes, static_cast<DWORD>(size - 1), &written, nullptr);
     CloseHandle(file);
@@ -38,7 +39,8 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
     const std::wstring line = GetCommandLineW();
     const std::size_t options = line.find(kOptions);
     if (options != std::wstring::npos) {
-        CopyFileW(line.substr(options + std::wcslen(kOptions)).c_str(), (folder + L"heard.wav").c_str(), FALSE);
+        CopyFileW(line.substr(options + std::wcslen(kOptions)).c_str(), (folder + L"heard.wav").c_str(),
+                  FALSE);
     }
     AddLine(folder + L"started.txt", line);
     const DWORD began = GetTickCount();

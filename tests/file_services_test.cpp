@@ -1,0 +1,267 @@
+// Saving is all or nothing: every single disk operation fails in turn, the disk fills up at every byte, the
+// machine stops at every moment.
+#include "platform/files.h"
+#include "score/file_services.h"
+#include "tests/desktop/desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+using namespace tonex;
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr const wchar_t* kPath = L"C:\\Songs\\TUNE.SND";
+const Bytes kOld(37, 0xAA);
+const Bytes kNew = {7, 0, 8, 0, 86, 4, 255, 255, 0, 0, 120, 0, 86, 111, 255, 255};
+
+desktop::Desktop& DiskWithOldFile(std::uint32_t attributes = kAttributeArchive) {
+    desktop::Desktop& desk = desktop::Reset();
+    desk.files[kPath] = {kOld, attributes};
+    return desk;
+}
+
+int TemporaryFiles() {
+    const auto& files = desktop::Current().files;
+    return static_cast<int>(std::count_if(files.begin(), files.end(), [](const auto& file) {
+        return file.first.find(L"~snd") != std::wstring::npos;
+    }));
+}
+
+int TimesAsked(const std::string& beginning) {
+    const auto& log = desktop::Current().log;
+    return static_cast<int>(std::count_if(
+        log.begin(), log.end(), [&](const std::string& line) { return line.starts_with(beginning); }));
+}
+
+int OperationsOfAGoodSave(std::uint32_t attributes) {
+    const desktop::Desktop& desk = DiskWithOldFile(attributes);
+    EXPECT_TRUE(SaveWholeFile(kPath, kNew));
+    return desk.file_operations;
+}
+
+} // namespace
+
+TEST(SaveFile, WritesANewFile) {
+    const desktop::Desktop& desk = desktop::Reset();
+    EXPECT_TRUE(SaveWholeFile(kPath, kNew));
+    ASSERT_TRUE(desk.files.contains(kPath));
+    EXPECT_EQ(desk.files.at(kPath).bytes, kNew);
+    EXPECT_EQ(desk.files.size(), 1u);
+}
+
+TEST(SaveFile, GoesThroughACheckedTemporaryFileInTheSameFolder) {
+    const desktop::Desktop& desk = DiskWithOldFile();
+    EXPECT_TRUE(SaveWholeFile(kPath, kNew));
+    const std::vector<std::string> expected = {
+        "CreateOutput C:\\Songs\\~snd1.tmp",
+        "WriteOutput C:\\Songs\\~snd1.tmp 16",
+        "FlushOutput C:\\Songs\\~snd1.tmp",
+        "CloseOutput C:\\Songs\\~snd1.tmp",
+        "ReadWholeFile C:\\Songs\\~snd1.tmp",
+        "AttributesOf C:\\Songs\\TUNE.SND",
+        "RenameOver C:\\Songs\\~snd1.tmp C:\\Songs\\TUNE.SND",
+    };
+    EXPECT_EQ(desk.log, expected);
+}
+
+TEST(SaveFile, ReplacesReadOnlyHiddenAndSystemFiles) {
+    for (std::uint32_t guard = 0; guard < 8; ++guard) {
+        const desktop::Desktop& desk = DiskWithOldFile(kAttributeArchive | guard);
+        EXPECT_TRUE(SaveWholeFile(kPath, kNew)) << "attributes " << guard;
+        EXPECT_EQ(desk.files.at(kPath).bytes, kNew);
+        EXPECT_EQ(desk.files.at(kPath).attributes, kAttributeArchive);
+        EXPECT_EQ(TemporaryFiles(), 0);
+    }
+}
+
+TEST(SaveFile, TakesAnotherTemporaryNameWhenOneIsThere) {
+    desktop::Desktop& desk = DiskWithOldFile();
+    desk.files[L"C:\\Songs\\~snd1.tmp"] = {{1, 2, 3}};
+    EXPECT_TRUE(SaveWholeFile(kPath, kNew));
+    EXPECT_EQ(desk.files.at(kPath).bytes, kNew);
+    EXPECT_EQ(desk.files.at(L"C:\\Songs\\~snd1.tmp").bytes, (Bytes{1, 2, 3}));
+}
+
+TEST(SaveFile, OldWholeOrNewWholeWhenAnyOperationFailsOnce) {
+    for (const std::uint32_t attributes : {kAttributeArchive, kAttributeArchive | kAttributeReadOnly}) {
+        const int operations = OperationsOfAGoodSave(attributes);
+        ASSERT_GE(operations, 7);
+        for (int fail_at = 0; fail_at < operations; ++fail_at) {
+            desktop::Desktop& desk = DiskWithOldFile(attributes);
+            desk.fail_at = fail_at;
+            const bool saved = SaveWholeFile(kPath, kNew);
+            const std::string where =
+                "operation " + std::to_string(fail_at) + ", attributes " + std::to_string(attributes);
+            ASSERT_TRUE(desk.files.contains(kPath)) << where;
+            EXPECT_EQ(desk.files.at(kPath).bytes, saved ? kNew : kOld) << where;
+            EXPECT_EQ(desk.files.at(kPath).attributes, saved ? kAttributeArchive : attributes) << where;
+            EXPECT_EQ(TemporaryFiles(), 0) << where;
+        }
+    }
+}
+
+TEST(SaveFile, OldWholeOrNewWholeWhenTheDiskFailsForGood) {
+    for (const std::uint32_t attributes : {kAttributeArchive, kAttributeArchive | kAttributeHidden}) {
+        const int operations = OperationsOfAGoodSave(attributes);
+        for (int fail_at = 0; fail_at < operations; ++fail_at) {
+            desktop::Desktop& desk = DiskWithOldFile(attributes);
+            desk.fail_at = fail_at;
+            desk.fail_for_good = true;
+            EXPECT_FALSE(SaveWholeFile(kPath, kNew)) << "operation " << fail_at;
+            ASSERT_TRUE(desk.files.contains(kPath));
+            EXPECT_EQ(desk.files.at(kPath).bytes, kOld) << "operation " << fail_at;
+        }
+    }
+}
+
+TEST(SaveFile, OldWholeOrNewWholeWhenOneKindOfOperationIsRefused) {
+    for (const char* call : {"CreateOutput", "WriteOutput", "FlushOutput", "CloseOutput", "ReadWholeFile",
+                             "AttributesOf", "SetAttributesOf", "RenameOver"}) {
+        for (const std::uint32_t attributes : {kAttributeArchive, kAttributeArchive | kAttributeReadOnly}) {
+            desktop::Desktop& desk = DiskWithOldFile(attributes);
+            desk.refused = {call};
+            const bool saved = SaveWholeFile(kPath, kNew);
+            EXPECT_EQ(desk.files.at(kPath).bytes, saved ? kNew : kOld) << call;
+            EXPECT_EQ(desk.files.at(kPath).attributes, saved ? kAttributeArchive : attributes) << call;
+            EXPECT_EQ(TemporaryFiles(), 0) << call;
+        }
+    }
+}
+
+TEST(SaveFile, AFullDiskLeavesTheOldFileAtEveryByte) {
+    for (std::size_t space = 0; space < kNew.size(); ++space) {
+        desktop::Desktop& desk = DiskWithOldFile();
+        desk.disk_space = space;
+        EXPECT_FALSE(SaveWholeFile(kPath, kNew)) << space << " bytes free";
+        EXPECT_EQ(desk.files.at(kPath).bytes, kOld);
+        EXPECT_EQ(TemporaryFiles(), 0);
+    }
+    desktop::Desktop& desk = DiskWithOldFile();
+    desk.disk_space = kNew.size();
+    EXPECT_TRUE(SaveWholeFile(kPath, kNew));
+    EXPECT_EQ(desk.files.at(kPath).bytes, kNew);
+}
+
+TEST(SaveFile, OldWholeOrNewWholeWhenTheMachineStopsAtAnyMoment) {
+    for (const std::uint32_t attributes : {kAttributeArchive, kAttributeArchive | kAttributeReadOnly}) {
+        const int operations = OperationsOfAGoodSave(attributes);
+        for (int stop_at = 0; stop_at < operations; ++stop_at) {
+            desktop::Desktop& desk = DiskWithOldFile(attributes);
+            desk.stop_at = stop_at;
+            EXPECT_THROW(SaveWholeFile(kPath, kNew), desktop::MachineStopped) << "operation " << stop_at;
+            ASSERT_TRUE(desk.files.contains(kPath)) << "operation " << stop_at;
+            EXPECT_EQ(desk.files.at(kPath).bytes, kOld) << "operation " << stop_at;
+        }
+    }
+}
+
+TEST(SaveFile, NothingOrTheWholeFileWhenTheMachineStopsDuringAFirstSave) {
+    desktop::Reset();
+    ASSERT_TRUE(SaveWholeFile(kPath, kNew));
+    const int operations = desktop::Current().file_operations;
+    for (int stop_at = 0; stop_at < operations; ++stop_at) {
+        desktop::Desktop& desk = desktop::Reset();
+        desk.stop_at = stop_at;
+        EXPECT_THROW(SaveWholeFile(kPath, kNew), desktop::MachineStopped);
+        EXPECT_FALSE(desk.files.contains(kPath)) << "operation " << stop_at;
+    }
+}
+
+TEST(SaveFile, WhatWasSavedSurvivesAStopRightAfterIt) {
+    desktop::Desktop& desk = DiskWithOldFile();
+    ASSERT_TRUE(SaveWholeFile(kPath, kNew));
+    desk.stop_at = desk.file_operations;
+    EXPECT_THROW(PathExists(kPath, 0), desktop::MachineStopped);
+    EXPECT_EQ(desk.files.at(kPath).bytes, kNew) << "the bytes were not brought to the disk before the rename";
+}
+
+TEST(SaveFile, ReadsBackWhatTheDiskTook) {
+    desktop::Desktop& desk = DiskWithOldFile();
+    desk.garbles_writes = true;
+    EXPECT_FALSE(SaveWholeFile(kPath, kNew));
+    EXPECT_EQ(desk.files.at(kPath).bytes, kOld);
+    EXPECT_EQ(TemporaryFiles(), 0);
+}
+
+TEST(SaveFile, ReadsAByteMoreThanItWroteSoThatALongerFileShows) {
+    desktop::Desktop& desk = DiskWithOldFile();
+    desk.lengthens_writes = true;
+    EXPECT_FALSE(SaveWholeFile(kPath, kNew));
+    EXPECT_EQ(desk.files.at(kPath).bytes, kOld);
+    EXPECT_EQ(TemporaryFiles(), 0);
+}
+
+TEST(SaveFile, ARenameThatAScannerBlocksIsTriedAgain) {
+    desktop::Desktop& desk = DiskWithOldFile();
+    desk.fail_at = 6; // the rename
+    EXPECT_TRUE(SaveWholeFile(kPath, kNew));
+    EXPECT_EQ(desk.files.at(kPath).bytes, kNew);
+    EXPECT_EQ(TimesAsked("RenameOver"), 2);
+    EXPECT_EQ(TimesAsked("PauseBriefly"), 1);
+}
+
+TEST(SaveFile, AFolderThatRefusesGivesUpSoon) {
+    desktop::Desktop& desk = DiskWithOldFile();
+    desk.refusing_folders.insert(L"C:\\Songs");
+    EXPECT_FALSE(SaveWholeFile(kPath, kNew));
+    EXPECT_EQ(desk.files.at(kPath).bytes, kOld);
+    EXPECT_LE(TimesAsked("CreateOutput"), 10);
+}
+
+TEST(SaveFile, AFolderAtThePathIsNotReplaced) {
+    desktop::Desktop& desk = desktop::Reset();
+    desk.folders.insert(kPath);
+    EXPECT_FALSE(SaveWholeFile(kPath, kNew));
+    EXPECT_EQ(TemporaryFiles(), 0);
+}
+
+TEST(SweepAbandonedSaves, DeletesOnlyOurOwnFilesOlderThanADay) {
+    desktop::Desktop& desk = desktop::Reset();
+    constexpr std::uint64_t kDay = 24 * 60 * 60;
+    const auto file = [&](const wchar_t* path, std::uint64_t age) { desk.files[path] = {{1}, 32, age}; };
+    file(L"C:\\Songs\\~snd17.tmp", kDay + 1);
+    file(L"C:\\Songs\\~snd18.tmp", kDay);
+    file(L"C:\\Songs\\~snd19.tmp", 5);
+    file(L"C:\\Songs\\~snd.tmp", 9 * kDay);
+    file(L"C:\\Songs\\~sndbox.tmp", 9 * kDay);
+    file(L"C:\\Songs\\~snd17.tmp.snd", 9 * kDay);
+    file(L"C:\\Songs\\TUNE.SND", 9 * kDay);
+    file(L"C:\\Other\\~snd17.tmp", 9 * kDay);
+    for (const wchar_t* folder : {L"C:\\Songs\\", L"C:\\Songs"}) {
+        SweepAbandonedSaves(folder);
+        EXPECT_FALSE(desk.files.contains(L"C:\\Songs\\~snd17.tmp"));
+        EXPECT_EQ(desk.files.size(), 7u);
+        file(L"C:\\Songs\\~snd17.tmp", kDay + 1);
+    }
+}
+
+TEST(DeleteFileIfExists, DeletesHiddenSystemAndReadOnlyFiles) {
+    for (std::uint32_t attributes = 0; attributes < 8; ++attributes) {
+        const desktop::Desktop& desk = DiskWithOldFile(attributes);
+        DeleteFileIfExists(kPath);
+        EXPECT_FALSE(desk.files.contains(kPath)) << "attributes " << attributes;
+        EXPECT_TRUE(desktop::Asked("PathExists C:\\Songs\\TUNE.SND 6"));
+        EXPECT_TRUE(desktop::Asked("SetAttributesOf C:\\Songs\\TUNE.SND 32"));
+    }
+}
+
+TEST(DeleteFileIfExists, LeavesWhatIsNotThereAlone) {
+    const desktop::Desktop& desk = desktop::Reset();
+    DeleteFileIfExists(kPath);
+    EXPECT_EQ(desk.log, std::vector<std::string>{"PathExists C:\\Songs\\TUNE.SND 6"});
+}
+
+TEST(DeleteFileIfExists, IgnoresEveryError) {
+    for (const char* call : {"PathExists", "SetAttributesOf", "RemoveFile"}) {
+        desktop::Desktop& desk = DiskWithOldFile(kAttributeReadOnly);
+        desk.refused = {call};
+        DeleteFileIfExists(kPath);
+        EXPECT_EQ(desk.files.at(kPath).bytes, kOld) << call;
+    }
+}

@@ -1,0 +1,242 @@
+// Settings: the last document's text, window placement, the transfer reminder's choice, help and About.
+#include "app/sndmain.h"
+#include "link/settings_commands.h"
+#include "tests/desktop/desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace tonex;
+
+namespace {
+
+constexpr const wchar_t* kPlacement = L"Corvane\\Tonex\\WindwInformation";
+constexpr const wchar_t* kReminder = L"Corvane\\Global\\MsgDsp";
+
+struct Settings : testing::Test {
+    desktop::Desktop& desk = desktop::Reset();
+    sndmain window;
+
+    Settings() {
+        window.screen.width = 15360;
+        window.screen.height = 11520;
+        desk.window_width = 12000;
+        desk.window_height = 8000;
+    }
+};
+
+constexpr const char* kCentred = "MoveMainWindow 1680 1760";
+
+} // namespace
+
+TEST_F(Settings, LastDocumentHoldsFlagDisplayNameAndPath) {
+    EXPECT_EQ(LastDocumentText(1, L"C:\\x\\A.SND"), L"1,PC:A.SND,C:\\x\\A.SND");
+    EXPECT_EQ(LastDocumentText(0, L"C:\\x\\A.SND"), L"0,Veloxa:A.SND,C:\\x\\A.SND");
+    EXPECT_EQ(LastDocumentText(2, L"C:\\x\\A.SND"), L"2,Veloxa:A.SND,C:\\x\\A.SND");
+    EXPECT_EQ(LastDocumentText(-1, L"A.SND"), L"-1,Veloxa:A.SND,A.SND");
+    EXPECT_EQ(LastDocumentText(1, L""), L"1,PC:,");
+}
+
+TEST_F(Settings, StoreLastDocumentWritesFile1) {
+    window.document.current_path = L"C:\\x\\A.SND";
+    window.document.location_flag = 0;
+    StoreLastDocument(window);
+    EXPECT_EQ(desk.settings.at(L"Corvane\\Tonex\\File1"), L"0,Veloxa:A.SND,C:\\x\\A.SND");
+}
+
+TEST_F(Settings, PlacementTextPutsBottomBeforeLeft) {
+    WindowPlacement placement;
+    placement.show_state = 3;
+    placement.left = 100;
+    placement.top = 200;
+    placement.right = 500;
+    placement.bottom = 600;
+    EXPECT_EQ(PlacementText(placement), L"3,600,100,500,200");
+    placement.left = -8;
+    placement.top = -2147483647 - 1;
+    EXPECT_EQ(PlacementText(placement), L"3,600,-8,500,-2147483648");
+}
+
+TEST_F(Settings, PlacementIsReadBackAsItWasWritten) {
+    WindowPlacement placement;
+    placement.show_state = 1;
+    placement.left = -1200;
+    placement.top = 0;
+    placement.right = 2147483647;
+    placement.bottom = 7;
+    const auto read = ParsePlacement(PlacementText(placement));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->show_state, 1);
+    EXPECT_EQ(read->left, -1200);
+    EXPECT_EQ(read->top, 0);
+    EXPECT_EQ(read->right, 2147483647);
+    EXPECT_EQ(read->bottom, 7);
+}
+
+TEST_F(Settings, PlacementWithoutFiveWholeNumbersIsNone) {
+    for (const wchar_t* text :
+         {L"", L",", L"1", L"2,600,100,500", L"2,600,100,500,", L",600,100,500,200", L"2,600,,500,200",
+          L"2,600,100,500,200,7", L"2,600,abc,500,200", L"2,600,100,500,200 ", L"2, 600,100,500,200",
+          L"2,600,100.5,500,200", L"2,600,2147483648,500,200", L"2,600,-2147483649,500,200",
+          L"2,600,99999999999999999999999999,500,200", L"2,600,-,500,200", L"2,600,--1,500,200",
+          L"a,b,c,d,e"}) {
+        EXPECT_FALSE(ParsePlacement(text)) << desktop::Utf8(text);
+    }
+}
+
+TEST_F(Settings, SaveWindowPlacementStoresUnderTheHistoricalKey) {
+    desk.placement = WindowPlacement{};
+    desk.placement->right = 500;
+    desk.placement->bottom = 600;
+    SaveWindowPlacement(L"Tonex");
+    EXPECT_EQ(desk.settings.at(kPlacement), L"1,600,0,500,0");
+}
+
+TEST_F(Settings, SaveWindowPlacementStoresNothingWhenTheSystemRefuses) {
+    desk.placement.reset();
+    SaveWindowPlacement(L"Tonex");
+    EXPECT_TRUE(desk.settings.empty());
+}
+
+TEST_F(Settings, StoredPlacementRestoresASizableWindowAsNormalNotMinimised) {
+    for (const int style : {kBorderSizable, kBorderSizableToolWindow}) {
+        desk.log.clear();
+        desk.border_style = style;
+        desk.settings[kPlacement] = L"2,600,100,500,200";
+        EXPECT_TRUE(RestoreWindowPlacement(window, L"Tonex"));
+        EXPECT_TRUE(desktop::Asked("SetMainWindowPlacement 1 100 200 500 600"));
+        EXPECT_FALSE(desktop::Asked("MoveMainWindow"));
+    }
+}
+
+TEST_F(Settings, AMaximisedWindowComesBackMaximised) {
+    desk.settings[kPlacement] = L"3,600,100,500,200";
+    EXPECT_TRUE(RestoreWindowPlacement(window, L"Tonex"));
+    EXPECT_TRUE(desktop::Asked("SetMainWindowPlacement 3 100 200 500 600"));
+}
+
+TEST_F(Settings, AFixedSizeWindowOnlyMoves) {
+    desk.border_style = kBorderFixedSingle;
+    desk.settings[kPlacement] = L"2,600,100,500,200";
+    EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
+    EXPECT_TRUE(desktop::Asked("MoveMainWindow 1500 3000"));
+    EXPECT_FALSE(desktop::Asked("SetMainWindowPlacement"));
+}
+
+TEST_F(Settings, AFixedSizeWindowsPixelsAreTurnedIntoTheScreensUnits) {
+    desk.border_style = kBorderFixedSingle;
+    window.screen.twips_per_pixel_x = 7.5F;
+    window.screen.twips_per_pixel_y = 10;
+    desk.settings[kPlacement] = L"1,600,101,500,-20";
+    EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
+    EXPECT_TRUE(desktop::Asked("MoveMainWindow 757 -200"));
+}
+
+TEST_F(Settings, AFixedSizeWindowFarOutsideEveryNumberIsCentred) {
+    desk.border_style = kBorderFixedSingle;
+    desk.settings[kPlacement] = L"1,600,2147483647,500,200";
+    EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
+    EXPECT_TRUE(desktop::Asked(kCentred));
+}
+
+TEST_F(Settings, AMissingOrEmptyPlacementCentresTheWindow) {
+    EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
+    EXPECT_TRUE(desktop::Asked(kCentred));
+    desk.log.clear();
+    desk.settings[kPlacement] = L"";
+    EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
+    EXPECT_TRUE(desktop::Asked(kCentred));
+}
+
+TEST_F(Settings, ADamagedPlacementCentresTheWindowWhateverItsBorder) {
+    for (const int style : {kBorderSizable, kBorderFixedSingle}) {
+        for (const wchar_t* text : {L"2,600,100,500", L"x,600,100,500,200", L"1,600,4294967396,500,200"}) {
+            desk.log.clear();
+            desk.border_style = style;
+            desk.settings[kPlacement] = text;
+            EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
+            EXPECT_TRUE(desktop::Asked(kCentred)) << desktop::Utf8(text);
+            EXPECT_FALSE(desktop::Asked("SetMainWindowPlacement"));
+        }
+    }
+}
+
+TEST_F(Settings, APlacementThatTheSystemRefusesCentresTheWindow) {
+    desk.placement_accepted = false;
+    desk.settings[kPlacement] = L"1,600,100,500,200";
+    EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
+    EXPECT_TRUE(desktop::Asked(kCentred));
+}
+
+TEST_F(Settings, MsgDspOfOneMeansThatTheReminderIsNotWanted) {
+    EXPECT_FALSE(ReadMsgDsp());
+    for (const wchar_t* wanted : {L"0", L"2", L"-1", L"", L"yes", L"10", L"0.5", L"1.2"}) {
+        desk.settings[kReminder] = wanted;
+        EXPECT_FALSE(ReadMsgDsp()) << desktop::Utf8(wanted);
+    }
+    for (const wchar_t* not_wanted : {L"1", L" 1", L"1.0"}) {
+        desk.settings[kReminder] = not_wanted;
+        EXPECT_TRUE(ReadMsgDsp()) << desktop::Utf8(not_wanted);
+    }
+}
+
+TEST_F(Settings, SaveMsgDspWritesToTheSuitesSection) {
+    SaveMsgDsp(1);
+    EXPECT_EQ(desk.settings.at(kReminder), L"1");
+    SaveMsgDsp(0);
+    EXPECT_EQ(desk.settings.at(kReminder), L"0");
+}
+
+TEST_F(Settings, TheSettingMenuReadsTheReminderEachTimeItOpens) {
+    MenuState& entry = window.item(MenuItem::MenuCheckMsg);
+    desk.settings[kReminder] = L"1";
+    MenuDefine_Open(window);
+    EXPECT_FALSE(entry.Checked);
+    desk.settings[kReminder] = L"7";
+    MenuDefine_Open(window);
+    EXPECT_TRUE(entry.Checked);
+    desk.settings.clear();
+    MenuDefine_Open(window);
+    EXPECT_TRUE(entry.Checked);
+}
+
+TEST_F(Settings, ChoosingTheEntryTurnsTheReminderOffAndOn) {
+    MenuState& entry = window.item(MenuItem::MenuCheckMsg);
+    MenuDefine_Open(window);
+    ASSERT_TRUE(entry.Checked);
+    MenuCheckMsg_Click(window);
+    EXPECT_FALSE(entry.Checked);
+    EXPECT_EQ(desk.settings.at(kReminder), L"1");
+    MenuCheckMsg_Click(window);
+    EXPECT_TRUE(entry.Checked);
+    EXPECT_EQ(desk.settings.at(kReminder), L"0");
+}
+
+TEST_F(Settings, HelpOpensAtTheKeywordSearchWithAnEmptyKey) {
+    window.link.HelpFilePath = L"C:\\Program Files\\Tonex\\Veloxa.hlp";
+    MenuTopic_Click(window);
+    EXPECT_TRUE(desktop::Asked("OpenHelpFile C:\\Program Files\\Tonex\\Veloxa.hlp 261 \"\""));
+    EXPECT_FALSE(desktop::Asked("OpenHelpGuide"));
+}
+
+TEST_F(Settings, HelpFallsBackToTheGuide) {
+    desk.help_opens = false;
+    ShowHelp(window);
+    EXPECT_TRUE(desktop::Asked("OpenHelpGuide"));
+    EXPECT_TRUE(desk.messages.empty());
+}
+
+TEST_F(Settings, HelpSaysSoWhenThereIsNeitherFile) {
+    desk.help_opens = false;
+    desk.guide_opens = false;
+    ShowHelp(window);
+    ASSERT_EQ(desk.messages.size(), 1u);
+    EXPECT_EQ(desk.messages[0].text, L"The help file is missing.");
+}
+
+TEST_F(Settings, AboutIsShown) {
+    MenuVersion_Click(window);
+    EXPECT_EQ(desk.log, std::vector<std::string>{"ShowAboutWindow"});
+}
