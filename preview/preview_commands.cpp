@@ -11,7 +11,6 @@
 #include "preview/wav_file_services.h"
 #include "score/document_commands.h"
 #include "score/file_services.h"
-#include "score/int16.h"
 #include "view/tempo_commands.h"
 
 #include <algorithm>
@@ -160,15 +159,6 @@ void PlayConverted(sndmain& window, const std::wstring& wav_path) {
     BringMainWindowToForeground();
 }
 
-FileEntry PreviewEntryOf(const Entry& entry) {
-    // What fits no code or pitch of the file stays out of the writer's tables, and the writer refuses it.
-    const auto pitch = ToInt16(AsSigned(entry.pitch) - 1);
-    if (IsNote(entry.code)) {
-        return {static_cast<std::uint16_t>(entry.code - 1), pitch ? AsCell(*pitch) : kEmpty};
-    }
-    return {static_cast<std::uint16_t>(entry.code + 79), 0};
-}
-
 // Writes the list to a SND file on the PC, wherever the document lives: a preview is never uploaded.
 SndResult WritePreviewFile(sndmain& window, const FileList& list, const std::wstring& path,
                            std::int16_t& entries_written) {
@@ -227,7 +217,7 @@ FileList BuildPreviewList(const Score& score, const ScoreGrid& grid) {
         const Entry& entry = score.sound[static_cast<std::size_t>(slot)];
         if (!IsSounding(entry.code)) continue;
         if (count == kPreviewEntries) break;
-        list[static_cast<std::size_t>(count++)] = PreviewEntryOf(entry);
+        list[static_cast<std::size_t>(count++)] = ToFileEntry(entry);
     }
     list[static_cast<std::size_t>(count)] = {kEmpty, 0};
     return list;

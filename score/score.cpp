@@ -22,16 +22,6 @@ bool IsFileCode(std::uint16_t code) {
     return code < 20 || (code >= 100 && code < 120) || code == kFileSeparator || code == kEmpty;
 }
 
-FileEntry ToFileEntry(const Entry& entry) {
-    if (entry.code == kSeparator) return {kFileSeparator, 0};
-    if (IsNote(entry.code)) {
-        return {static_cast<std::uint16_t>(entry.code - 1), static_cast<std::uint16_t>(entry.pitch - 1)};
-    }
-    const auto code = static_cast<std::uint16_t>(entry.code + kRestDistance);
-    if (!IsRest(entry.code) && IsFileCode(code)) return {kFileUnknown, 0};
-    return {code, 0};
-}
-
 Entry FromFileEntry(const FileEntry& entry) {
     if (entry.code < 20) {
         return {static_cast<std::uint16_t>(entry.code + 1), static_cast<std::uint16_t>(entry.pitch + 1),
@@ -81,6 +71,16 @@ void RecomputePositions(Score& score, std::int16_t staff_offset) {
         if (entry.code == kSeparator) continue;
         entry.position = AsCell(StaffPositionOf(entry.pitch, staff_offset).value_or(kRestPosition));
     }
+}
+
+FileEntry ToFileEntry(const Entry& entry) {
+    if (entry.code == kSeparator) return {kFileSeparator, 0};
+    if (IsNote(entry.code)) {
+        return {static_cast<std::uint16_t>(entry.code - 1), static_cast<std::uint16_t>(entry.pitch - 1)};
+    }
+    const auto code = static_cast<std::uint16_t>(entry.code + kRestDistance);
+    if (!IsRest(entry.code) && IsFileCode(code)) return {kFileUnknown, 0};
+    return {code, 0};
 }
 
 FileList BuildSaveList(const Score& score) {

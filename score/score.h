@@ -85,6 +85,10 @@ void ClearScore(Score& score);
 /// A position that overflows becomes that of a rest; no file can hold such a pitch.
 void RecomputePositions(Score& score, std::int16_t staff_offset);
 
+/// An entry in the file's encoding; rests and separators have pitch 0. A code or pitch that no file can hold
+/// keeps a value that the writer refuses.
+FileEntry ToFileEntry(const Entry& entry);
+
 /// The score in the file's encoding, closed by 65535. Codes that no table knows keep a value that the writer
 /// refuses.
 FileList BuildSaveList(const Score& score);
