@@ -5,6 +5,7 @@
 #include "score/snd_file.h"
 #include "tests/desktop/desktop.h"
 #include "tests/set_up_window.h"
+#include "view/edit_commands.h"
 
 #include <gtest/gtest.h>
 
@@ -351,6 +352,21 @@ TEST_F(DocumentTest, OpenLoadsTheChosenFile) {
     EXPECT_FALSE(window.score.changed);
 }
 
+TEST_F(DocumentTest, UndoAfterOpenGivesBackTheMelodyBefore) {
+    kenWhite_Click(window, 0);
+    const auto before_the_last_change = window.score.sound;
+    kenWhite_Click(window, 1);
+    window.score.changed = false;
+    desk.files[kTune] = {FileOf(5)};
+    desk.open_choices = {kTune};
+    mnuFileOpen_Click(window);
+    ASSERT_EQ(window.score.end_count, 6);
+    SwapUndo(window);
+    EXPECT_EQ(window.score.sound, before_the_last_change);
+    EXPECT_EQ(window.score.end_count, 2);
+    EXPECT_EQ(window.document.current_path, kTune);
+}
+
 TEST_F(DocumentTest, OpenOfAnotherKindOfFileChangesNothing) {
     ComposeAt(kTune);
     window.score.changed = false;
@@ -632,6 +648,14 @@ TEST_F(DocumentTest, SaveWhereWritingFailsLeavesFlagPathAndTitle) {
     EXPECT_EQ(window.Caption, L"before");
     EXPECT_TRUE(window.score.changed);
     EXPECT_FALSE(desk.settings.contains(kLastFile));
+}
+
+TEST_F(DocumentTest, TheLocationIsStoredAsTheSaveMadeIt) {
+    ComposeAt(L"C:\\Songs\\OLD.SND", 0);
+    desk.save_choices = {kTune};
+    mnuFileSaveWithName_Click(window);
+    EXPECT_EQ(window.document.location_flag, 1);
+    EXPECT_EQ(desk.settings.at(kLastFile), L"1,PC:TUNE.SND,C:\\Songs\\TUNE.SND");
 }
 
 TEST_F(DocumentTest, SaveIsAllOrNothingAtEveryDiskOperation) {

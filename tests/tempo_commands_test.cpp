@@ -56,6 +56,12 @@ TEST(TempoBox, NoNameBelow40AndFrom320Up) {
     EXPECT_EQ(NameOf(*window, L"99999999999"), L"");
 }
 
+TEST(TempoBox, ANumberWithWordsBehindItNamesATempoButIsNone) {
+    const auto window = SetUpWindow();
+    EXPECT_EQ(NameOf(*window, L"120x"), L"Allegro");
+    EXPECT_EQ(TempoForWriting(*window), 0);
+}
+
 TEST(TempoBox, TypingSetsTheChangedFlagAndSelectsNoItem) {
     const auto window = SetUpWindow();
     TempoComboChange(*window, L"77");
