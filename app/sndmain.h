@@ -23,6 +23,7 @@ namespace tonex {
 inline constexpr int kStripPictures = 30;
 inline constexpr int kGridColumnsShown = 30; ///< columns that the grid shows at once
 inline constexpr int kLengthButtons = 40;
+inline constexpr std::int16_t kFirstLength = 11; ///< current length at start-up, a quarter note
 inline constexpr int kTopStaffLine = 1170; ///< of the staff's five lines, twips from the top of its panel
 inline constexpr std::uint32_t kWhiteKeyColour = 0xFFFFFF;
 inline constexpr std::uint32_t kBlackKeyColour = 0x000000;
@@ -69,13 +70,18 @@ struct KeyLabel {
     bool operator==(const KeyLabel&) const = default;
 };
 
-/// The one-row score grid. Column index = slot index.
-struct ScoreGrid {
-    Rect place;
-    int Cols = 1;    ///< columns it has, the end column included; 509 when the score is full
+/// Cursor, selection and scrolling of the grid: what Undo brings back with the score.
+struct GridView {
     int Col = 0;     ///< current column, the cursor
     int ColSel = 0;  ///< far end of the selection; equal to Col when no range is selected
     int LeftCol = 0; ///< first visible column
+};
+
+/// The one-row score grid. Column index = slot index.
+struct ScoreGrid {
+    Rect place;
+    int Cols = 1; ///< columns it has, the end column included; 509 when the score is full
+    GridView view;
     std::array<std::int16_t, kSlots> ColWidth{}; ///< twips
     std::array<CellText, kSlots> Text{};
     bool Redraw = true; ///< off while a command changes many cells
@@ -124,14 +130,12 @@ struct Document {
     FileDialog ComSave;
 };
 
-/// A whole score and view, as the one level of Undo keeps it.
+/// A whole score and view, as the one level of Undo keeps it; an empty score before the first command that
+/// saves it. The changed flag in it is not brought back: undoing is a change.
 struct UndoCopy {
-    std::array<Entry, kSlots> sound{};
-    std::int16_t current_length = 11;
-    std::int16_t end_count = 1;
-    std::int16_t first_shown = 0;
-    std::int16_t strip_cursor = 0;
-    std::int16_t LeftCol = 0, Col = 0, ColSel = 0;
+    Score score;
+    std::int16_t current_length = kFirstLength;
+    GridView view;
 };
 
 struct Clipboard {
@@ -149,11 +153,11 @@ struct sndmain {
     // Values that several rooms share.
     TimingTables tables;
     ScreenMeasures screen;
-    bool doremi = false;                   ///< note names as do-re-mi
-    std::int16_t StaffOffset = 0;          ///< twips added to every staff position
-    std::int16_t KeyboardBaseOctave = 4;   ///< printed on the leftmost group of piano keys
-    std::int16_t current_length = 11;      ///< entry code 1 to 20 that a key click gives to a new note
-    std::int16_t standard_col_width = 390; ///< of a grid column, twips
+    bool doremi = false;                        ///< note names as do-re-mi
+    std::int16_t StaffOffset = 0;               ///< twips added to every staff position
+    std::int16_t KeyboardBaseOctave = 4;        ///< printed on the leftmost group of piano keys
+    std::int16_t current_length = kFirstLength; ///< entry code 1 to 20 that a key click gives to a new note
+    std::int16_t standard_col_width = 390;      ///< of a grid column, twips
     bool preview_busy = false;
     bool second_copy = false; ///< this copy only hands over to the first
     LinkState link;
@@ -220,9 +224,22 @@ constexpr int LastLeftCol(const ScoreGrid& grid) {
 inline Entry& SlotAt(sndmain& window, int column) {
     return window.score.sound[static_cast<std::size_t>(column)];
 }
+/// Columns of the grid, both included.
+struct ColumnRange {
+    int lo = 0, hi = 0;
+};
+/// The selected columns, from left to right whichever way they were selected.
+constexpr ColumnRange SelectedColumns(const GridView& view) {
+    return view.Col < view.ColSel ? ColumnRange{view.Col, view.ColSel} : ColumnRange{view.ColSel, view.Col};
+}
+/// Whether a column is one of those selected.
+constexpr bool IsSelected(const GridView& view, int column) {
+    const ColumnRange range = SelectedColumns(view);
+    return column >= range.lo && column <= range.hi;
+}
 /// Whether more than one column is selected.
-constexpr bool RangeSelected(const ScoreGrid& grid) {
-    return grid.Col != grid.ColSel;
+constexpr bool RangeSelected(const GridView& view) {
+    return view.Col != view.ColSel;
 }
 
 } // namespace tonex

@@ -207,9 +207,10 @@ std::wstring PreviewFileName(int second_of_day, const std::wstring& extension) {
 FileList BuildPreviewList(const Score& score, const ScoreGrid& grid) {
     int first = 0;
     int last = score.end_count - 1;
-    if (RangeSelected(grid)) {
-        first = std::min(grid.Col, grid.ColSel);
-        last = std::max(grid.Col, grid.ColSel);
+    if (RangeSelected(grid.view)) {
+        const ColumnRange range = SelectedColumns(grid.view);
+        first = range.lo;
+        last = range.hi;
     }
     FileList list{};
     int count = 0;

@@ -105,8 +105,8 @@ bool SaveBeforeGoingOn(sndmain& window) {
 
 void ShowLoadedScore(sndmain& window) {
     ScoreGrid& grid = window.grdScore;
-    grid.Col = std::min(EndColumn(window.score), kLastColumn); // a full score shows no end column
-    grid.ColSel = grid.Col;
+    grid.view.Col = std::min(EndColumn(window.score), kLastColumn); // a full score shows no end column
+    grid.view.ColSel = grid.view.Col;
     RedrawGrid(window);
     DrawStrip(window, 0);
 }

@@ -396,9 +396,9 @@ TEST_F(DocumentTest, LoadShowsTheScoreFromItsFirstEntryWithTheCursorBehindTheLas
     EXPECT_EQ(window.score.first_shown, 0);
     EXPECT_EQ(window.score.strip_cursor, 40 % 30);
     EXPECT_EQ(window.grdScore.Cols, 41);
-    EXPECT_EQ(window.grdScore.LeftCol, 0);
-    EXPECT_EQ(window.grdScore.Col, 40);
-    EXPECT_EQ(window.grdScore.ColSel, 40);
+    EXPECT_EQ(window.grdScore.view.LeftCol, 0);
+    EXPECT_EQ(window.grdScore.view.Col, 40);
+    EXPECT_EQ(window.grdScore.view.ColSel, 40);
     EXPECT_EQ(TextOf(window, 39), L"c4");
     EXPECT_TRUE(ImageOf(window, 29).Visible);
     EXPECT_EQ(window.TempoCombo.Text, L" 60");
@@ -421,7 +421,7 @@ TEST_F(DocumentTest, LoadOfAFullScorePutsTheCursorOnTheLastColumn) {
     EXPECT_FALSE(LoadDocument(window, kSuffixPc));
     EXPECT_EQ(window.score.end_count, 510);
     EXPECT_EQ(window.grdScore.Cols, 509);
-    EXPECT_EQ(window.grdScore.Col, 508);
+    EXPECT_EQ(window.grdScore.view.Col, 508);
     EXPECT_EQ(window.score.strip_cursor, 509 % 30);
     EXPECT_TRUE(desk.messages.empty());
 }

@@ -250,7 +250,7 @@ TEST(ScrollStrip, ShowsWhatDrawingAnewShows) {
     for (const int first : {1, 0, 5, 5, 34, 64, 63, 71, 40, 69, 0, 71, 2}) {
         ScrollStrip(*window, first);
         EXPECT_EQ(window->score.first_shown, first);
-        EXPECT_EQ(window->grdScore.LeftCol, first);
+        EXPECT_EQ(window->grdScore.view.LeftCol, first);
         const auto scrolled = window->imgNote;
         DrawStrip(*window, first);
         for (int i = 0; i < kStripPictures; ++i) {
@@ -268,8 +268,8 @@ TEST(ScrollStrip, ShowsWhatDrawingAnewShows) {
 TEST(Grid, AnEmptyScoreHasOneColumnTheEndColumn) {
     const auto window = SetUpWindow();
     EXPECT_EQ(window->grdScore.Cols, 1);
-    EXPECT_EQ(window->grdScore.Col, 0);
-    EXPECT_EQ(window->grdScore.ColSel, 0);
+    EXPECT_EQ(window->grdScore.view.Col, 0);
+    EXPECT_EQ(window->grdScore.view.ColSel, 0);
     EXPECT_EQ(TextOf(*window, 0), L" - ");
     EXPECT_EQ(window->grdScore.ColWidth[0], 390);
     EXPECT_EQ(window->grdScore.ColWidth[1], 0);
@@ -300,19 +300,19 @@ TEST(Grid, AFullScoreHas509Columns) {
 TEST(Grid, RedrawKeepsCursorSelectionAndFirstColumnInsideTheColumns) {
     auto window = SetUpWindow();
     FillScore(*window, 100);
-    window->grdScore.Col = 60;
-    window->grdScore.ColSel = 70;
-    window->grdScore.LeftCol = 50;
+    window->grdScore.view.Col = 60;
+    window->grdScore.view.ColSel = 70;
+    window->grdScore.view.LeftCol = 50;
     RedrawGrid(*window);
-    EXPECT_EQ(window->grdScore.Col, 60);
-    EXPECT_EQ(window->grdScore.ColSel, 70);
-    EXPECT_EQ(window->grdScore.LeftCol, 50);
+    EXPECT_EQ(window->grdScore.view.Col, 60);
+    EXPECT_EQ(window->grdScore.view.ColSel, 70);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 50);
     window->score.sound[40] = Entry();
     window->score.end_count = 41;
     RedrawGrid(*window);
-    EXPECT_EQ(window->grdScore.Col, 40);
-    EXPECT_EQ(window->grdScore.ColSel, 40);
-    EXPECT_EQ(window->grdScore.LeftCol, 11);
+    EXPECT_EQ(window->grdScore.view.Col, 40);
+    EXPECT_EQ(window->grdScore.view.ColSel, 40);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 11);
     EXPECT_TRUE(window->grdScore.Redraw);
 }
 
@@ -325,9 +325,9 @@ TEST(Grid, ClearEmptiesEverythingTheUserSees) {
     EXPECT_EQ(window->score.end_count, 1);
     EXPECT_EQ(SlotOf(*window, 0).code, 65535);
     EXPECT_EQ(window->grdScore.Cols, 1);
-    EXPECT_EQ(window->grdScore.LeftCol, 0);
-    EXPECT_EQ(window->grdScore.Col, 0);
-    EXPECT_EQ(window->grdScore.ColSel, 0);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 0);
+    EXPECT_EQ(window->grdScore.view.Col, 0);
+    EXPECT_EQ(window->grdScore.view.ColSel, 0);
     EXPECT_EQ(TextOf(*window, 1), L"");
     EXPECT_EQ(window->score.first_shown, 0);
     EXPECT_EQ(window->score.strip_cursor, 0);
@@ -465,14 +465,14 @@ TEST(KeepColumnInView, ScrollsByTheLeastAmount) {
     auto window = SetUpWindow();
     FillScore(*window, 100);
     KeepColumnInView(*window, 29);
-    EXPECT_EQ(window->grdScore.LeftCol, 0);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 0);
     KeepColumnInView(*window, 30);
-    EXPECT_EQ(window->grdScore.LeftCol, 1);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 1);
     EXPECT_EQ(window->score.first_shown, 1);
     KeepColumnInView(*window, 80);
-    EXPECT_EQ(window->grdScore.LeftCol, 51);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 51);
     KeepColumnInView(*window, 50);
-    EXPECT_EQ(window->grdScore.LeftCol, 50);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 50);
     EXPECT_EQ(window->score.first_shown, 50);
     EXPECT_EQ(ImageOf(*window, 0).Picture, PictureOf(SlotOf(*window, 50).code, SlotOf(*window, 50).pitch));
 }
@@ -483,7 +483,7 @@ TEST(KeepColumnInView, TheStripCursorStaysWithinThePictures) {
     MoveCursor(*window, 10);
     KeepColumnInView(*window, 99);
     EXPECT_EQ(window->score.strip_cursor, 0) << "the cursor is left of the pictures";
-    window->grdScore.Col = window->grdScore.ColSel = 100;
+    window->grdScore.view.Col = window->grdScore.view.ColSel = 100;
     KeepColumnInView(*window, 0);
     EXPECT_EQ(window->score.strip_cursor, 29) << "the cursor is right of the pictures";
 }
@@ -516,9 +516,9 @@ TEST(Doremi, SwitchingLeavesScoreViewAndChangedFlagAlone) {
     ToggleDoremi(*window);
     EXPECT_EQ(window->score.sound, sound);
     EXPECT_FALSE(window->score.changed);
-    EXPECT_EQ(window->grdScore.Col, 40);
-    EXPECT_EQ(window->grdScore.ColSel, 60);
-    EXPECT_EQ(window->grdScore.LeftCol, 45);
+    EXPECT_EQ(window->grdScore.view.Col, 40);
+    EXPECT_EQ(window->grdScore.view.ColSel, 60);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 45);
     EXPECT_EQ(window->score.first_shown, 45);
 }
 

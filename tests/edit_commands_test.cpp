@@ -14,10 +14,6 @@ namespace {
 
 using namespace tonex::testing;
 
-bool SameScore(const UndoCopy& undo, const Score& score) {
-    return undo.sound == score.sound && undo.end_count == score.end_count;
-}
-
 // The score's invariants and the views that have to agree with it.
 void ExpectWhole(const sndmain& window) {
     const Score& score = window.score;
@@ -35,7 +31,7 @@ void ExpectWhole(const sndmain& window) {
     }
     EXPECT_GE(score.strip_cursor, 0);
     EXPECT_LT(score.strip_cursor, 30);
-    EXPECT_EQ(score.first_shown, window.grdScore.LeftCol);
+    EXPECT_EQ(score.first_shown, window.grdScore.view.LeftCol);
     for (int i = 0; i < 30; ++i) {
         EXPECT_EQ(ImageOf(window, i).Visible, score.first_shown + i < score.end_count - 1) << "picture " << i;
     }
@@ -108,7 +104,7 @@ TEST(Copy, DoesNotTouchTheUndoCopy) {
     auto window = SetUpWindow();
     FillScore(*window, 10);
     mnuCopy_Click(*window);
-    EXPECT_EQ(window->undo.end_count, 1);
+    EXPECT_EQ(window->undo.score.end_count, 1);
 }
 
 TEST(Cut, CopiesAndDeletes) {
@@ -147,8 +143,8 @@ TEST(Delete, MovesLaterEntriesLeft) {
         EXPECT_EQ(window->score.sound[i], before[i]);
     for (std::size_t i = 2; i < 6; ++i)
         EXPECT_EQ(window->score.sound[i], before[i + 4]);
-    EXPECT_EQ(window->grdScore.Col, 2);
-    EXPECT_EQ(window->grdScore.ColSel, 2);
+    EXPECT_EQ(window->grdScore.view.Col, 2);
+    EXPECT_EQ(window->grdScore.view.ColSel, 2);
     EXPECT_TRUE(window->score.changed);
     ExpectWhole(*window);
 }
@@ -160,7 +156,7 @@ TEST(Delete, OnTheEndColumnStopsButReplacesTheUndoCopy) {
     mnuDelete_Click(*window);
     EXPECT_EQ(window->score.end_count, 11);
     EXPECT_FALSE(window->score.changed);
-    EXPECT_EQ(window->undo.end_count, 11);
+    EXPECT_EQ(window->undo.score.end_count, 11);
 }
 
 TEST(Delete, OfARangeEndingOnTheEndColumnEndsBeforeIt) {
@@ -169,7 +165,7 @@ TEST(Delete, OfARangeEndingOnTheEndColumnEndsBeforeIt) {
     Select(*window, 10, 7);
     mnuDelete_Click(*window);
     EXPECT_EQ(window->score.end_count, 8);
-    EXPECT_EQ(window->grdScore.Col, 7) << "now the end column";
+    EXPECT_EQ(window->grdScore.view.Col, 7) << "now the end column";
     ExpectWhole(*window);
 }
 
@@ -191,7 +187,7 @@ TEST(Delete, TheLastColumnOfAFullScoreIsAnEntry) {
     MoveCursor(*window, 508);
     mnuDelete_Click(*window);
     EXPECT_EQ(window->score.end_count, 509);
-    EXPECT_EQ(window->grdScore.Col, 508) << "the end column is back";
+    EXPECT_EQ(window->grdScore.view.Col, 508) << "the end column is back";
     ExpectWhole(*window);
 }
 
@@ -235,7 +231,7 @@ TEST(Delete, ShowsTheStripFromTheFirstVisibleColumn) {
     Select(*window, 60, 95);
     mnuDelete_Click(*window);
     EXPECT_EQ(window->grdScore.Cols, 65);
-    EXPECT_EQ(window->grdScore.LeftCol, 35);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 35);
     EXPECT_EQ(window->score.first_shown, 35);
     EXPECT_EQ(window->score.strip_cursor, 25);
     ExpectWhole(*window);
@@ -247,8 +243,8 @@ TEST(Delete, OfASelectionOutOfViewBringsTheCursorIntoView) {
     Select(*window, 3, 5);
     grdScore_Scroll(*window, 60);
     mnuDelete_Click(*window);
-    EXPECT_EQ(window->grdScore.Col, 3);
-    EXPECT_EQ(window->grdScore.LeftCol, 3);
+    EXPECT_EQ(window->grdScore.view.Col, 3);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 3);
     EXPECT_EQ(window->score.strip_cursor, 0);
     ExpectWhole(*window);
 }
@@ -270,8 +266,8 @@ TEST(Insert, PutsBlankEntriesInFrontOfTheSelection) {
     }
     for (std::size_t i = 3; i < 11; ++i)
         EXPECT_EQ(window->score.sound[i + 3], before[i]);
-    EXPECT_EQ(window->grdScore.Col, 5) << "the selection lies on the blanks";
-    EXPECT_EQ(window->grdScore.ColSel, 3);
+    EXPECT_EQ(window->grdScore.view.Col, 5) << "the selection lies on the blanks";
+    EXPECT_EQ(window->grdScore.view.ColSel, 3);
     EXPECT_TRUE(window->score.changed);
     ExpectWhole(*window);
 }
@@ -285,8 +281,8 @@ TEST(Insert, WithEndCount500And20ColumnsInserts9) {
     for (int i = 10; i <= 18; ++i)
         EXPECT_EQ(SlotOf(*window, i).code, 0);
     EXPECT_NE(SlotOf(*window, 19).code, 0);
-    EXPECT_EQ(window->grdScore.Col, 10);
-    EXPECT_EQ(window->grdScore.ColSel, 18);
+    EXPECT_EQ(window->grdScore.view.Col, 10);
+    EXPECT_EQ(window->grdScore.view.ColSel, 18);
     EXPECT_FALSE(window->item(MenuItem::mnuInsert).Enabled);
     ExpectWhole(*window);
 }
@@ -296,8 +292,8 @@ TEST(Insert, ACutSelectionTakesTheStripCursorWithIt) {
     FillScore(*window, 499);
     Select(*window, 25, 6);
     mnuInsert_Click(*window);
-    EXPECT_EQ(window->grdScore.Col, 14);
-    EXPECT_EQ(window->grdScore.ColSel, 6);
+    EXPECT_EQ(window->grdScore.view.Col, 14);
+    EXPECT_EQ(window->grdScore.view.ColSel, 6);
     EXPECT_EQ(window->score.strip_cursor, 14);
     ExpectWhole(*window);
 }
@@ -311,7 +307,7 @@ TEST(Insert, StopsAtEndCount509) {
     EXPECT_EQ(window->score.end_count, 509);
     EXPECT_EQ(window->score.sound, before);
     EXPECT_FALSE(window->score.changed);
-    EXPECT_EQ(window->undo.end_count, 509) << "the undo copy is replaced before any condition";
+    EXPECT_EQ(window->undo.score.end_count, 509) << "the undo copy is replaced before any condition";
 }
 
 TEST(Insert, IntoAFullScoreDoesNothingThoughTheCountIsNegative) {
@@ -355,8 +351,8 @@ TEST(Paste, PutsTheClipboardInFrontOfTheSelection) {
         EXPECT_EQ(window->score.sound[i + 5], before[i]);
     for (std::size_t i = 5; i < 11; ++i)
         EXPECT_EQ(window->score.sound[i + 3], before[i]);
-    EXPECT_EQ(window->grdScore.Col, 8) << "the cursor stands behind what was pasted";
-    EXPECT_EQ(window->grdScore.ColSel, 8);
+    EXPECT_EQ(window->grdScore.view.Col, 8) << "the cursor stands behind what was pasted";
+    EXPECT_EQ(window->grdScore.view.ColSel, 8);
     EXPECT_TRUE(window->score.changed);
     ExpectWhole(*window);
 }
@@ -370,7 +366,7 @@ TEST(Paste, FillsTheScoreTo510AndThenHas509Columns) {
     mnuPaste_Click(*window);
     EXPECT_EQ(window->score.end_count, 510) << "one entry of the five";
     EXPECT_EQ(window->grdScore.Cols, 509) << "no end column";
-    EXPECT_EQ(window->grdScore.Col, 508);
+    EXPECT_EQ(window->grdScore.view.Col, 508);
     EXPECT_EQ(SlotOf(*window, 508), SlotOf(*window, 0));
     EXPECT_EQ(window->grdScore.ColWidth[508], 390);
     EXPECT_EQ(window->grdScore.ColWidth[509], 0);
@@ -387,7 +383,7 @@ TEST(Paste, IntoAFullScoreDoesNothing) {
     EXPECT_EQ(window->score.sound, before);
     EXPECT_EQ(window->score.end_count, 510);
     EXPECT_FALSE(window->score.changed);
-    EXPECT_EQ(window->undo.end_count, 510);
+    EXPECT_EQ(window->undo.score.end_count, 510);
 }
 
 TEST(Paste, OfAnEmptyClipboardDoesNothing) {
@@ -396,7 +392,7 @@ TEST(Paste, OfAnEmptyClipboardDoesNothing) {
     mnuPaste_Click(*window);
     EXPECT_EQ(window->score.end_count, 4);
     EXPECT_FALSE(window->score.changed);
-    EXPECT_EQ(window->undo.end_count, 4);
+    EXPECT_EQ(window->undo.score.end_count, 4);
 }
 
 TEST(Paste, OfARestAndASeparatorShowsTheirTexts) {
@@ -446,10 +442,10 @@ TEST(Transpose, EveryNoteOfTheScoreWhateverIsSelected) {
             const auto pitch = static_cast<std::uint16_t>(before[i].pitch + by);
             EXPECT_EQ(window->score.sound[i], MakeNote(*window, before[i].code, pitch));
         }
-        EXPECT_EQ(window->grdScore.Col, 40);
-        EXPECT_EQ(window->grdScore.ColSel, 50);
+        EXPECT_EQ(window->grdScore.view.Col, 40);
+        EXPECT_EQ(window->grdScore.view.ColSel, 50);
         EXPECT_TRUE(window->score.changed);
-        EXPECT_EQ(window->undo.sound, before);
+        EXPECT_EQ(window->undo.score.sound, before);
         RedrawGrid(*window);
         ExpectWhole(*window);
     }
@@ -486,8 +482,8 @@ TEST(Transpose, OctaveUpOnRestsOnlyReplacesTheUndoCopyAndMarksTheScoreChanged) {
     const auto before = window->score.sound;
     mnuOctUp_Click(*window);
     EXPECT_EQ(window->score.sound, before);
-    EXPECT_EQ(window->undo.end_count, 3);
-    EXPECT_EQ(window->undo.sound, before);
+    EXPECT_EQ(window->undo.score.end_count, 3);
+    EXPECT_EQ(window->undo.score.sound, before);
     EXPECT_TRUE(window->score.changed);
 }
 
@@ -512,7 +508,7 @@ TEST(Transpose, BeyondWhat16BitsHoldIsRefusedAsAWhole) {
         mnuOctUp_Click(*window);
         if (window->score.changed) continue;
         EXPECT_EQ(window->score.sound, before) << "not even the first note moved";
-        EXPECT_EQ(window->undo.sound, before) << "the undo copy is replaced all the same";
+        EXPECT_EQ(window->undo.score.sound, before) << "the undo copy is replaced all the same";
         break;
     }
     // c4 and c5# stand at 1920 and 1500: one octave more would put the higher one below -32768.
@@ -555,13 +551,14 @@ TEST(Undo, SaveUndoKeepsScoreAndView) {
     Select(*window, 50, 60);
     grdScore_Scroll(*window, 45);
     SaveUndo(*window);
-    EXPECT_TRUE(SameScore(window->undo, window->score));
+    EXPECT_EQ(window->undo.score.sound, window->score.sound);
+    EXPECT_EQ(window->undo.score.end_count, 101);
     EXPECT_EQ(window->undo.current_length, 4);
-    EXPECT_EQ(window->undo.first_shown, 45);
-    EXPECT_EQ(window->undo.strip_cursor, 5);
-    EXPECT_EQ(window->undo.LeftCol, 45);
-    EXPECT_EQ(window->undo.Col, 50);
-    EXPECT_EQ(window->undo.ColSel, 60);
+    EXPECT_EQ(window->undo.score.first_shown, 45);
+    EXPECT_EQ(window->undo.score.strip_cursor, 5);
+    EXPECT_EQ(window->undo.view.LeftCol, 45);
+    EXPECT_EQ(window->undo.view.Col, 50);
+    EXPECT_EQ(window->undo.view.ColSel, 60);
 }
 
 TEST(Undo, BringsScoreAndViewBack) {
@@ -571,17 +568,17 @@ TEST(Undo, BringsScoreAndViewBack) {
     const auto sound = window->score.sound;
     mnuDelete_Click(*window);
     MoveCursor(*window, 2);
-    ASSERT_EQ(window->grdScore.LeftCol, 2);
+    ASSERT_EQ(window->grdScore.view.LeftCol, 2);
     window->score.changed = false;
     SwapUndo(*window);
     EXPECT_TRUE(window->score.changed);
     EXPECT_EQ(window->score.sound, sound);
     EXPECT_EQ(window->score.end_count, 101);
-    EXPECT_EQ(window->grdScore.LeftCol, 31);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 31);
     EXPECT_EQ(window->score.first_shown, 31);
     EXPECT_EQ(window->score.strip_cursor, 19);
-    EXPECT_EQ(window->grdScore.Col, 50);
-    EXPECT_EQ(window->grdScore.ColSel, 60);
+    EXPECT_EQ(window->grdScore.view.Col, 50);
+    EXPECT_EQ(window->grdScore.view.ColSel, 60);
     ExpectWhole(*window);
 }
 
@@ -601,9 +598,9 @@ TEST(Undo, IsItsOwnInverse) {
     EXPECT_EQ(window->score.first_shown, score.first_shown);
     EXPECT_EQ(window->score.strip_cursor, score.strip_cursor);
     EXPECT_EQ(window->grdScore.Cols, grid.Cols);
-    EXPECT_EQ(window->grdScore.Col, grid.Col);
-    EXPECT_EQ(window->grdScore.ColSel, grid.ColSel);
-    EXPECT_EQ(window->grdScore.LeftCol, grid.LeftCol);
+    EXPECT_EQ(window->grdScore.view.Col, grid.view.Col);
+    EXPECT_EQ(window->grdScore.view.ColSel, grid.view.ColSel);
+    EXPECT_EQ(window->grdScore.view.LeftCol, grid.view.LeftCol);
     EXPECT_EQ(window->grdScore.Text, grid.Text);
     for (std::size_t i = 0; i < 30; ++i) {
         EXPECT_EQ(window->imgNote[i].Visible, images[i].Visible);
@@ -649,7 +646,7 @@ TEST(Undo, IsSavedBeforeAnyConditionByEveryEditCommand) {
         MoveCursor(*window, 508);
         window->undo = UndoCopy();
         command(*window);
-        EXPECT_EQ(window->undo.end_count, 509);
+        EXPECT_EQ(window->undo.score.end_count, 509);
     }
 }
 
@@ -661,7 +658,7 @@ TEST(Undo, OfTheEntryThatFilledTheScore) {
     ASSERT_EQ(window->score.end_count, 510);
     SwapUndo(*window);
     EXPECT_EQ(window->score.end_count, 509);
-    EXPECT_EQ(window->grdScore.Col, 508);
+    EXPECT_EQ(window->grdScore.view.Col, 508);
     ExpectWhole(*window);
     SwapUndo(*window);
     EXPECT_EQ(window->score.end_count, 510);

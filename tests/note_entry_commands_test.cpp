@@ -22,8 +22,8 @@ TEST(NoteEntry, WhiteKey0WithLength5OnAnEmptyScore) {
     EXPECT_EQ(SlotOf(*window, 0).position, 1920);
     EXPECT_EQ(window->score.end_count, 2);
     EXPECT_EQ(window->grdScore.Cols, 2);
-    EXPECT_EQ(window->grdScore.Col, 1);
-    EXPECT_EQ(window->grdScore.ColSel, 1);
+    EXPECT_EQ(window->grdScore.view.Col, 1);
+    EXPECT_EQ(window->grdScore.view.ColSel, 1);
     EXPECT_EQ(window->score.strip_cursor, 1);
     EXPECT_EQ(TextOf(*window, 0), L"c4");
     EXPECT_EQ(TextOf(*window, 1), L" - ");
@@ -49,7 +49,7 @@ TEST(NoteEntry, AKeyOnANoteChangesOnlyItsPitch) {
     kenWhite_Click(*window, 28);
     EXPECT_EQ(SlotOf(*window, 0), MakeNote(*window, 7, 75));
     EXPECT_EQ(window->score.end_count, 2);
-    EXPECT_EQ(window->grdScore.Col, 1);
+    EXPECT_EQ(window->grdScore.view.Col, 1);
     EXPECT_EQ(window->score.strip_cursor, 1);
 }
 
@@ -130,8 +130,8 @@ TEST(NoteEntry, KeysRestsAndLengthsOfNotesReplaceTheUndoCopy) {
         window->undo = UndoCopy();
         entries[i](*window);
         EXPECT_NE(window->score.sound, before) << i;
-        EXPECT_EQ(window->undo.sound, before) << i;
-        EXPECT_EQ(window->undo.Col, 2) << i;
+        EXPECT_EQ(window->undo.score.sound, before) << i;
+        EXPECT_EQ(window->undo.view.Col, 2) << i;
     }
 }
 
@@ -140,9 +140,9 @@ TEST(NoteEntry, AKeyOnARangeReplacesTheUndoCopyAllTheSame) {
     FillScore(*window, 5);
     Select(*window, 1, 2);
     kenWhite_Click(*window, 3);
-    EXPECT_EQ(window->undo.end_count, 6);
-    EXPECT_EQ(window->undo.Col, 1);
-    EXPECT_EQ(window->undo.ColSel, 2);
+    EXPECT_EQ(window->undo.score.end_count, 6);
+    EXPECT_EQ(window->undo.view.Col, 1);
+    EXPECT_EQ(window->undo.view.ColSel, 2);
 }
 
 // --- Length buttons
@@ -153,7 +153,7 @@ TEST(NoteEntry, ALengthButtonOnANoteChangesItsLengthAndMovesOn) {
     cbtNote_Click(*window, 14);
     EXPECT_EQ(SlotOf(*window, 0), MakeNote(*window, 14, 28));
     EXPECT_EQ(ImageOf(*window, 0).Picture, 14);
-    EXPECT_EQ(window->grdScore.Col, 1);
+    EXPECT_EQ(window->grdScore.view.Col, 1);
     EXPECT_EQ(window->score.strip_cursor, 1);
     EXPECT_EQ(window->current_length, 11) << "the current length is not changed";
     EXPECT_EQ(window->imgNow.Picture, 11);
@@ -166,8 +166,8 @@ TEST(NoteEntry, ALengthButtonOnTheLastNoteMovesToTheEndColumn) {
     FillScore(*window, 30);
     MoveCursor(*window, 29);
     cbtNote_Click(*window, 1);
-    EXPECT_EQ(window->grdScore.Col, 30);
-    EXPECT_EQ(window->grdScore.LeftCol, 1) << "kept in view";
+    EXPECT_EQ(window->grdScore.view.Col, 30);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 1) << "kept in view";
     EXPECT_EQ(window->score.first_shown, 1);
     EXPECT_EQ(window->score.strip_cursor, 29);
 }
@@ -178,7 +178,7 @@ TEST(NoteEntry, ALengthButtonInColumn508OfAFullScoreStaysThere) {
     MoveCursor(*window, 508);
     cbtNote_Click(*window, 2);
     EXPECT_EQ(SlotOf(*window, 508).code, 2);
-    EXPECT_EQ(window->grdScore.Col, 508);
+    EXPECT_EQ(window->grdScore.view.Col, 508);
     EXPECT_EQ(window->score.strip_cursor, 29);
 }
 
@@ -188,8 +188,8 @@ TEST(NoteEntry, ALengthButtonOnANoteOutOfViewBringsTheCursorIntoView) {
     grdScore_Scroll(*window, 50);
     cbtNote_Click(*window, 2);
     EXPECT_EQ(SlotOf(*window, 0).code, 2);
-    EXPECT_EQ(window->grdScore.Col, 1);
-    EXPECT_EQ(window->grdScore.LeftCol, 1);
+    EXPECT_EQ(window->grdScore.view.Col, 1);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 1);
     EXPECT_EQ(window->score.first_shown, 1);
     EXPECT_EQ(window->score.strip_cursor, 0);
 }
@@ -201,14 +201,14 @@ TEST(NoteEntry, ALengthButtonElsewhereChoosesTheLengthAndSetsTheChangedFlag) {
         MoveCursor(*window, column);
         window->score.changed = false;
         const auto sound = window->score.sound;
-        const int undo_end_count = window->undo.end_count;
+        const int undo_end_count = window->undo.score.end_count;
         cbtNote_Click(*window, 4 + column);
         EXPECT_EQ(window->current_length, 4 + column);
         EXPECT_EQ(window->imgNow.Picture, 4 + column);
         EXPECT_EQ(window->score.sound, sound);
-        EXPECT_EQ(window->grdScore.Col, column);
+        EXPECT_EQ(window->grdScore.view.Col, column);
         EXPECT_TRUE(window->score.changed) << "though the score is untouched";
-        EXPECT_EQ(window->undo.end_count, undo_end_count);
+        EXPECT_EQ(window->undo.score.end_count, undo_end_count);
     }
 }
 
@@ -224,8 +224,8 @@ TEST(NoteEntry, AppendingScrollsTheStripFromTheThirtyFirstColumnOn) {
     EXPECT_EQ(window->score.end_count, 31);
     EXPECT_EQ(window->score.strip_cursor, 29);
     EXPECT_EQ(window->score.first_shown, 1);
-    EXPECT_EQ(window->grdScore.LeftCol, 1) << "31 columns less 30";
-    EXPECT_EQ(window->grdScore.Col, 30);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 1) << "31 columns less 30";
+    EXPECT_EQ(window->grdScore.view.Col, 30);
     EXPECT_TRUE(ImageOf(*window, 28).Visible);
     EXPECT_FALSE(ImageOf(*window, 29).Visible);
 }
@@ -237,7 +237,7 @@ TEST(NoteEntry, The509thEntryFillsTheScore) {
     kenWhite_Click(*window, 0);
     EXPECT_EQ(window->score.end_count, 510);
     EXPECT_EQ(window->grdScore.Cols, 509) << "no column is added";
-    EXPECT_EQ(window->grdScore.Col, 508) << "the cursor stays on the last entry";
+    EXPECT_EQ(window->grdScore.view.Col, 508) << "the cursor stays on the last entry";
     EXPECT_EQ(window->score.strip_cursor, 29);
     EXPECT_EQ(SlotOf(*window, 508), MakeNote(*window, 11, kC4));
     EXPECT_EQ(SlotOf(*window, 509), Entry());
@@ -254,19 +254,19 @@ TEST(NoteEntry, InAFullScoreColumn508IsRewrittenAndTheCursorStays) {
     kenWhite_Click(*window, 28);
     EXPECT_EQ(SlotOf(*window, 508).pitch, 75);
     EXPECT_EQ(window->score.end_count, 510);
-    EXPECT_EQ(window->grdScore.Col, 508);
+    EXPECT_EQ(window->grdScore.view.Col, 508);
 }
 
 TEST(NoteEntry, TheEndColumnOfAFullScoreIsWrittenButDoesNotGrow) {
     auto window = SetUpWindow();
     FillScore(*window, 509);
-    window->grdScore.Col = window->grdScore.ColSel = 509; // no event leads there
+    window->grdScore.view.Col = window->grdScore.view.ColSel = 509; // no event leads there
     EnterAtCursor(*window, 5, kC4);
     EXPECT_EQ(SlotOf(*window, 509), MakeNote(*window, 5, kC4));
     EXPECT_EQ(SlotOf(*window, 510), Entry());
     EXPECT_EQ(window->score.end_count, 510);
     EXPECT_EQ(window->grdScore.Cols, 509);
-    EXPECT_EQ(window->grdScore.Col, 509) << "there is no column to step to";
+    EXPECT_EQ(window->grdScore.view.Col, 509) << "there is no column to step to";
 }
 
 TEST(NoteEntry, EnteringWhereTheViewIsNotBringsItThere) {
@@ -276,7 +276,7 @@ TEST(NoteEntry, EnteringWhereTheViewIsNotBringsItThere) {
     grdScore_Scroll(*window, 10);
     kenWhite_Click(*window, 0);
     EXPECT_EQ(window->score.first_shown, 62) << "first shown 61 for column 90, one more for the cursor in 91";
-    EXPECT_EQ(window->grdScore.LeftCol, 62);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 62);
     EXPECT_EQ(window->score.strip_cursor, 29);
 
     MoveCursor(*window, 5);
@@ -284,7 +284,7 @@ TEST(NoteEntry, EnteringWhereTheViewIsNotBringsItThere) {
     kenWhite_Click(*window, 0);
     EXPECT_EQ(window->score.first_shown, 5);
     EXPECT_EQ(window->score.strip_cursor, 1);
-    EXPECT_EQ(window->grdScore.Col, 6);
+    EXPECT_EQ(window->grdScore.view.Col, 6);
 }
 
 // --- Typed characters
@@ -297,7 +297,7 @@ TEST(TypedCharacter, PlusAndMinusMoveANoteByAHalfToneAndWalkOn) {
     grdScore_KeyPress(*window, L'-');
     EXPECT_EQ(SlotOf(*window, 0), MakeNote(*window, 7, 51)) << "the note keeps its length";
     EXPECT_EQ(SlotOf(*window, 1), MakeNote(*window, 8, 49));
-    EXPECT_EQ(window->grdScore.Col, 2);
+    EXPECT_EQ(window->grdScore.view.Col, 2);
     EXPECT_TRUE(window->score.changed);
 }
 
@@ -314,7 +314,7 @@ TEST(TypedCharacter, ResultsStayOnThePiano) {
         grdScore_KeyPress(*window, character);
         EXPECT_EQ(SlotOf(*window, 0).pitch, after);
         EXPECT_EQ(window->score.changed, before != after);
-        EXPECT_EQ(window->grdScore.Col, before != after ? 1 : 0);
+        EXPECT_EQ(window->grdScore.view.Col, before != after ? 1 : 0);
     }
 }
 
@@ -327,7 +327,7 @@ TEST(TypedCharacter, OnARestOrSeparatorOrTheEndNothingChanges) {
         grdScore_KeyPress(*window, L'+');
         grdScore_KeyPress(*window, L'-');
         EXPECT_EQ(window->score.sound, sound);
-        EXPECT_EQ(window->grdScore.Col, column);
+        EXPECT_EQ(window->grdScore.view.Col, column);
     }
 }
 
@@ -339,7 +339,7 @@ TEST(TypedCharacter, AnyCharacterOnANoteOrRestReplacesTheUndoCopy) {
         MoveCursor(*window, column);
         window->undo = UndoCopy();
         grdScore_KeyPress(*window, L'x');
-        EXPECT_EQ(window->undo.end_count == 4, expected[column]) << column;
+        EXPECT_EQ(window->undo.score.end_count == 4, expected[column]) << column;
     }
 }
 
@@ -350,7 +350,7 @@ TEST(TypedCharacter, OnARangeOnlyTheUndoCopyIsReplaced) {
     Select(*window, 0, 1);
     grdScore_KeyPress(*window, L'+');
     EXPECT_EQ(window->score.sound, sound);
-    EXPECT_EQ(window->undo.end_count, 3);
+    EXPECT_EQ(window->undo.score.end_count, 3);
 }
 
 // --- Mouse, scrolling, strip
@@ -359,19 +359,19 @@ TEST(GridEvents, TheCursorStaysInsideTheColumns) {
     auto window = SetUpWindow();
     FillScore(*window, 10);
     Select(*window, -3, 999);
-    EXPECT_EQ(window->grdScore.Col, 0);
-    EXPECT_EQ(window->grdScore.ColSel, 10);
+    EXPECT_EQ(window->grdScore.view.Col, 0);
+    EXPECT_EQ(window->grdScore.view.ColSel, 10);
     Select(*window, 999, -3);
-    EXPECT_EQ(window->grdScore.Col, 10);
-    EXPECT_EQ(window->grdScore.ColSel, 0);
+    EXPECT_EQ(window->grdScore.view.Col, 10);
+    EXPECT_EQ(window->grdScore.view.ColSel, 0);
 }
 
 TEST(GridEvents, TheCursorOfAFullScoreEndsAtColumn508) {
     auto window = SetUpWindow();
     FillScore(*window, 509);
     MoveCursor(*window, 509);
-    EXPECT_EQ(window->grdScore.Col, 508);
-    EXPECT_EQ(window->grdScore.LeftCol, 479);
+    EXPECT_EQ(window->grdScore.view.Col, 508);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 479);
 }
 
 TEST(GridEvents, TheViewFollowsTheEndThatMoves) {
@@ -379,12 +379,12 @@ TEST(GridEvents, TheViewFollowsTheEndThatMoves) {
     FillScore(*window, 100);
     MoveCursor(*window, 20);
     Select(*window, 20, 60);
-    EXPECT_EQ(window->grdScore.LeftCol, 31);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 31);
     EXPECT_EQ(window->score.first_shown, 31);
     EXPECT_GE(window->score.strip_cursor, 0);
     Select(*window, 20, 25);
-    EXPECT_EQ(window->grdScore.LeftCol, 25);
-    EXPECT_EQ(window->grdScore.Col, 20) << "the anchor stays";
+    EXPECT_EQ(window->grdScore.view.LeftCol, 25);
+    EXPECT_EQ(window->grdScore.view.Col, 20) << "the anchor stays";
 }
 
 TEST(GridEvents, TheStripCursorFollowsTheCursor) {
@@ -407,21 +407,21 @@ TEST(GridEvents, ScrollingMovesTheStripAndNotTheCursor) {
     grdScore_Scroll(*window, 15);
     EXPECT_EQ(window->score.first_shown, 15);
     EXPECT_EQ(window->score.strip_cursor, 5);
-    EXPECT_EQ(window->grdScore.Col, 20);
+    EXPECT_EQ(window->grdScore.view.Col, 20);
     grdScore_Scroll(*window, 60);
     EXPECT_EQ(window->score.first_shown, 60);
     EXPECT_EQ(window->score.strip_cursor, 5) << "out of view it stays";
     grdScore_Scroll(*window, 1000);
-    EXPECT_EQ(window->grdScore.LeftCol, 71) << "101 columns, 30 of them shown";
+    EXPECT_EQ(window->grdScore.view.LeftCol, 71) << "101 columns, 30 of them shown";
     grdScore_Scroll(*window, -4);
-    EXPECT_EQ(window->grdScore.LeftCol, 0);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 0);
 }
 
 TEST(GridEvents, AShortScoreDoesNotScroll) {
     auto window = SetUpWindow();
     FillScore(*window, 10);
     grdScore_Scroll(*window, 5);
-    EXPECT_EQ(window->grdScore.LeftCol, 0);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 0);
     EXPECT_EQ(window->score.first_shown, 0);
 }
 
@@ -431,8 +431,8 @@ TEST(StripEvents, AClickOnAPictureMovesTheCursorThere) {
     Select(*window, 3, 7);
     grdScore_Scroll(*window, 40);
     imgNote_Click(*window, 12);
-    EXPECT_EQ(window->grdScore.Col, 52);
-    EXPECT_EQ(window->grdScore.ColSel, 52);
+    EXPECT_EQ(window->grdScore.view.Col, 52);
+    EXPECT_EQ(window->grdScore.view.ColSel, 52);
     EXPECT_EQ(window->score.strip_cursor, 12);
     EXPECT_EQ(window->highlighted_button, 1 + 52 % 20);
 }
@@ -441,9 +441,9 @@ TEST(StripEvents, AClickBehindTheEndDoesNothing) {
     auto window = SetUpWindow();
     FillScore(*window, 3);
     imgNote_Click(*window, 4);
-    EXPECT_EQ(window->grdScore.Col, 0);
+    EXPECT_EQ(window->grdScore.view.Col, 0);
     imgNote_Click(*window, 3);
-    EXPECT_EQ(window->grdScore.Col, 3) << "the end column";
+    EXPECT_EQ(window->grdScore.view.Col, 3) << "the end column";
 }
 
 } // namespace

@@ -56,8 +56,8 @@ struct Preview : testing::Test {
     }
 
     void Select(int col, int col_sel) {
-        window.grdScore.Col = col;
-        window.grdScore.ColSel = col_sel;
+        window.grdScore.view.Col = col;
+        window.grdScore.view.ColSel = col_sel;
     }
 
     std::vector<FileEntry> List() const {

@@ -298,7 +298,7 @@ void Run(Editor& editor, const Command& command) {
     sndmain& window = *editor.window;
     Model& model = editor.model;
     const std::uint32_t a = command.a;
-    model.view = {window.grdScore.LeftCol, window.score.first_shown, window.score.strip_cursor};
+    model.view = {window.grdScore.view.LeftCol, window.score.first_shown, window.score.strip_cursor};
     model.in_view.reset();
     model.view_restored.reset();
     switch (command.kind) {
@@ -432,13 +432,14 @@ const char* CheckScore(const sndmain& window, const Model& model) {
 const char* CheckUndo(const sndmain& window, const Model& model) {
     const UndoCopy& undo = window.undo;
     const Model::Copy& expected = model.undo;
-    if (undo.end_count != static_cast<int>(expected.entries.size()) + 1) return "the undo copy's end count";
-    if (!SameTable(undo.sound, expected.entries)) return "the undo copy's score";
+    if (undo.score.end_count != static_cast<int>(expected.entries.size()) + 1)
+        return "the undo copy's end count";
+    if (!SameTable(undo.score.sound, expected.entries)) return "the undo copy's score";
     if (undo.current_length != expected.length) return "the undo copy's length";
-    if (undo.Col != expected.col || undo.ColSel != expected.far) return "the undo copy's selection";
-    if (undo.LeftCol != expected.view.left || undo.first_shown != expected.view.first)
+    if (undo.view.Col != expected.col || undo.view.ColSel != expected.far) return "the undo copy's selection";
+    if (undo.view.LeftCol != expected.view.left || undo.score.first_shown != expected.view.first)
         return "the undo copy's view";
-    if (undo.strip_cursor != expected.view.strip) return "the undo copy's strip cursor";
+    if (undo.score.strip_cursor != expected.view.strip) return "the undo copy's strip cursor";
     if (window.clipboard.columns != model.clipboard) return "the clipboard is another";
     if (window.clipboard.filled != model.filled) return "the clipboard's flag is another";
     return nullptr;
@@ -447,8 +448,9 @@ const char* CheckUndo(const sndmain& window, const Model& model) {
 const char* CheckGrid(const sndmain& window, const Model& model) {
     const ScoreGrid& grid = window.grdScore;
     if (grid.Cols != model.Cols()) return "the column count";
-    if (grid.Col != model.col || grid.ColSel != model.far) return "cursor or selection";
-    if (grid.LeftCol < 0 || grid.LeftCol > std::max(0, model.Cols() - 30)) return "the first visible column";
+    if (grid.view.Col != model.col || grid.view.ColSel != model.far) return "cursor or selection";
+    if (grid.view.LeftCol < 0 || grid.view.LeftCol > std::max(0, model.Cols() - 30))
+        return "the first visible column";
     if (!grid.Redraw) return "the grid is not redrawn";
     for (int column = 0; column < grid.Cols; ++column) {
         const auto at = static_cast<std::size_t>(column);
@@ -460,7 +462,7 @@ const char* CheckGrid(const sndmain& window, const Model& model) {
 
 const char* CheckView(const sndmain& window, const Model& model) {
     const Score& score = window.score;
-    const int left = window.grdScore.LeftCol;
+    const int left = window.grdScore.view.LeftCol;
     if (score.first_shown != left) return "grid and strip show different columns";
     if (score.strip_cursor < 0 || score.strip_cursor > 29) return "the strip cursor is outside the strip";
     const int place = model.col - score.first_shown;

@@ -171,9 +171,9 @@ void RedrawGrid(sndmain& window) {
         if (exists) SetCellText(window, column, window.score.sound[At(column)].pitch);
         if (!exists) grid.Text[At(column)] = CellText();
     }
-    grid.Col = std::clamp(grid.Col, 0, grid.Cols - 1);
-    grid.ColSel = std::clamp(grid.ColSel, 0, grid.Cols - 1);
-    grid.LeftCol = std::clamp(grid.LeftCol, 0, LastLeftCol(grid));
+    grid.view.Col = std::clamp(grid.view.Col, 0, grid.Cols - 1);
+    grid.view.ColSel = std::clamp(grid.view.ColSel, 0, grid.Cols - 1);
+    grid.view.LeftCol = std::clamp(grid.view.LeftCol, 0, LastLeftCol(grid));
     grid.Redraw = true;
 }
 
@@ -193,7 +193,7 @@ void ScrollStrip(sndmain& window, int first) {
     assert(first >= 0);
     auto& pictures = window.imgNote;
     const int by = first - window.score.first_shown;
-    window.grdScore.LeftCol = first;
+    window.grdScore.view.LeftCol = first;
     if (by == 0) return;
     if (by > 0) {
         const int kept = std::max(kStripPictures - by, 0);
@@ -218,9 +218,9 @@ void DrawStripImage(sndmain& window, int image, int slot) {
 void ShowPressedKey(sndmain& window) {
     ClearHighlight(window);
     const ScoreGrid& grid = window.grdScore;
-    if (RangeSelected(grid)) return;
-    if (grid.Col == EndColumn(window.score) && window.score.end_count < kMaxEndCount) return;
-    const Entry& entry = window.score.sound[At(grid.Col)];
+    if (RangeSelected(grid.view)) return;
+    if (grid.view.Col == EndColumn(window.score) && window.score.end_count < kMaxEndCount) return;
+    const Entry& entry = window.score.sound[At(grid.view.Col)];
     if (!IsNote(entry.code) && !IsRest(entry.code)) return;
 
     const int slot = entry.code - 1;
@@ -231,12 +231,12 @@ void ShowPressedKey(sndmain& window) {
 }
 
 void UpdateStripCursor(sndmain& window) {
-    const int place = window.grdScore.Col - window.score.first_shown;
+    const int place = window.grdScore.view.Col - window.score.first_shown;
     window.score.strip_cursor = static_cast<std::int16_t>(std::clamp(place, 0, kStripPictures - 1));
 }
 
 void KeepColumnInView(sndmain& window, int column) {
-    int left = window.grdScore.LeftCol;
+    int left = window.grdScore.view.LeftCol;
     if (column < left) left = column;
     if (column >= left + kGridColumnsShown) left = column - kGridColumnsShown + 1;
     ScrollStrip(window, left);

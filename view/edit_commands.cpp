@@ -16,17 +16,9 @@ namespace {
 constexpr int kInsertLimit = 509;
 constexpr int kPasteLimit = 510;
 
-struct Range {
-    int lo, hi; ///< columns, both included
-};
-
-Range SelectedRange(const ScoreGrid& grid) {
-    return {std::min(grid.Col, grid.ColSel), std::max(grid.Col, grid.ColSel)};
-}
-
 // The selection without the end column; nothing when it holds no entry.
-std::optional<Range> SelectedEntries(const sndmain& window) {
-    Range range = SelectedRange(window.grdScore);
+std::optional<ColumnRange> SelectedEntries(const sndmain& window) {
+    ColumnRange range = SelectedColumns(window.grdScore.view);
     const int end = EndColumn(window.score);
     if (range.lo >= end) return std::nullopt;
     range.hi = std::min(range.hi, end - 1);
@@ -43,9 +35,9 @@ void MoveRight(sndmain& window, int column, int count) {
 
 void PutCursor(sndmain& window, int column) {
     ScoreGrid& grid = window.grdScore;
-    grid.Col = std::clamp(column, 0, grid.Cols - 1);
-    grid.ColSel = grid.Col;
-    KeepColumnInView(window, grid.Col);
+    grid.view.Col = std::clamp(column, 0, grid.Cols - 1);
+    grid.view.ColSel = grid.view.Col;
+    KeepColumnInView(window, grid.view.Col);
 }
 
 void FinishEdit(sndmain& window) {
@@ -93,7 +85,7 @@ void Transpose(sndmain& window, Transposition transposition, int amount) {
         const Entry& entry = SlotAt(window, slot);
         if (IsNote(entry.code)) SetCellText(window, slot, entry.pitch);
     }
-    DrawStrip(window, window.grdScore.LeftCol);
+    DrawStrip(window, window.grdScore.view.LeftCol);
     window.grdScore.Redraw = true;
     FinishEdit(window);
 }
@@ -101,30 +93,17 @@ void Transpose(sndmain& window, Transposition transposition, int amount) {
 } // namespace
 
 void SaveUndo(sndmain& window) {
-    UndoCopy& undo = window.undo;
-    undo.current_length = window.current_length;
-    undo.end_count = window.score.end_count;
-    undo.sound = window.score.sound;
-    undo.first_shown = window.score.first_shown;
-    undo.strip_cursor = window.score.strip_cursor;
-    undo.LeftCol = static_cast<std::int16_t>(window.grdScore.LeftCol);
-    undo.Col = static_cast<std::int16_t>(window.grdScore.Col);
-    undo.ColSel = static_cast<std::int16_t>(window.grdScore.ColSel);
+    window.undo = {window.score, window.current_length, window.grdScore.view};
 }
 
 void SwapUndo(sndmain& window) {
     const UndoCopy before = window.undo;
     SaveUndo(window);
+    window.score = before.score;
     window.current_length = before.current_length;
     window.imgNow.Picture = before.current_length;
-    window.score.end_count = before.end_count;
-    window.score.sound = before.sound;
-    window.score.first_shown = before.first_shown;
-    window.score.strip_cursor = before.strip_cursor;
     RedrawGrid(window);
-    window.grdScore.LeftCol = before.LeftCol;
-    window.grdScore.Col = before.Col;
-    window.grdScore.ColSel = before.ColSel;
+    window.grdScore.view = before.view;
     DrawStrip(window, window.score.first_shown);
     FinishEdit(window);
 }
@@ -146,7 +125,7 @@ void mnuCut_Click(sndmain& window) {
 void mnuDelete_Click(sndmain& window) {
     SaveUndo(window);
     Score& score = window.score;
-    Range range = SelectedRange(window.grdScore);
+    ColumnRange range = SelectedColumns(window.grdScore.view);
     // With 508 entries counted and one more in the last column the selection stands as it is: the column that
     // would be the end column holds an entry. Kept as it is.
     const bool last_column_filled =
@@ -168,7 +147,7 @@ void mnuDelete_Click(sndmain& window) {
 
     RedrawGrid(window);
     PutCursor(window, range.lo);
-    DrawStrip(window, window.grdScore.LeftCol);
+    DrawStrip(window, window.grdScore.view.LeftCol);
     FinishEdit(window);
 }
 
@@ -176,7 +155,7 @@ void mnuInsert_Click(sndmain& window) {
     SaveUndo(window);
     Score& score = window.score;
     ScoreGrid& grid = window.grdScore;
-    Range range = SelectedRange(grid);
+    ColumnRange range = SelectedColumns(grid.view);
     int count = range.hi - range.lo + 1;
     if (score.end_count + count > kInsertLimit) {
         count = kInsertLimit - score.end_count;
@@ -189,9 +168,9 @@ void mnuInsert_Click(sndmain& window) {
     std::fill_n(score.sound.begin() + range.lo, count, blank);
     score.end_count = static_cast<std::int16_t>(score.end_count + count);
     // The selection lies on the blanks, its ends the way round that they were.
-    const bool backwards = grid.ColSel < grid.Col;
-    grid.Col = backwards ? range.hi : range.lo;
-    grid.ColSel = backwards ? range.lo : range.hi;
+    const bool backwards = grid.view.ColSel < grid.view.Col;
+    grid.view.Col = backwards ? range.hi : range.lo;
+    grid.view.ColSel = backwards ? range.lo : range.hi;
     RedrawGrid(window);
     DrawStrip(window, score.first_shown);
     UpdateStripCursor(window);
@@ -202,7 +181,7 @@ void mnuPaste_Click(sndmain& window) {
     SaveUndo(window);
     Score& score = window.score;
     const auto& columns = window.clipboard.columns;
-    const int position = SelectedRange(window.grdScore).lo;
+    const int position = SelectedColumns(window.grdScore.view).lo;
     int count = static_cast<int>(columns.size());
     if (score.end_count + count > kPasteLimit) count = kPasteLimit - score.end_count;
     if (count <= 0) return;
@@ -212,7 +191,7 @@ void mnuPaste_Click(sndmain& window) {
     score.end_count = static_cast<std::int16_t>(score.end_count + count);
     RedrawGrid(window);
     PutCursor(window, position + count);
-    DrawStrip(window, window.grdScore.LeftCol);
+    DrawStrip(window, window.grdScore.view.LeftCol);
     FinishEdit(window);
 }
 

@@ -18,8 +18,8 @@ constexpr std::int16_t kHighestRaised = 74; ///< "+" leaves notes above it alone
 constexpr std::int16_t kLowestLowered = 28; ///< "-" leaves notes below it alone
 
 void MoveTo(sndmain& window, int column) {
-    window.grdScore.Col = column;
-    window.grdScore.ColSel = column;
+    window.grdScore.view.Col = column;
+    window.grdScore.view.ColSel = column;
 }
 
 // A rest that is entered, and everything that is not a note, takes the code; a note keeps its length. The
@@ -46,7 +46,7 @@ void AppendColumn(sndmain& window) {
         } else {
             ScrollStrip(window, score.first_shown + 1);
         }
-        if (grid.Cols > kGridColumnsShown) grid.LeftCol = grid.Cols - kGridColumnsShown;
+        if (grid.Cols > kGridColumnsShown) grid.view.LeftCol = grid.Cols - kGridColumnsShown;
     }
     grid.Redraw = true;
 }
@@ -72,7 +72,7 @@ void ChangeLength(sndmain& window, int column, std::uint16_t code) {
     const int image = column - window.score.first_shown;
     if (image >= 0 && image < kStripPictures) DrawStripImage(window, image, column);
     if (column != kLastColumn) MoveTo(window, column + 1);
-    KeepColumnInView(window, window.grdScore.Col);
+    KeepColumnInView(window, window.grdScore.view.Col);
     window.score.changed = true;
     ShowPressedKey(window);
 }
@@ -90,8 +90,8 @@ void ChooseLength(sndmain& window, std::int16_t code) {
 void EnterAtCursor(sndmain& window, int code, std::uint16_t pitch) {
     const ScoreGrid& grid = window.grdScore;
     Score& score = window.score;
-    if (RangeSelected(grid)) return;
-    const int column = grid.Col;
+    if (RangeSelected(grid.view)) return;
+    const int column = grid.view.Col;
     assert(column >= 0 && column < kUsableSlots);
     if (code > 100) code -= 80;
 
@@ -128,14 +128,14 @@ void kenBlack_Click(sndmain& window, int index) {
 
 void cbtNote_Click(sndmain& window, int index) {
     assert((index >= 1 && index <= 20) || (index >= 101 && index <= 120));
-    if (RangeSelected(window.grdScore)) return;
+    if (RangeSelected(window.grdScore.view)) return;
     if (index > 100) {
         SaveUndo(window);
         EnterAtCursor(window, index - 80, kEmpty);
         RefreshEnabling(window);
         return;
     }
-    const int column = window.grdScore.Col;
+    const int column = window.grdScore.view.Col;
     if (IsNote(SlotAt(window, column).code)) {
         ChangeLength(window, column, static_cast<std::uint16_t>(index));
     } else {
@@ -144,10 +144,10 @@ void cbtNote_Click(sndmain& window, int index) {
 }
 
 void grdScore_KeyPress(sndmain& window, wchar_t character) {
-    const Entry entry = SlotAt(window, window.grdScore.Col);
+    const Entry entry = SlotAt(window, window.grdScore.view.Col);
     if (!IsSounding(entry.code)) return;
     SaveUndo(window); // whatever the character; kept as it is
-    if (RangeSelected(window.grdScore) || !IsNote(entry.code)) return;
+    if (RangeSelected(window.grdScore.view) || !IsNote(entry.code)) return;
 
     // Narrower than the transpositions of the Edit menu, which have no bounds: what "+" and "-" reach stays
     // on the piano.
@@ -162,11 +162,11 @@ void grdScore_KeyPress(sndmain& window, wchar_t character) {
 
 void grdScore_SelChange(sndmain& window, int column, int far_end) {
     ScoreGrid& grid = window.grdScore;
-    const int far_before = grid.ColSel;
-    grid.Col = std::clamp(column, 0, grid.Cols - 1);
-    grid.ColSel = std::clamp(far_end, 0, grid.Cols - 1);
+    const int far_before = grid.view.ColSel;
+    grid.view.Col = std::clamp(column, 0, grid.Cols - 1);
+    grid.view.ColSel = std::clamp(far_end, 0, grid.Cols - 1);
     // The view follows the end of the selection that moved.
-    KeepColumnInView(window, grid.ColSel != far_before ? grid.ColSel : grid.Col);
+    KeepColumnInView(window, grid.view.ColSel != far_before ? grid.view.ColSel : grid.view.Col);
     ShowPressedKey(window);
 }
 
@@ -177,7 +177,7 @@ void grdScore_MouseUp(sndmain& window) {
 void grdScore_Scroll(sndmain& window, int left_col) {
     ScoreGrid& grid = window.grdScore;
     ScrollStrip(window, std::clamp(left_col, 0, LastLeftCol(grid)));
-    const int place = grid.Col - window.score.first_shown;
+    const int place = grid.view.Col - window.score.first_shown;
     if (place >= 0 && place < kStripPictures) window.score.strip_cursor = static_cast<std::int16_t>(place);
 }
 

@@ -28,7 +28,7 @@ const ScoreGrid& Grid(const Panel& panel) {
 }
 
 int Count(const Panel& panel) {
-    return std::min(kGridColumnsShown, std::max(0, Grid(panel).Cols - Grid(panel).LeftCol));
+    return std::min(kGridColumnsShown, std::max(0, Grid(panel).Cols - Grid(panel).view.LeftCol));
 }
 
 RECT ItemArea(const Panel& panel, int item) {
@@ -44,19 +44,14 @@ RECT ItemArea(const Panel& panel, int item) {
 
 std::wstring ItemName(const Panel& panel, int item) {
     const sndmain& w = Record(panel);
-    const int slot = w.grdScore.LeftCol + item;
+    const int slot = w.grdScore.view.LeftCol + item;
     if (slot >= kSlots) return {};
     const Entry& entry = w.score.sound[static_cast<std::size_t>(slot)];
     return EntryNameOf(entry.code, entry.pitch, w.doremi);
 }
 
-bool Selected(const ScoreGrid& grid, int column) {
-    const auto [low, high] = std::minmax(grid.Col, grid.ColSel);
-    return column >= low && column <= high;
-}
-
 bool ItemChosen(const Panel& panel, int item) {
-    return Selected(Grid(panel), Grid(panel).LeftCol + item);
+    return IsSelected(Grid(panel).view, Grid(panel).view.LeftCol + item);
 }
 
 int ItemAt(const Panel& panel, POINT point) {
@@ -68,7 +63,7 @@ int ItemAt(const Panel& panel, POINT point) {
 }
 
 void Press(Panel& panel, int item) {
-    const int column = Grid(panel).LeftCol + item;
+    const int column = Grid(panel).view.LeftCol + item;
     grdScore_SelChange(panel.main->record, column, column);
 }
 
@@ -77,7 +72,7 @@ void Press(Panel& panel, int item) {
 void Select(Panel& panel, int column, int far_end) {
     grdScore_SelChange(panel.main->record, column, far_end);
     ShowDifferences(*panel.main);
-    panel.focus_item = Grid(panel).ColSel - Grid(panel).LeftCol;
+    panel.focus_item = Grid(panel).view.ColSel - Grid(panel).view.LeftCol;
     if (panel.focused) NotifyWinEvent(EVENT_OBJECT_FOCUS, panel.window, OBJID_CLIENT, panel.focus_item + 1);
 }
 
@@ -92,7 +87,7 @@ void Scroll(Panel& panel, int code) {
     info.cbSize = sizeof info;
     info.fMask = SIF_TRACKPOS;
     GetScrollInfo(panel.window, SB_HORZ, &info);
-    const int left = Grid(panel).LeftCol;
+    const int left = Grid(panel).view.LeftCol;
     switch (code) {
     case SB_LINELEFT: ScrollTo(panel, left - 1); break;
     case SB_LINERIGHT: ScrollTo(panel, left + 1); break;
@@ -111,14 +106,14 @@ void Wheel(Panel& panel, int delta) {
     panel.wheel += delta * 3;
     const int columns = panel.wheel / WHEEL_DELTA;
     panel.wheel -= columns * WHEEL_DELTA;
-    if (columns != 0) ScrollTo(panel, Grid(panel).LeftCol - columns);
+    if (columns != 0) ScrollTo(panel, Grid(panel).view.LeftCol - columns);
 }
 
 /// The column under a point, also left and right of the grid while a selection is dragged there.
 int ColumnAt(const Panel& panel, int x) {
     const RECT first = ItemArea(panel, 0);
     const int width = std::max<int>(1, static_cast<int>(first.right));
-    const int column = Grid(panel).LeftCol + (x < 0 ? -1 : x / width);
+    const int column = Grid(panel).view.LeftCol + (x < 0 ? -1 : x / width);
     return std::clamp(column, 0, std::max(0, Grid(panel).Cols - 1));
 }
 
@@ -128,12 +123,12 @@ void ButtonDown(Panel& panel, LPARAM lparam) {
     SetCapture(panel.window);
     SetTimer(panel.window, kDragTimer, kDragPeriod, nullptr);
     const bool extend = GetKeyState(VK_SHIFT) < 0;
-    Select(panel, extend ? Grid(panel).Col : column, column);
+    Select(panel, extend ? Grid(panel).view.Col : column, column);
 }
 
 void Drag(Panel& panel, int x) {
     const int column = ColumnAt(panel, x);
-    if (column != Grid(panel).ColSel) Select(panel, Grid(panel).Col, column);
+    if (column != Grid(panel).view.ColSel) Select(panel, Grid(panel).view.Col, column);
 }
 
 /// Beyond the edges the selection goes on column by column while the button is held.
@@ -144,8 +139,8 @@ void DragTimer(Panel& panel) {
     RECT client;
     GetClientRect(panel.window, &client);
     if (point.x >= 0 && point.x < client.right) return;
-    const int next = Grid(panel).ColSel + (point.x < 0 ? -1 : 1);
-    if (next >= 0 && next < Grid(panel).Cols) Select(panel, Grid(panel).Col, next);
+    const int next = Grid(panel).view.ColSel + (point.x < 0 ? -1 : 1);
+    if (next >= 0 && next < Grid(panel).Cols) Select(panel, Grid(panel).view.Col, next);
 }
 
 void ButtonUp(Panel& panel) {
@@ -158,10 +153,10 @@ void ButtonUp(Panel& panel) {
 /// Where a movement key leads from a column; -1 for other keys.
 int Destination(const ScoreGrid& grid, WPARAM key) {
     switch (key) {
-    case VK_LEFT: return grid.ColSel - 1;
-    case VK_RIGHT: return grid.ColSel + 1;
-    case VK_PRIOR: return grid.ColSel - kGridColumnsShown;
-    case VK_NEXT: return grid.ColSel + kGridColumnsShown;
+    case VK_LEFT: return grid.view.ColSel - 1;
+    case VK_RIGHT: return grid.view.ColSel + 1;
+    case VK_PRIOR: return grid.view.ColSel - kGridColumnsShown;
+    case VK_NEXT: return grid.view.ColSel + kGridColumnsShown;
     case VK_HOME: return 0;
     case VK_END: return grid.Cols - 1;
     default: return -kSlots;
@@ -173,7 +168,7 @@ bool KeyDown(Panel& panel, WPARAM key) {
     if (to == -kSlots) return key == VK_SPACE || key == VK_RETURN;
     const int column = std::clamp(to, 0, std::max(0, Grid(panel).Cols - 1));
     const bool extend = GetKeyState(VK_SHIFT) < 0;
-    Select(panel, extend ? Grid(panel).Col : column, column);
+    Select(panel, extend ? Grid(panel).view.Col : column, column);
     return true;
 }
 
@@ -203,7 +198,9 @@ bool Message(Panel& panel, UINT message, WPARAM wparam, LPARAM lparam, LRESULT&)
     case kMouseHWheel: Wheel(panel, -GET_WHEEL_DELTA_WPARAM(wparam)); return true;
     case WM_KEYDOWN: return KeyDown(panel, wparam);
     case WM_CHAR: Character(panel, static_cast<wchar_t>(wparam)); return true;
-    case WM_SETFOCUS: panel.focus_item = std::max(0, Grid(panel).ColSel - Grid(panel).LeftCol); return false;
+    case WM_SETFOCUS:
+        panel.focus_item = std::max(0, Grid(panel).view.ColSel - Grid(panel).view.LeftCol);
+        return false;
     default: return false;
     }
 }
@@ -213,16 +210,16 @@ bool Message(Panel& panel, UINT message, WPARAM wparam, LPARAM lparam, LRESULT&)
 void PaintCell(Panel& panel, int item) {
     const ScoreGrid& grid = Grid(panel);
     const Theme& theme = panel.main->theme;
-    const int column = grid.LeftCol + item;
+    const int column = grid.view.LeftCol + item;
     const RECT area = ItemArea(panel, item);
-    const bool chosen = Selected(grid, column);
+    const bool chosen = IsSelected(grid.view, column);
     FillArea(panel.canvas, area, chosen ? theme.colours.select : theme.colours.paper);
     FillArea(panel.canvas, {area.right - 1, area.top, area.right, area.bottom}, theme.colours.rule);
     const CellText& text = grid.Text[static_cast<std::size_t>(column)];
     const HFONT font = FontFor(text.View(), theme.fonts.cell, theme.fonts.cell_japanese);
     DrawCentred(panel.canvas, {area.left, area.top, area.right - 1, area.bottom}, text.View(), font,
                 chosen ? theme.colours.select_text : theme.colours.ink);
-    if (panel.focused && column == grid.ColSel) {
+    if (panel.focused && column == grid.view.ColSel) {
         RECT mark = {area.left, area.top, area.right - 1, area.bottom};
         InflateRect(&mark, -1, -1);
         DrawFocusMark(panel, mark, theme.colours.select_text);

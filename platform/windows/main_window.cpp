@@ -164,18 +164,15 @@ void ShowStrip(MainWindow& main) {
     const sndmain& w = main.record;
     Shown& shown = main.shown;
     Panel& panel = main.panel(PanelId::Staff);
-    const bool view_moved = w.score.first_shown != shown.first_shown || w.grdScore.Col != shown.Col ||
-                            w.grdScore.ColSel != shown.ColSel;
-    const auto selected = [](int slot, int a, int b) {
-        return slot >= std::min(a, b) && slot <= std::max(a, b);
-    };
+    const GridView& view = w.grdScore.view;
+    const bool view_moved = w.score.first_shown != shown.first_shown || view.Col != shown.view.Col ||
+                            view.ColSel != shown.view.ColSel;
     for (int i = 0; i < kStripPictures; ++i) {
         const auto at = static_cast<std::size_t>(i);
         const int old_slot = shown.first_shown + i, new_slot = w.score.first_shown + i;
         const bool picture = !(w.imgNote[at] == shown.imgNote[at]);
-        const bool cursor = (old_slot == shown.Col) != (new_slot == w.grdScore.Col);
-        const bool selection = view_moved && selected(old_slot, shown.Col, shown.ColSel) !=
-                                                 selected(new_slot, w.grdScore.Col, w.grdScore.ColSel);
+        const bool cursor = (old_slot == shown.view.Col) != (new_slot == view.Col);
+        const bool selection = view_moved && IsSelected(shown.view, old_slot) != IsSelected(view, new_slot);
         if (!picture && !cursor && !selection) continue;
         shown.imgNote[at] = w.imgNote[at];
         RECT area = panel.kind->item_area(panel, i);
@@ -188,9 +185,9 @@ void ShowScrollBar(MainWindow& main) {
     SCROLLINFO info{};
     info.cbSize = sizeof info;
     info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL;
-    info.nMax = std::max(grid.Cols, grid.LeftCol + kGridColumnsShown) - 1;
+    info.nMax = std::max(grid.Cols, grid.view.LeftCol + kGridColumnsShown) - 1;
     info.nPage = kGridColumnsShown;
-    info.nPos = grid.LeftCol;
+    info.nPos = grid.view.LeftCol;
     SetScrollInfo(main.panel(PanelId::Grid).window, SB_HORZ, &info, TRUE);
 }
 
@@ -198,17 +195,15 @@ void ShowGrid(MainWindow& main) {
     const ScoreGrid& grid = main.record.grdScore;
     Shown& shown = main.shown;
     Panel& panel = main.panel(PanelId::Grid);
-    const bool moved = grid.LeftCol != shown.LeftCol;
+    const bool moved = grid.view.LeftCol != shown.view.LeftCol;
     if (moved || grid.Cols != shown.Cols) ShowScrollBar(main);
-    const auto selected = [](int c, int a, int b) { return c >= std::min(a, b) && c <= std::max(a, b); };
     for (int i = 0; i < kGridColumnsShown; ++i) {
-        const int column = grid.LeftCol + i;
+        const int column = grid.view.LeftCol + i;
         const bool is = column < grid.Cols, was = column < shown.Cols;
         const auto at = static_cast<std::size_t>(std::min(column, kSlots - 1));
-        const bool changed =
-            moved || is != was || !(grid.Text[at] == shown.cells[at]) ||
-            selected(column, grid.Col, grid.ColSel) != selected(column, shown.Col, shown.ColSel) ||
-            (column == grid.ColSel) != (column == shown.ColSel);
+        const bool changed = moved || is != was || !(grid.Text[at] == shown.cells[at]) ||
+                             IsSelected(grid.view, column) != IsSelected(shown.view, column) ||
+                             (column == grid.view.ColSel) != (column == shown.view.ColSel);
         if (!changed) continue;
         shown.cells[at] = grid.Text[at];
         const RECT area = panel.kind->item_area(panel, i);
@@ -220,9 +215,7 @@ void ShowGrid(MainWindow& main) {
 void RememberView(MainWindow& main) {
     const ScoreGrid& grid = main.record.grdScore;
     main.shown.Cols = grid.Cols;
-    main.shown.Col = grid.Col;
-    main.shown.ColSel = grid.ColSel;
-    main.shown.LeftCol = grid.LeftCol;
+    main.shown.view = grid.view;
     main.shown.first_shown = main.record.score.first_shown;
 }
 

@@ -20,7 +20,8 @@ struct Shown {
     bool enabled = true;
     std::array<NoteImage, kStripPictures> imgNote{};
     std::array<CellText, kSlots> cells{};
-    int Cols = 0, Col = 0, ColSel = 0, LeftCol = 0, first_shown = 0;
+    int Cols = 0, first_shown = 0;
+    GridView view;
     bool doremi = false;
     std::array<std::int16_t, kLengthButtons> buttons{};
     std::int16_t current_picture = 0;

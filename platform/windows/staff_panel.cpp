@@ -61,13 +61,8 @@ std::wstring ItemName(const Panel& panel, int image) {
     return EntryNameOf(entry.code, entry.pitch, w.doremi);
 }
 
-bool Selected(const sndmain& w, int slot) {
-    const auto [low, high] = std::minmax(w.grdScore.Col, w.grdScore.ColSel);
-    return slot >= low && slot <= high;
-}
-
 bool ItemChosen(const Panel& panel, int image) {
-    return Selected(Record(panel), Record(panel).score.first_shown + image);
+    return IsSelected(Record(panel).grdScore.view, Record(panel).score.first_shown + image);
 }
 
 int ItemAt(const Panel& panel, POINT point) {
@@ -108,7 +103,7 @@ void PaintSelection(Panel& panel, const RECT& dirty) {
     const Colours& colours = panel.main->theme.colours;
     for (int image = 0; image < kStripPictures; ++image) {
         const int slot = w.score.first_shown + image;
-        if (!Selected(w, slot) || slot > EndColumn(w.score)) continue;
+        if (!IsSelected(w.grdScore.view, slot) || slot > EndColumn(w.score)) continue;
         RECT area = ColumnArea(panel, image), part;
         if (IntersectRect(&part, &area, &dirty))
             TintArea(panel.canvas, part, colours.select, colours.high_contrast ? 255 : 40);
@@ -178,7 +173,7 @@ void PaintImage(Panel& panel, int index, const RECT& dirty) {
 /// The place of the cursor, also behind the last entry where no picture is: a small mark under the staff.
 void PaintCursor(Panel& panel, const RECT& dirty) {
     const sndmain& w = Record(panel);
-    const int image = w.grdScore.Col - w.score.first_shown;
+    const int image = w.grdScore.view.Col - w.score.first_shown;
     if (image < 0 || image >= kStripPictures) return;
     RECT area = ColumnArea(panel, image);
     area.top = area.bottom - Scaled(ScaleOf(panel), 3);
