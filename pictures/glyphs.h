@@ -34,17 +34,29 @@ int StaffLinePixels(float pixels_per_twip);
 /// drawn.
 int StaffLineRow(float y);
 
-/// The picture `picture` of the strip: 1 to 20 notes with stem up (20 lengths), 21 to 40 rests of the same
-/// lengths, 41 to 57 notes of lengths 1 to 17 with stem down, 58 the bar line.
-/// `origin_x`, `origin_y` (0 to 1) are where in its pixel the top left corner of the picture's box of 300 x
-/// 480 twips lies: mask pixel (0, 0) is the pixel that holds the corner. Nothing is drawn outside the box,
-/// but for the bar line, which covers the rows of the staff lines at the box's top and bottom whole. A note's
-/// head has its centre `kHeadCentre - staff_offset` below the box's top, as the rows of the lines have it; a
-/// rest's middle line lies at `kRestMiddle`. `sharp` asks for a sharp sign, drawn where HasRoomForSharp says
-/// so. `head_on_line`: the head stands on a staff or ledger line, so that dots belong to the space above it.
-/// An unknown picture number gives an empty mask (width and height 0).
-CoverageMask NotePictureMask(int picture, bool sharp, float pixels_per_twip, float origin_x, float origin_y,
-                             int staff_offset, bool head_on_line = false);
+/// How twips fall on pixels.
+struct PixelGrid {
+    float pixels_per_twip = 1 / 15.0F;
+    /// Where in its pixel (0 to 1) the top left corner of a picture's box lies: mask pixel (0, 0) is the
+    /// pixel that holds the corner.
+    float origin_x = 0, origin_y = 0;
+};
+
+/// A picture of the strip as it is asked for.
+struct StripPicture {
+    int picture = 0; ///< 1 to 20 notes with stem up (20 lengths), 21 to 40 rests of the same lengths, 41 to
+                     ///< 57 notes of lengths 1 to 17 with stem down, 58 the bar line
+    bool sharp = false;        ///< with a sharp sign, drawn where HasRoomForSharp says so
+    int staff_offset = 0;      ///< twips
+    bool head_on_line = false; ///< the head stands on a staff or ledger line, so that dots belong to the
+                               ///< space above it
+};
+
+/// A picture of the strip in its box of 300 x 480 twips. Nothing is drawn outside the box, but for the bar
+/// line, which covers the rows of the staff lines at the box's top and bottom whole. A note's head has its
+/// centre `kHeadCentre - staff_offset` below the box's top, as the rows of the lines have it; a rest's middle
+/// line lies at `kRestMiddle`. An unknown picture number gives an empty mask (width and height 0).
+CoverageMask NotePictureMask(const StripPicture& shown, const PixelGrid& grid);
 
 /// From where to where a note's head reaches in its picture, in twips from the left edge of the box: ledger
 /// lines follow it.
@@ -61,8 +73,8 @@ bool HasRoomForSharp(int picture);
 /// pixels and made smaller where it does not fit.
 CoverageMask ButtonPictureMask(int picture, int width, int height, float pixels_per_twip);
 
-/// The treble clef with a small 8 above it, in the box kClefBox. `origin_x`, `origin_y` as for the notes.
-CoverageMask ClefMask(float pixels_per_twip, float origin_x, float origin_y);
+/// The treble clef with a small 8 above it, in the box kClefBox.
+CoverageMask ClefMask(const PixelGrid& grid);
 
 enum class ToolIcon {
     New,

@@ -41,31 +41,44 @@ void End(Easel& easel, std::uint32_t rgb) {
     easel.layers.push_back({rgb, FinishMask(easel.raster)});
 }
 
-void Box(Easel& easel, std::uint32_t rgb, float left, float top, float right, float bottom,
-         float radius = 0) {
+/// A box with round corners, in grid units.
+struct GridBox {
+    float left, top, right, bottom;
+    float radius = 0;
+};
+
+/// Adds a box whose edges lie on whole pixels, `inset` pixels inside it.
+void AddBox(Easel& easel, const GridBox& box, float inset = 0) {
+    AddRoundRectangle(easel.raster, Snap(easel, box.left) + inset, Snap(easel, box.top) + inset,
+                      Snap(easel, box.right) - inset, Snap(easel, box.bottom) - inset,
+                      std::max(0.0F, box.radius * easel.unit - inset));
+}
+
+void Box(Easel& easel, std::uint32_t rgb, const GridBox& box) {
     Begin(easel);
-    AddRoundRectangle(easel.raster, Snap(easel, left), Snap(easel, top), Snap(easel, right),
-                      Snap(easel, bottom), radius * easel.unit);
+    AddBox(easel, box);
     End(easel, rgb);
 }
 
 /// A box with a border of one thin line.
-void FramedBox(Easel& easel, std::uint32_t frame, std::uint32_t inside, float left, float top, float right,
-               float bottom, float radius) {
-    const float thin = Thin(easel);
-    Box(easel, frame, left, top, right, bottom, radius);
+void FramedBox(Easel& easel, std::uint32_t frame, std::uint32_t inside, const GridBox& box) {
+    Box(easel, frame, box);
     Begin(easel);
-    AddRoundRectangle(easel.raster, Snap(easel, left) + thin, Snap(easel, top) + thin,
-                      Snap(easel, right) - thin, Snap(easel, bottom) - thin,
-                      std::max(0.0F, radius * easel.unit - thin));
+    AddBox(easel, box, Thin(easel));
     End(easel, inside);
 }
 
-/// A polygon; its points in grid units, counterclockwise as seen.
+/// Adds a thin line of writing.
+void AddWriting(Easel& easel, float left, float right, float y) {
+    AddRectangle(easel.raster, Snap(easel, left), Snap(easel, y), Snap(easel, right),
+                 Snap(easel, y) + Thin(easel));
+}
+
 struct GridPoint {
     float x, y;
 };
 
+/// Adds a polygon; its points in grid units, counterclockwise as seen.
 void AddPolygon(Easel& easel, std::initializer_list<GridPoint> points) {
     std::vector<PathStep> steps;
     for (const GridPoint& p : points) {
@@ -80,9 +93,9 @@ void AddPolygon(Easel& easel, std::initializer_list<GridPoint> points) {
     AddOutline(easel.raster, steps, placement);
 }
 
-void AddGridStroke(Easel& easel, float x1, float y1, float x2, float y2, float width) {
+void AddGridStroke(Easel& easel, GridPoint from, GridPoint to, float width) {
     const float u = easel.unit;
-    AddStroke(easel.raster, x1 * u, y1 * u, x2 * u, y2 * u, width * u);
+    AddStroke(easel.raster, from.x * u, from.y * u, to.x * u, to.y * u, width * u);
 }
 
 /// An eighth note in one colour: the head's centre, the height of the whole.
@@ -108,14 +121,14 @@ void Note(Easel& easel, std::uint32_t rgb, float x, float y, float high) {
 }
 
 void Page(Easel& easel, float left, float top, float right, float bottom) {
-    FramedBox(easel, kInk, kPaper, left, top, right, bottom, 0.8F);
+    FramedBox(easel, kInk, kPaper, {left, top, right, bottom, 0.8F});
 }
 
 /// The organiser with its strap, on the left; an arrow beside it, up (out of it) or down (into it).
 void Organiser(Easel& easel, bool out) {
-    Box(easel, kGrey, 2, 0, 8, 16, 0.8F);
-    Box(easel, kInk, 0, 3, 10, 13, 1.6F);
-    Box(easel, kScreen, 2, 5, 8, 9, 0.3F);
+    Box(easel, kGrey, {2, 0, 8, 16, 0.8F});
+    Box(easel, kInk, {0, 3, 10, 13, 1.6F});
+    Box(easel, kScreen, {2, 5, 8, 9, 0.3F});
     Begin(easel);
     for (const float x : {2.0F, 4.0F, 6.0F})
         AddRectangle(easel.raster, Snap(easel, x), Snap(easel, 10), Snap(easel, x + 1), Snap(easel, 11));
@@ -134,10 +147,8 @@ void Organiser(Easel& easel, bool out) {
 
 void Folder(Easel& easel) {
     Begin(easel);
-    AddRoundRectangle(easel.raster, Snap(easel, 1), Snap(easel, 2), Snap(easel, 7), Snap(easel, 7),
-                      0.8F * easel.unit);
-    AddRoundRectangle(easel.raster, Snap(easel, 1), Snap(easel, 4), Snap(easel, 14), Snap(easel, 14),
-                      0.8F * easel.unit);
+    AddBox(easel, {1, 2, 7, 7, 0.8F});
+    AddBox(easel, {1, 4, 14, 14, 0.8F});
     End(easel, kAmber);
     Begin(easel);
     AddPolygon(easel, {{3.4F, 7}, {1.4F, 14}, {13.8F, 14}, {15.8F, 7}});
@@ -145,14 +156,13 @@ void Folder(Easel& easel) {
 }
 
 void Disk(Easel& easel) {
-    Box(easel, kBlue, 1, 1, 15, 15, 1.2F);
-    Box(easel, kPaper, 4, 1, 12, 6);
-    Box(easel, kBlue, 9, 2, 11, 5);
-    Box(easel, kPaleBlue, 3, 9, 13, 15);
+    Box(easel, kBlue, {1, 1, 15, 15, 1.2F});
+    Box(easel, kPaper, {4, 1, 12, 6});
+    Box(easel, kBlue, {9, 2, 11, 5});
+    Box(easel, kPaleBlue, {3, 9, 13, 15});
     Begin(easel);
     for (const float y : {10.5F, 12.5F})
-        AddRectangle(easel.raster, Snap(easel, 5), Snap(easel, y), Snap(easel, 11),
-                     Snap(easel, y) + Thin(easel));
+        AddWriting(easel, 5, 11, y);
     End(easel, kBlue);
 }
 
@@ -174,13 +184,12 @@ void Scissors(Easel& easel) {
 }
 
 void Clipboard(Easel& easel) {
-    Box(easel, kAmber, 2, 2, 14, 15, 1);
-    Box(easel, kPaper, 4, 4, 12, 13);
-    Box(easel, kInk, 5, 1, 11, 4, 0.8F);
+    Box(easel, kAmber, {2, 2, 14, 15, 1});
+    Box(easel, kPaper, {4, 4, 12, 13});
+    Box(easel, kInk, {5, 1, 11, 4, 0.8F});
     Begin(easel);
     for (const float y : {6.0F, 8.0F, 10.0F})
-        AddRectangle(easel.raster, Snap(easel, 5.5F), Snap(easel, y), Snap(easel, y > 9 ? 9.0F : 10.5F),
-                     Snap(easel, y) + Thin(easel));
+        AddWriting(easel, 5.5F, y > 9 ? 9.0F : 10.5F, y);
     End(easel, kGrey);
 }
 
@@ -189,22 +198,21 @@ void Pages(Easel& easel) {
     Page(easel, 6, 5, 14, 15);
     Begin(easel);
     for (const float y : {8.0F, 10.0F, 12.0F})
-        AddRectangle(easel.raster, Snap(easel, 8), Snap(easel, y), Snap(easel, 12),
-                     Snap(easel, y) + Thin(easel));
+        AddWriting(easel, 8, 12, y);
     End(easel, kBlue);
 }
 
 void Cross(Easel& easel) {
     Begin(easel);
-    AddGridStroke(easel, 2.7F, 2.7F, 13.3F, 13.3F, 2.5F);
-    AddGridStroke(easel, 13.3F, 2.7F, 2.7F, 13.3F, 2.5F);
+    AddGridStroke(easel, {2.7F, 2.7F}, {13.3F, 13.3F}, 2.5F);
+    AddGridStroke(easel, {13.3F, 2.7F}, {2.7F, 13.3F}, 2.5F);
     End(easel, kRed);
 }
 
 /// A new entry between two others.
 void Between(Easel& easel) {
-    FramedBox(easel, kGrey, kPaleGrey, 0, 3, 5, 13, 0.6F);
-    FramedBox(easel, kGrey, kPaleGrey, 11, 3, 16, 13, 0.6F);
+    FramedBox(easel, kGrey, kPaleGrey, {0, 3, 5, 13, 0.6F});
+    FramedBox(easel, kGrey, kPaleGrey, {11, 3, 16, 13, 0.6F});
     Begin(easel);
     const float thick = std::max(2.0F, Snap(easel, 1.8F));
     const float half = std::floor(easel.unit * 3.4F), middle = static_cast<float>(easel.size) / 2;

@@ -41,7 +41,9 @@ long long Sum(const CoverageMask& mask) {
 }
 
 CoverageMask Picture(int picture, const TestScale& scale, bool sharp = false, bool on_line = false) {
-    return NotePictureMask(picture, sharp, scale.pixels_per_twip, 0, 0, scale.staff_offset, on_line);
+    return NotePictureMask(
+        {.picture = picture, .sharp = sharp, .staff_offset = scale.staff_offset, .head_on_line = on_line},
+        {scale.pixels_per_twip});
 }
 
 /// How many separate pieces of ink there are, touching corners included.
@@ -175,8 +177,11 @@ TEST(Pictures, NothingIsDrawnOutsideTheBox) {
                                                     << origin_x << ", " << origin_y);
                     const float right = origin_x + kPictureWidth * scale.pixels_per_twip;
                     const float bottom = origin_y + kPictureHeight * scale.pixels_per_twip;
-                    const CoverageMask mask = NotePictureMask(picture, true, scale.pixels_per_twip, origin_x,
-                                                              origin_y, scale.staff_offset, true);
+                    const CoverageMask mask = NotePictureMask({.picture = picture,
+                                                               .sharp = true,
+                                                               .staff_offset = scale.staff_offset,
+                                                               .head_on_line = true},
+                                                              {scale.pixels_per_twip, origin_x, origin_y});
                     ASSERT_EQ(mask.width, static_cast<int>(std::ceil(right - 0.01F)));
                     ASSERT_EQ(mask.height, static_cast<int>(std::ceil(bottom - 0.01F)));
                     // A pixel that the box's edge cuts is inked at most as far as it belongs to the box.
@@ -213,8 +218,9 @@ TEST(Pictures, HeadsStandOnLinesAndInSpacesAtEveryScale) {
             for (int picture = 1; picture <= 57; ++picture) {
                 if (!IsNote(picture) || kOrnaments[LengthOf(picture) - 1].triplet) continue;
                 const int head_y = 1410 + 60 * step, top = 1140 + 60 * step + scale.staff_offset;
-                const CoverageMask mask = NotePictureMask(picture, false, s, 0, FractionOf(top, scale),
-                                                          scale.staff_offset, step % 2 == 0);
+                const CoverageMask mask = NotePictureMask(
+                    {.picture = picture, .staff_offset = scale.staff_offset, .head_on_line = step % 2 == 0},
+                    {s, 0, FractionOf(top, scale)});
                 const float wanted = step % 2 == 0
                                          ? line_centre(head_y)
                                          : (line_centre(head_y - 60) + line_centre(head_y + 60)) / 2;
@@ -225,8 +231,10 @@ TEST(Pictures, HeadsStandOnLinesAndInSpacesAtEveryScale) {
                     // Flags may reach the head's height: the head is the one of the quarter with as many
                     // dots.
                     const int quarter = (picture > 40 ? 51 : 11) + kOrnaments[LengthOf(picture) - 1].dots;
-                    const CoverageMask plain = NotePictureMask(quarter, false, s, 0, FractionOf(top, scale),
-                                                               scale.staff_offset, step % 2 == 0);
+                    const CoverageMask plain = NotePictureMask({.picture = quarter,
+                                                                .staff_offset = scale.staff_offset,
+                                                                .head_on_line = step % 2 == 0},
+                                                               {s, 0, FractionOf(top, scale)});
                     for (int y = 0; y < mask.height; ++y)
                         for (int x = from; x <= to; ++x)
                             ASSERT_GE(At(mask, x, y) + 1, At(plain, x, y))
@@ -259,8 +267,10 @@ TEST(Pictures, RestsSitAndHangOnTheirLines) {
         const int fourth = RowOf(1290, scale) - top, half_space = static_cast<int>(60 * s);
         const int x = static_cast<int>(150 * s);
         const float origin = FractionOf(1200, scale);
-        const CoverageMask half = NotePictureMask(35, false, s, 0, origin, scale.staff_offset);
-        const CoverageMask whole = NotePictureMask(38, false, s, 0, origin, scale.staff_offset);
+        const CoverageMask half =
+            NotePictureMask({.picture = 35, .staff_offset = scale.staff_offset}, {s, 0, origin});
+        const CoverageMask whole =
+            NotePictureMask({.picture = 38, .staff_offset = scale.staff_offset}, {s, 0, origin});
         EXPECT_EQ(At(half, x, middle + line - 1), 255) << scale.percent;
         EXPECT_EQ(At(half, x, middle + line), 0) << "a half rest ends with the middle line";
         EXPECT_EQ(At(half, x, middle - half_space / 2), 255);
@@ -276,11 +286,11 @@ TEST(Pictures, StemsAndBarLineStandOnWholePixels) {
     for (const TestScale& scale : kScales) {
         for (const float origin_x : {0.0F, 0.3F, 0.5F, 0.8F}) {
             const int line = StaffLinePixels(scale.pixels_per_twip);
-            const CoverageMask bar = NotePictureMask(58, false, scale.pixels_per_twip, origin_x, 0, 0);
-            const CoverageMask quarter =
-                NotePictureMask(11, false, scale.pixels_per_twip, origin_x, 0, scale.staff_offset);
-            const CoverageMask down =
-                NotePictureMask(51, false, scale.pixels_per_twip, origin_x, 0, scale.staff_offset);
+            const CoverageMask bar = NotePictureMask({.picture = 58}, {scale.pixels_per_twip, origin_x, 0});
+            const CoverageMask quarter = NotePictureMask({.picture = 11, .staff_offset = scale.staff_offset},
+                                                         {scale.pixels_per_twip, origin_x, 0});
+            const CoverageMask down = NotePictureMask({.picture = 51, .staff_offset = scale.staff_offset},
+                                                      {scale.pixels_per_twip, origin_x, 0});
             int bars = 0, stems = 0, stems_down = 0;
             for (int x = 0; x < bar.width; ++x) {
                 const int ink = At(bar, x, bar.height / 2), up = At(quarter, x, 1),
@@ -305,8 +315,8 @@ TEST(Pictures, StemsAndBarLineStandOnWholePixels) {
 
 TEST(Pictures, BarLineCoversTheRowsOfTheTopAndTheBottomLineAndAllBetween) {
     for (const TestScale& scale : kScales) {
-        const CoverageMask bar =
-            NotePictureMask(58, false, scale.pixels_per_twip, 0, FractionOf(1170, scale), scale.staff_offset);
+        const CoverageMask bar = NotePictureMask({.picture = 58, .staff_offset = scale.staff_offset},
+                                                 {scale.pixels_per_twip, 0, FractionOf(1170, scale)});
         const int line = StaffLinePixels(scale.pixels_per_twip);
         EXPECT_EQ(bar.height, RowOf(1650, scale) + line - RowOf(1170, scale)) << scale.percent;
         EXPECT_EQ(bar.width, static_cast<int>(kPictureWidth * scale.pixels_per_twip + 0.01F));
@@ -339,8 +349,8 @@ TEST(Pictures, RestsFollowTheRowOfTheMiddleLine) {
     // both row 17.
     const float s = 1 / 12.0F;
     for (int picture = 21; picture <= 40; ++picture) {
-        const CoverageMask early = NotePictureMask(picture, false, s, 0, 0, 40);
-        const CoverageMask late = NotePictureMask(picture, false, s, 0, 0.4F, 40);
+        const CoverageMask early = NotePictureMask({.picture = picture, .staff_offset = 40}, {s});
+        const CoverageMask late = NotePictureMask({.picture = picture, .staff_offset = 40}, {s, 0, 0.4F});
         ASSERT_EQ(early.width, late.width);
         for (int y = 0; y < early.height; ++y)
             for (int x = 0; x < early.width; ++x)
@@ -351,7 +361,7 @@ TEST(Pictures, RestsFollowTheRowOfTheMiddleLine) {
 TEST(Pictures, TheClefStandsOnTheRowOfItsLine) {
     // At 125 % its box begins in the middle of a pixel, and so does the line that it curls around.
     const float s = 1 / 12.0F;
-    const CoverageMask between = ClefMask(s, 0, 0.5F), whole = ClefMask(s, 0, 0);
+    const CoverageMask between = ClefMask({s, 0, 0.5F}), whole = ClefMask({s});
     ASSERT_EQ(between.width, whole.width);
     ASSERT_EQ(between.height, whole.height + 1);
     for (std::size_t i = 0; i < whole.alpha.size(); ++i)
@@ -422,7 +432,7 @@ TEST(Pictures, ASharpDoesNotMoveItsNote) {
 TEST(Pictures, AreTheSameInEveryRun) {
     for (int picture = 1; picture <= kLastPicture; ++picture)
         EXPECT_EQ(Picture(picture, kScales[1], true), Picture(picture, kScales[1], true));
-    EXPECT_EQ(ClefMask(0.1F, 0.2F, 0.3F), ClefMask(0.1F, 0.2F, 0.3F));
+    EXPECT_EQ(ClefMask({0.1F, 0.2F, 0.3F}), ClefMask({0.1F, 0.2F, 0.3F}));
 }
 
 TEST(Pictures, ButtonsShowTheirDotsAndTriplets) {
@@ -458,7 +468,7 @@ TEST(Pictures, SmallButtonsStillShowTheirPicture) {
 TEST(Pictures, TheClefHasAnEightAboveItAndStaysInItsBox) {
     for (const TestScale& scale : kScales) {
         const float s = scale.pixels_per_twip;
-        const CoverageMask clef = ClefMask(s, 0, 0);
+        const CoverageMask clef = ClefMask({s});
         EXPECT_EQ(clef.width, static_cast<int>(std::ceil(kClefBox.width * s - 0.01F)));
         EXPECT_EQ(clef.height, static_cast<int>(std::ceil(kClefBox.height * s - 0.01F)));
         EXPECT_EQ(Pieces(clef), 2) << scale.percent;
@@ -585,8 +595,11 @@ TEST(PicturesGolden, NotesAndRests) {
         Plate plate;
         for (const int picture :
              {1, 2, 5, 8, 11, 14, 15, 18, 20, 41, 44, 47, 50, 51, 57, 58, 21, 23, 30, 31, 35, 39})
-            Append(plate, NotePictureMask(picture, picture % 2 == 0, scale.pixels_per_twip, 0.5F, 0.25F,
-                                          scale.staff_offset, picture % 3 == 0));
+            Append(plate, NotePictureMask({.picture = picture,
+                                           .sharp = picture % 2 == 0,
+                                           .staff_offset = scale.staff_offset,
+                                           .head_on_line = picture % 3 == 0},
+                                          {scale.pixels_per_twip, 0.5F, 0.25F}));
         CompareWithGolden(Name("strip-", scale.percent), PlateFile(plate));
     }
 }
@@ -594,7 +607,7 @@ TEST(PicturesGolden, NotesAndRests) {
 TEST(PicturesGolden, ClefAndButtons) {
     for (const TestScale& scale : kScales) {
         Plate plate;
-        Append(plate, ClefMask(scale.pixels_per_twip, 0, 0));
+        Append(plate, ClefMask({scale.pixels_per_twip}));
         for (const int picture : {1, 4, 10, 15, 20, 21, 29, 34, 36, 38})
             Append(plate, ButtonPictureMask(picture, 31 * scale.percent / 100, 34 * scale.percent / 100,
                                             scale.pixels_per_twip));

@@ -54,7 +54,7 @@ void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
         Fill(sheet, left_px, top_px + px(static_cast<float>(y)), end - left_px, line, 0x707070);
     const float cx = kClefBox.left * scale, cy = kClefBox.top * scale;
     Paint(sheet, left_px + static_cast<int>(cx), top_px + static_cast<int>(cy),
-          ClefMask(scale, cx - std::floor(cx), cy - std::floor(cy)), 0);
+          ClefMask({scale, cx - std::floor(cx), cy - std::floor(cy)}), 0);
     for (std::size_t k = 0; k < pictures.size(); ++k) {
         const int picture = pictures[k], step = steps[k % steps.size()];
         const bool note = HasRoomForSharp(picture);
@@ -69,8 +69,11 @@ void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
                  0x707070);
         }
         Paint(sheet, left_px + static_cast<int>(x), top_px + static_cast<int>(y),
-              NotePictureMask(picture, sharps, scale, x - std::floor(x), y - std::floor(y), staff_offset,
-                              step % 2 == 0),
+              NotePictureMask({.picture = picture,
+                               .sharp = sharps,
+                               .staff_offset = staff_offset,
+                               .head_on_line = step % 2 == 0},
+                              {scale, x - std::floor(x), y - std::floor(y)}),
               0);
     }
 }
