@@ -110,6 +110,20 @@ void PaintSelection(Panel& panel, const RECT& dirty) {
     }
 }
 
+/// The corner of a picture on the canvas: the pixel that holds it, and where in that pixel it lies.
+struct PictureCorner {
+    int x, y;
+    PixelGrid grid;
+};
+
+PictureCorner CornerAt(const Scale& scale, int left, int top) {
+    const float x = static_cast<float>(left) / scale.twips_per_pixel_x;
+    const float y = static_cast<float>(top) / scale.twips_per_pixel_y;
+    const float column = std::floor(x), row = std::floor(y);
+    return {
+        static_cast<int>(column), static_cast<int>(row), {1 / scale.twips_per_pixel_y, x - column, y - row}};
+}
+
 void PaintStaff(Panel& panel, const RECT& dirty) {
     const sndmain& w = Record(panel);
     const Colours& colours = panel.main->theme.colours;
@@ -118,12 +132,10 @@ void PaintStaff(Panel& panel, const RECT& dirty) {
         PaintLine(panel, std::max<int>(static_cast<int>(dirty.left), ToPixelsX(scale, w.linSub[0].X1)),
                   std::min<int>(static_cast<int>(dirty.right), ToPixelsX(scale, w.linSub[5].X2)), line.Y,
                   colours.staff_line);
-    const float x = static_cast<float>(kClefBox.left) / scale.twips_per_pixel_x;
-    const float y = static_cast<float>(kClefBox.top) / scale.twips_per_pixel_y;
-    if (static_cast<float>(dirty.left) > x + static_cast<float>(kClefBox.width) / scale.twips_per_pixel_x)
-        return;
-    const CoverageMask clef = ClefMask(1 / scale.twips_per_pixel_y, x - std::floor(x), y - std::floor(y));
-    BlendMask(panel.canvas, clef, static_cast<int>(x), static_cast<int>(y), colours.ink, dirty);
+    const float clef_right = static_cast<float>(kClefBox.left + kClefBox.width) / scale.twips_per_pixel_x;
+    if (static_cast<float>(dirty.left) > clef_right) return;
+    const PictureCorner corner = CornerAt(scale, kClefBox.left, kClefBox.top);
+    BlendMask(panel.canvas, ClefMask(corner.grid), corner.x, corner.y, colours.ink, dirty);
 }
 
 void PaintLedgerLines(Panel& panel, const NoteImage& image, COLORREF colour) {
@@ -160,14 +172,13 @@ void PaintImage(Panel& panel, int index, const RECT& dirty) {
     const bool note = image.Picture <= 20 || (image.Picture > 40 && image.Picture < kLastPicture);
     if (note && !HeadInPanel(w, image)) return;
     if (note) PaintLedgerLines(panel, image, inverse ? colours.select_text : colours.staff_line);
-    const Scale& scale = ScaleOf(panel);
-    const float x = static_cast<float>(image.place.Left) / scale.twips_per_pixel_x;
-    const float y = static_cast<float>(image.place.Top) / scale.twips_per_pixel_y;
-    const CoverageMask mask =
-        NotePictureMask(image.Picture, image.Sharp, 1 / scale.twips_per_pixel_y, x - std::floor(x),
-                        y - std::floor(y), w.StaffOffset, note && HeadOnLine(w, image));
-    BlendMask(panel.canvas, mask, static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)), ink,
-              dirty);
+    const PictureCorner corner = CornerAt(ScaleOf(panel), image.place.Left, image.place.Top);
+    const CoverageMask mask = NotePictureMask({.picture = image.Picture,
+                                               .sharp = image.Sharp,
+                                               .staff_offset = w.StaffOffset,
+                                               .head_on_line = note && HeadOnLine(w, image)},
+                                              corner.grid);
+    BlendMask(panel.canvas, mask, corner.x, corner.y, ink, dirty);
 }
 
 /// The place of the cursor, also behind the last entry where no picture is: a small mark under the staff.

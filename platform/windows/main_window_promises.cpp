@@ -1,4 +1,5 @@
-// What commands ask of the main window: placement, focus, menus and small windows. Windows-only by nature.
+// The promises of platform/main_window.h: placement, focus, menus and small windows, as commands ask for
+// them. Windows-only by nature.
 #include "platform/main_window.h"
 
 #include "platform/events.h"
