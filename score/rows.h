@@ -22,7 +22,7 @@ template <class Row> constexpr auto& At(Row& row, int index) {
 }
 
 /// As above, for a span that a procedure gives back.
-template <class Item> constexpr Item& At(std::span<Item> row, int index) {
+template <class Item, std::size_t Size> constexpr Item& At(std::span<Item, Size> row, int index) {
     return row[PlaceIn(row.size(), index)];
 }
 

@@ -1,6 +1,8 @@
 // Drawing into a device-independent bitmap. Windows-only because text and the copy to the screen are GDI's.
 #include "platform/windows/canvas.h"
 
+#include "score/rows.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -35,6 +37,11 @@ unsigned CornerCoverage(int x, int y, int radius) {
 }
 
 } // namespace
+
+bool Overlap(const RECT& a, const RECT& b) {
+    RECT common;
+    return IntersectRect(&common, &a, &b);
+}
 
 bool ResizeCanvas(Canvas& canvas, int width, int height) {
     if (canvas.bitmap && width <= canvas.width && height <= canvas.height) return false;
@@ -80,6 +87,13 @@ void FillArea(Canvas& canvas, const RECT& area, COLORREF colour) {
     }
 }
 
+void DrawFrame(Canvas& canvas, const RECT& area, int thick, COLORREF colour) {
+    FillArea(canvas, {area.left, area.top, area.right, area.top + thick}, colour);
+    FillArea(canvas, {area.left, area.bottom - thick, area.right, area.bottom}, colour);
+    FillArea(canvas, {area.left, area.top, area.left + thick, area.bottom}, colour);
+    FillArea(canvas, {area.right - thick, area.top, area.right, area.bottom}, colour);
+}
+
 void TintArea(Canvas& canvas, const RECT& area, COLORREF colour, int share) {
     const RECT r = Clipped(canvas, area);
     GdiFlush();
@@ -101,7 +115,7 @@ void BlendMask(Canvas& canvas, const CoverageMask& mask, int x, int y, COLORREF 
     const int right = std::min<int>(mask.width, static_cast<int>(r.right) - x);
     for (int row = top; row < bottom; ++row)
         for (int column = left; column < right; ++column) {
-            const std::uint8_t alpha = mask.alpha[static_cast<std::size_t>(row * mask.width + column)];
+            const std::uint8_t alpha = At(mask.alpha, row * mask.width + column);
             if (alpha == 0) continue;
             std::uint32_t& p = canvas.bits[(y + row) * canvas.width + x + column];
             p = MixPixels(p, pixel, alpha);

@@ -19,11 +19,16 @@ struct Canvas {
     int width = 0, height = 0;
 };
 
+/// Whether two areas share a pixel.
+bool Overlap(const RECT& a, const RECT& b);
+
 /// Makes the canvas at least as large as asked. Its content is undefined afterwards when it grew (true).
 bool ResizeCanvas(Canvas& canvas, int width, int height);
 void FreeCanvas(Canvas& canvas);
 
 void FillArea(Canvas& canvas, const RECT& area, COLORREF colour);
+/// The edge of an area, `thick` pixels inside it.
+void DrawFrame(Canvas& canvas, const RECT& area, int thick, COLORREF colour);
 /// Mixes a colour into an area, share 0 to 255.
 void TintArea(Canvas& canvas, const RECT& area, COLORREF colour, int share);
 /// Puts a colour through a mask whose corner lies at x, y; nothing outside `clip` changes.

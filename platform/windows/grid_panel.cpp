@@ -3,6 +3,7 @@
 #include "platform/main_window.h"
 #include "platform/windows/main_window.h"
 
+#include "score/rows.h"
 #include "view/note_entry_commands.h"
 #include "view/note_names.h"
 
@@ -20,9 +21,6 @@ constexpr UINT_PTR kDragTimer = 1;
 constexpr UINT kDragPeriod =
     60; ///< milliseconds a column while a selection is dragged beyond the grid's edge
 
-const sndmain& Record(const Panel& panel) {
-    return panel.main->record;
-}
 const ScoreGrid& Grid(const Panel& panel) {
     return panel.main->record.grdScore;
 }
@@ -33,33 +31,21 @@ int Count(const Panel& panel) {
 
 RECT ItemArea(const Panel& panel, int item) {
     const ScoreGrid& grid = Grid(panel);
-    const Scale& scale = panel.main->theme.scale;
-    const int left = grid.place.Left + item * Record(panel).standard_col_width;
+    const Scale& scale = ScaleOf(panel);
+    const int left = grid.place.Left + item * RecordOf(panel).standard_col_width;
     RECT client;
     GetClientRect(panel.window, &client);
     return {ToPixelsX(scale, left) - ToPixelsX(scale, grid.place.Left), 0,
-            ToPixelsX(scale, left + Record(panel).standard_col_width) - ToPixelsX(scale, grid.place.Left),
+            ToPixelsX(scale, left + RecordOf(panel).standard_col_width) - ToPixelsX(scale, grid.place.Left),
             client.bottom};
 }
 
 std::wstring ItemName(const Panel& panel, int item) {
-    const sndmain& w = Record(panel);
-    const int slot = w.grdScore.view.LeftCol + item;
-    if (slot >= kSlots) return {};
-    const Entry& entry = w.score.sound[static_cast<std::size_t>(slot)];
-    return EntryNameOf(entry.code, entry.pitch, w.doremi);
+    return SlotName(panel, Grid(panel).view.LeftCol + item);
 }
 
 bool ItemChosen(const Panel& panel, int item) {
     return IsSelected(Grid(panel).view, Grid(panel).view.LeftCol + item);
-}
-
-int ItemAt(const Panel& panel, POINT point) {
-    for (int item = 0; item < Count(panel); ++item) {
-        const RECT area = ItemArea(panel, item);
-        if (PtInRect(&area, point)) return item;
-    }
-    return -1;
 }
 
 void Press(Panel& panel, int item) {
@@ -215,7 +201,7 @@ void PaintCell(Panel& panel, int item) {
     const bool chosen = IsSelected(grid.view, column);
     FillArea(panel.canvas, area, chosen ? theme.colours.select : theme.colours.paper);
     FillArea(panel.canvas, {area.right - 1, area.top, area.right, area.bottom}, theme.colours.rule);
-    const CellText& text = grid.Text[static_cast<std::size_t>(column)];
+    const CellText& text = At(grid.Text, column);
     const HFONT font = FontFor(text.View(), theme.fonts.cell, theme.fonts.cell_japanese);
     DrawCentred(panel.canvas, {area.left, area.top, area.right - 1, area.bottom}, text.View(), font,
                 chosen ? theme.colours.select_text : theme.colours.ink);
@@ -227,28 +213,30 @@ void PaintCell(Panel& panel, int item) {
 }
 
 void PaintPanel(Panel& panel, const RECT& dirty) {
-    const Colours& colours = panel.main->theme.colours;
+    const Colours& colours = ColoursOf(panel);
     FillArea(panel.canvas, dirty, Mix(colours.paper, colours.face, colours.high_contrast ? 0 : 128));
-    for (int item = 0; item < Count(panel); ++item) {
-        const RECT area = ItemArea(panel, item);
-        RECT part;
-        if (IntersectRect(&part, &area, &dirty)) PaintCell(panel, item);
-    }
+    for (int item = 0; item < Count(panel); ++item)
+        if (Overlap(ItemArea(panel, item), dirty)) PaintCell(panel, item);
     RECT client;
     GetClientRect(panel.window, &client);
-    FillArea(panel.canvas, {0, client.bottom - 1, client.right, client.bottom}, colours.rule);
-    FillArea(panel.canvas, {0, 0, 1, client.bottom}, colours.rule);
-    FillArea(panel.canvas, {client.right - 1, 0, client.right, client.bottom}, colours.rule);
+    // No line at the top: the staff's stands there.
+    DrawFrame(panel.canvas, {client.left, client.top - 1, client.right, client.bottom}, 1, colours.rule);
 }
-
-int Neighbour(const Panel&, int, WPARAM) {
-    return -1;
-} // the grid moves its cursor itself
 
 } // namespace
 
-const PanelKind kGridPanel = {L"TonexGrid", L"Score", ROLE_SYSTEM_CELL, WS_HSCROLL, false,
-                              false,        Count,    ItemArea,         ItemName,   ItemChosen,
-                              ItemAt,       Press,    Neighbour,        PaintPanel, Message};
+const PanelKind kGridPanel = {
+    .class_name = L"TonexGrid",
+    .title = L"Score",
+    .item_role = ROLE_SYSTEM_CELL,
+    .style = WS_HSCROLL,
+    .count = Count,
+    .item_area = ItemArea,
+    .item_name = ItemName,
+    .item_chosen = ItemChosen,
+    .press = Press,
+    .paint = PaintPanel,
+    .message = Message, // it moves its cursor itself
+};
 
 } // namespace tonex

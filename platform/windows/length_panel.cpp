@@ -2,6 +2,7 @@
 #include "platform/windows/main_window.h"
 
 #include "pictures/glyphs.h"
+#include "score/rows.h"
 #include "view/note_entry_commands.h"
 #include "view/note_names.h"
 
@@ -11,16 +12,12 @@ namespace tonex {
 
 namespace {
 
-const sndmain& Record(const Panel& panel) {
-    return panel.main->record;
-}
-
 int Count(const Panel&) {
     return kLengthButtons;
 }
 
 RECT ItemArea(const Panel& panel, int item) {
-    return AreaInPanel(panel, Record(panel).cbtNote[static_cast<std::size_t>(item)].place);
+    return AreaInPanel(panel, At(RecordOf(panel).cbtNote, item).place);
 }
 
 /// The entry code 1 to 40 of a button.
@@ -33,32 +30,18 @@ std::wstring ItemName(const Panel&, int item) {
 }
 
 bool ItemChosen(const Panel& panel, int item) {
-    return Record(panel).cbtNote[static_cast<std::size_t>(item)].Picture > kLengthButtons;
-}
-
-int ItemAt(const Panel& panel, POINT point) {
-    for (int item = 0; item < kLengthButtons; ++item) {
-        const RECT area = ItemArea(panel, item);
-        if (PtInRect(&area, point)) return item;
-    }
-    return -1;
+    return At(RecordOf(panel).cbtNote, item).Picture > kLengthButtons;
 }
 
 void Press(Panel& panel, int item) {
     cbtNote_Click(panel.main->record, LengthButtonIndex(item));
 }
 
-/// Arrows move along a row and between the rows of notes and rests.
-int Neighbour(const Panel&, int item, WPARAM key) {
-    switch (key) {
-    case VK_LEFT: return item - 1;
-    case VK_RIGHT: return item + 1;
-    case VK_UP: return item - 20;
-    case VK_DOWN: return item + 20;
-    case VK_HOME: return 0;
-    case VK_END: return kLengthButtons - 1;
-    default: return -1;
-    }
+/// Arrows also move between the rows of notes and rests.
+int Neighbour(const Panel& panel, int item, WPARAM key) {
+    if (key == VK_UP) return item - kLengthButtons / 2;
+    if (key == VK_DOWN) return item + kLengthButtons / 2;
+    return NeighbourInRow(panel, item, key);
 }
 
 // ---- painting ----
@@ -66,16 +49,13 @@ int Neighbour(const Panel&, int item, WPARAM key) {
 void PaintPicture(Panel& panel, const RECT& area, int picture, COLORREF colour, const RECT& dirty) {
     const int width = static_cast<int>(area.right - area.left),
               height = static_cast<int>(area.bottom - area.top);
-    const CoverageMask mask =
-        ButtonPictureMask(picture, width, height, 1 / panel.main->theme.scale.twips_per_pixel_y);
-    RECT part;
-    if (IntersectRect(&part, &area, &dirty))
-        BlendMask(panel.canvas, mask, static_cast<int>(area.left), static_cast<int>(area.top), colour, part);
+    const CoverageMask mask = ButtonPictureMask(picture, width, height, 1 / ScaleOf(panel).twips_per_pixel_y);
+    BlendMask(panel.canvas, mask, static_cast<int>(area.left), static_cast<int>(area.top), colour, dirty);
 }
 
 void PaintButton(Panel& panel, int item, const RECT& dirty) {
-    const Colours& colours = panel.main->theme.colours;
-    const Scale& scale = panel.main->theme.scale;
+    const Colours& colours = ColoursOf(panel);
+    const Scale& scale = ScaleOf(panel);
     RECT area = ItemArea(panel, item);
     const bool chosen = ItemChosen(panel, item);
     COLORREF face = colours.button;
@@ -97,9 +77,9 @@ void PaintButton(Panel& panel, int item, const RECT& dirty) {
 
 /// The length that the next key gets, in a frame of its own.
 void PaintCurrent(Panel& panel, const RECT& dirty) {
-    const NoteImage& now = Record(panel).imgNow;
-    const Colours& colours = panel.main->theme.colours;
-    const Scale& scale = panel.main->theme.scale;
+    const NoteImage& now = RecordOf(panel).imgNow;
+    const Colours& colours = ColoursOf(panel);
+    const Scale& scale = ScaleOf(panel);
     RECT area = AreaInPanel(panel, now.place);
     FillRound(panel.canvas, area, Scaled(scale, 3), colours.select);
     InflateRect(&area, -Scaled(scale, 2), -Scaled(scale, 2));
@@ -108,32 +88,27 @@ void PaintCurrent(Panel& panel, const RECT& dirty) {
 }
 
 void PaintPanel(Panel& panel, const RECT& dirty) {
-    FillArea(panel.canvas, dirty, panel.main->theme.colours.face);
-    RECT part;
-    for (int item = 0; item < kLengthButtons; ++item) {
-        const RECT area = ItemArea(panel, item);
-        if (IntersectRect(&part, &area, &dirty)) PaintButton(panel, item, dirty);
-    }
-    const RECT current = AreaInPanel(panel, Record(panel).imgNow.place);
-    if (IntersectRect(&part, &current, &dirty)) PaintCurrent(panel, dirty);
+    FillArea(panel.canvas, dirty, ColoursOf(panel).face);
+    for (int item = 0; item < kLengthButtons; ++item)
+        if (Overlap(ItemArea(panel, item), dirty)) PaintButton(panel, item, dirty);
+    if (Overlap(AreaInPanel(panel, RecordOf(panel).imgNow.place), dirty)) PaintCurrent(panel, dirty);
 }
 
 } // namespace
 
-const PanelKind kLengthPanel = {L"TonexLengths",
-                                L"Note lengths",
-                                ROLE_SYSTEM_PUSHBUTTON,
-                                0,
-                                true,
-                                true,
-                                Count,
-                                ItemArea,
-                                ItemName,
-                                ItemChosen,
-                                ItemAt,
-                                Press,
-                                Neighbour,
-                                PaintPanel,
-                                nullptr};
+const PanelKind kLengthPanel = {
+    .class_name = L"TonexLengths",
+    .title = L"Note lengths",
+    .item_role = ROLE_SYSTEM_PUSHBUTTON,
+    .tab_each = true,
+    .tooltips = true,
+    .count = Count,
+    .item_area = ItemArea,
+    .item_name = ItemName,
+    .item_chosen = ItemChosen,
+    .press = Press,
+    .neighbour = Neighbour,
+    .paint = PaintPanel,
+};
 
 } // namespace tonex

@@ -1,40 +1,14 @@
-// The real main window around the record: its controls, and the shadow of what they show.
+// The real main window around the record: its controls, and what they show.
 #pragma once
 
 #include "app/sndmain.h"
+#include "platform/windows/main_window_showing.h"
 #include "platform/windows/panel.h"
 #include "platform/windows/theme.h"
 
 #include "platform/windows/desktop_windows.h"
 
 namespace tonex {
-
-enum class PanelId { Staff, Grid, Lengths, Piano, Count };
-inline constexpr int kPanels = static_cast<int>(PanelId::Count);
-
-/// What the controls show now. Only what differs from the record is shown again.
-struct Shown {
-    std::wstring Caption, tempo_text, tempo_label, tempo_caption, length_caption;
-    std::vector<std::wstring> tempo_list;
-    int tempo_index = -2;
-    bool enabled = true;
-    std::array<NoteImage, kStripPictures> imgNote{};
-    std::array<CellText, kSlots> cells{};
-    int Cols = 0, first_shown = 0;
-    GridView view;
-    bool doremi = false;
-    std::array<std::int16_t, kLengthButtons> buttons{};
-    std::int16_t current_picture = 0;
-    std::array<std::uint32_t, kWhiteKeys> white{};
-    std::array<std::uint32_t, kBlackKeys> black{};
-    std::array<CellText, kWhiteKeys> white_captions{};
-    std::array<CellText, kBlackKeys> black_captions{};
-    std::array<MenuState, kMenuItems> menu{};
-    std::array<bool, kToolButtons> toolbar{};
-    std::array<Rect, kPanels + 4> places{};
-    ConvertWindow convert;
-    DWORD convert_at = 0; ///< tick count when the converting window was drawn last
-};
 
 struct MainWindow {
     sndmain record; ///< the truth
@@ -64,15 +38,13 @@ MainWindow& TheMainWindow();
 
 /// Creates the window and its controls, hidden. False when the system refuses.
 bool CreateMainWindow(HINSTANCE instance);
-/// Shows what differs between record and controls, nothing else.
-void ShowDifferences(MainWindow& main);
 /// Ctrl and function keys, Tab and the panes; true when the message was used up.
 bool TranslateMainKey(MainWindow& main, const MSG& message);
 
 /// Lays the content out for the client area as it is, as large as fits.
 void FitContent(MainWindow& main);
 
-/// Pixels between the outer window and its client area at the smallest size.
+/// The main window's smallest outer size, in pixels: its content at the screen's own scale, menu and frame.
 SIZE MinimumWindowSize(const MainWindow& main);
 
 // Toolbar and menu, made from the command tables.

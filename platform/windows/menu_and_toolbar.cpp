@@ -2,6 +2,7 @@
 #include "platform/windows/main_window.h"
 
 #include "pictures/glyphs.h"
+#include "score/rows.h"
 
 #include <commctrl.h>
 
@@ -94,8 +95,7 @@ void AddButtons(HWND toolbar) {
         buttons[1].fsStyle = BTNS_BUTTON;
         const int from = BeginsGroup(i) ? 0 : 1;
         // The text is never drawn (there is no room for it) but names the button for screen readers.
-        buttons[1].iString =
-            reinterpret_cast<INT_PTR>(ToolButtonRows()[static_cast<std::size_t>(i)].tooltip.data());
+        buttons[1].iString = reinterpret_cast<INT_PTR>(At(ToolButtonRows(), i).tooltip.data());
         SendMessageW(toolbar, TB_ADDBUTTONSW, static_cast<WPARAM>(2 - from),
                      reinterpret_cast<LPARAM>(buttons + from));
     }

@@ -2,6 +2,8 @@
 #include "platform/windows/panel.h"
 
 #include "platform/windows/main_window.h"
+#include "score/rows.h"
+#include "view/note_names.h"
 
 #include <commctrl.h>
 #include <windowsx.h>
@@ -174,17 +176,59 @@ bool CreatePanel(Panel& panel, const PanelKind& kind, MainWindow& main, HINSTANC
                            main.window, nullptr, instance, &panel) != nullptr;
 }
 
+const sndmain& RecordOf(const Panel& panel) {
+    return panel.main->record;
+}
+const Scale& ScaleOf(const Panel& panel) {
+    return panel.main->theme.scale;
+}
+const Colours& ColoursOf(const Panel& panel) {
+    return panel.main->theme.colours;
+}
+
+std::wstring SlotName(const Panel& panel, int slot) {
+    const sndmain& w = RecordOf(panel);
+    if (slot >= kSlots) return {};
+    const Entry& entry = At(w.score.sound, slot);
+    return EntryNameOf(entry.code, entry.pitch, w.doremi);
+}
+
+int FirstItemAt(const Panel& panel, POINT point, RECT (*area)(const Panel&, int item)) {
+    for (int item = 0; item < panel.kind->count(panel); ++item) {
+        const RECT place = area(panel, item);
+        if (PtInRect(&place, point)) return item;
+    }
+    return -1;
+}
+
+int FirstItemAt(const Panel& panel, POINT point) {
+    return FirstItemAt(panel, point, panel.kind->item_area);
+}
+
+int NeighbourInRow(const Panel& panel, int item, WPARAM key) {
+    switch (key) {
+    case VK_LEFT: return item - 1;
+    case VK_RIGHT: return item + 1;
+    case VK_HOME: return 0;
+    case VK_END: return panel.kind->count(panel) - 1;
+    default: return -1;
+    }
+}
+
 RECT AreaInPanel(const Panel& panel, const Rect& rect) {
-    const Scale& scale = panel.main->theme.scale;
+    const Scale& scale = ScaleOf(panel);
     RECT area = ToPixels(scale, rect);
     OffsetRect(&area, -ToPixelsX(scale, panel.origin_x), -ToPixelsY(scale, panel.origin_y));
     return area;
 }
 
+void InvalidateArea(Panel& panel, const RECT& area) {
+    InvalidateRect(panel.window, &area, FALSE);
+}
+
 void InvalidateItem(Panel& panel, int item) {
     if (item < 0 || item >= panel.kind->count(panel)) return;
-    const RECT area = panel.kind->item_area(panel, item);
-    InvalidateRect(panel.window, &area, FALSE);
+    InvalidateArea(panel, panel.kind->item_area(panel, item));
 }
 
 void FocusItem(Panel& panel, int item) {
@@ -203,11 +247,7 @@ bool FocusShown(const Panel& panel, int item) {
 }
 
 void DrawFocusMark(Panel& panel, const RECT& area, COLORREF colour) {
-    const int thick = Scaled(panel.main->theme.scale, 2);
-    FillArea(panel.canvas, {area.left, area.top, area.right, area.top + thick}, colour);
-    FillArea(panel.canvas, {area.left, area.bottom - thick, area.right, area.bottom}, colour);
-    FillArea(panel.canvas, {area.left, area.top, area.left + thick, area.bottom}, colour);
-    FillArea(panel.canvas, {area.right - thick, area.top, area.right, area.bottom}, colour);
+    DrawFrame(panel.canvas, area, Scaled(ScaleOf(panel), 2), colour);
 }
 
 } // namespace tonex

@@ -12,26 +12,35 @@ namespace tonex {
 
 struct MainWindow;
 struct Panel;
+struct Colours;
 struct Rect;
+struct Scale;
 struct sndmain;
+
+/// The first item whose area holds a point; -1 = none.
+int FirstItemAt(const Panel& panel, POINT point);
+/// Where a key leads in a row of items: to the neighbour left or right, to the first or the last; -1 for
+/// other keys.
+int NeighbourInRow(const Panel& panel, int item, WPARAM key);
 
 struct PanelKind {
     const wchar_t* class_name;
-    const wchar_t* title; ///< of the whole panel, for screen readers
-    long item_role;       ///< ROLE_SYSTEM_...
-    DWORD style;          ///< beyond that of a child window
-    bool tab_each;        ///< Tab stops at each item, not only at the panel
-    bool tooltips;
+    const wchar_t* title;  ///< of the whole panel, for screen readers
+    long item_role;        ///< ROLE_SYSTEM_...
+    DWORD style = 0;       ///< beyond that of a child window
+    bool tab_each = false; ///< Tab stops at each item, not only at the panel
+    bool tooltips = false;
     int (*count)(const Panel&);
     RECT (*item_area)(const Panel&, int item); ///< pixels in the panel
     std::wstring (*item_name)(const Panel&, int item);
     bool (*item_chosen)(const Panel&, int item);
-    int (*item_at)(const Panel&, POINT point);            ///< -1 = none
-    void (*press)(Panel&, int item);                      ///< runs the item's command on the record
-    int (*neighbour)(const Panel&, int item, WPARAM key); ///< where an arrow key, Home or End leads
+    int (*item_at)(const Panel&, POINT point) = FirstItemAt; ///< -1 = none
+    void (*press)(Panel&, int item);                         ///< runs the item's command on the record
+    /// Where an arrow key, Home or End leads; -1 = nowhere.
+    int (*neighbour)(const Panel&, int item, WPARAM key) = NeighbourInRow;
     void (*paint)(Panel&, const RECT& dirty);
-    /// First look at a message; true when it was used up. May be null.
-    bool (*message)(Panel&, UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
+    /// First look at a message; true when it was used up.
+    bool (*message)(Panel&, UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) = nullptr;
 };
 
 struct Panel {
@@ -51,9 +60,21 @@ struct Panel {
 
 void RegisterPanelClass(const PanelKind& kind, HINSTANCE instance);
 bool CreatePanel(Panel& panel, const PanelKind& kind, MainWindow& main, HINSTANCE instance);
+
+// What a panel shows, and how.
+const sndmain& RecordOf(const Panel& panel);
+const Scale& ScaleOf(const Panel& panel);
+const Colours& ColoursOf(const Panel& panel);
+/// What a screen reader says of a slot of the score; empty behind the last slot.
+std::wstring SlotName(const Panel& panel, int slot);
+
+/// The first item of which `area` holds a point; -1 = none.
+int FirstItemAt(const Panel& panel, POINT point, RECT (*area)(const Panel&, int item));
 /// A rectangle of the record, which counts from the main window's corner, in pixels of the panel.
 RECT AreaInPanel(const Panel& panel, const Rect& rect);
-/// Draws an item again.
+/// Has an area of the panel drawn again.
+void InvalidateArea(Panel& panel, const RECT& area);
+/// Has an item drawn again; nothing for one that is not there.
 void InvalidateItem(Panel& panel, int item);
 /// Gives the panel's item the keyboard.
 void FocusItem(Panel& panel, int item);
@@ -63,6 +84,9 @@ bool FocusShown(const Panel& panel, int item);
 
 /// Answers WM_GETOBJECT with the panel's accessible object.
 LRESULT AnswerGetObject(Panel& panel, WPARAM wparam, LPARAM lparam);
+
+enum class PanelId { Staff, Grid, Lengths, Piano, Count };
+inline constexpr int kPanels = static_cast<int>(PanelId::Count);
 
 extern const PanelKind kStaffPanel, kGridPanel, kLengthPanel, kPianoPanel;
 

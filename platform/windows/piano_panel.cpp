@@ -1,73 +1,54 @@
 // The piano: 29 white and 20 black keys with their captions. Windows-only drawing. Items run along the
 // keyboard from left to right, as the tab order does.
+#include "platform/windows/piano_panel.h"
+
 #include "platform/windows/main_window.h"
 
+#include "score/rows.h"
 #include "view/note_entry_commands.h"
 #include "view/note_names.h"
 
 #include <oleacc.h>
 
-#include <array>
-
 namespace tonex {
 
 namespace {
 
-constexpr int kKeys = kWhiteKeys + kBlackKeys;
-
-const sndmain& Record(const Panel& panel) {
-    return panel.main->record;
-}
-
-/// The key of an item: items count semitones up from c4.
-PianoKey KeyOf(int item) {
-    return *KeyOfPitch(static_cast<std::uint16_t>(kLowestKeyPitch + item));
-}
-
-const PianoKeyControl& ControlOf(const Panel& panel, PianoKey key) {
-    const auto index = static_cast<std::size_t>(key.index);
-    return key.kind == KeyKind::White ? Record(panel).kenWhite[index] : Record(panel).kenBlack[index];
-}
-
 int Count(const Panel&) {
-    return kKeys;
+    return kPianoItems;
 }
 
 RECT ItemArea(const Panel& panel, int item) {
-    return AreaInPanel(panel, ControlOf(panel, KeyOf(item)).place);
+    return AreaInPanel(panel, ControlOf(RecordOf(panel), KeyOfItem(item)).place);
 }
 
 std::wstring ItemName(const Panel& panel, int item) {
-    const PianoKey key = KeyOf(item);
-    const auto index = static_cast<std::size_t>(key.index);
-    const KeyLabel& label =
-        key.kind == KeyKind::White ? Record(panel).lblWNote[index] : Record(panel).lblBNote[index];
-    return std::wstring(label.Caption.View());
+    return std::wstring(LabelOf(RecordOf(panel), KeyOfItem(item)).Caption.View());
 }
 
 bool Lit(const Panel& panel, PianoKey key) {
     const std::uint32_t rest = key.kind == KeyKind::White ? kWhiteKeyColour : kBlackKeyColour;
-    return ControlOf(panel, key).BackColor != rest;
+    return ControlOf(RecordOf(panel), key).BackColor != rest;
 }
 
 bool ItemChosen(const Panel& panel, int item) {
-    return Lit(panel, KeyOf(item));
+    return Lit(panel, KeyOfItem(item));
 }
 
 /// Black keys lie over the white ones.
 int ItemAt(const Panel& panel, POINT point) {
     int found = -1;
-    for (int item = 0; item < kKeys; ++item) {
+    for (int item = 0; item < kPianoItems; ++item) {
         const RECT area = ItemArea(panel, item);
         if (!PtInRect(&area, point)) continue;
-        if (KeyOf(item).kind == KeyKind::Black) return item;
+        if (KeyOfItem(item).kind == KeyKind::Black) return item;
         found = item;
     }
     return found;
 }
 
 void Press(Panel& panel, int item) {
-    const PianoKey key = KeyOf(item);
+    const PianoKey key = KeyOfItem(item);
     if (key.kind == KeyKind::White)
         kenWhite_Click(panel.main->record, key.index);
     else
@@ -75,25 +56,22 @@ void Press(Panel& panel, int item) {
 }
 
 int NextWhite(int item, int step) {
-    for (item += step; item >= 0 && item < kKeys; item += step)
-        if (KeyOf(item).kind == KeyKind::White) return item;
+    for (item += step; item >= 0 && item < kPianoItems; item += step)
+        if (KeyOfItem(item).kind == KeyKind::White) return item;
     return -1;
 }
 
 /// Left and right go by semitones, up to the black key on the right, down to the white key on the left, page
 /// keys by octaves.
-int Neighbour(const Panel&, int item, WPARAM key) {
-    const bool black = KeyOf(item).kind == KeyKind::Black;
+int Neighbour(const Panel& panel, int item, WPARAM key) {
+    const bool black = KeyOfItem(item).kind == KeyKind::Black;
     switch (key) {
-    case VK_LEFT: return item - 1;
-    case VK_RIGHT: return item + 1;
-    case VK_UP: return !black && item + 1 < kKeys && KeyOf(item + 1).kind == KeyKind::Black ? item + 1 : -1;
+    case VK_UP:
+        return !black && item + 1 < kPianoItems && KeyOfItem(item + 1).kind == KeyKind::Black ? item + 1 : -1;
     case VK_DOWN: return black ? NextWhite(item, -1) : -1;
     case VK_PRIOR: return item - 12;
     case VK_NEXT: return item + 12;
-    case VK_HOME: return 0;
-    case VK_END: return kKeys - 1;
-    default: return -1;
+    default: return NeighbourInRow(panel, item, key);
     }
 }
 
@@ -110,15 +88,15 @@ void PaintCaption(Panel& panel, const KeyLabel& label, COLORREF colour) {
 }
 
 COLORREF LitColour(const Panel& panel, PianoKey key) {
-    const Colours& colours = panel.main->theme.colours;
-    return colours.high_contrast ? colours.select : ToColour(ControlOf(panel, key).BackColor);
+    const Colours& colours = ColoursOf(panel);
+    return colours.high_contrast ? colours.select : ToColour(ControlOf(RecordOf(panel), key).BackColor);
 }
 
 void PaintWhite(Panel& panel, int item, const RECT& dirty) {
-    const PianoKey key = KeyOf(item);
-    const Scale& scale = panel.main->theme.scale;
-    RECT area = ItemArea(panel, item), part;
-    if (!IntersectRect(&part, &area, &dirty)) return;
+    const PianoKey key = KeyOfItem(item);
+    const Scale& scale = ScaleOf(panel);
+    const RECT area = ItemArea(panel, item);
+    if (!Overlap(area, dirty)) return;
     const COLORREF edge = RGB(120, 124, 130);
     COLORREF face = Lit(panel, key) ? LitColour(panel, key) : RGB(255, 255, 255);
     if (panel.pressed_item == item)
@@ -136,15 +114,15 @@ void PaintWhite(Panel& panel, int item, const RECT& dirty) {
                  {inner.left + 1, inner.bottom - Scaled(scale, 4), inner.right - 1, inner.bottom - line},
                  edge, 36);
     const COLORREF text = Lit(panel, key) ? RGB(255, 255, 255) : RGB(32, 36, 42);
-    PaintCaption(panel, Record(panel).lblWNote[static_cast<std::size_t>(key.index)], text);
-    if (FocusShown(panel, item)) DrawFocusMark(panel, inner, panel.main->theme.colours.select);
+    PaintCaption(panel, LabelOf(RecordOf(panel), key), text);
+    if (FocusShown(panel, item)) DrawFocusMark(panel, inner, ColoursOf(panel).select);
 }
 
 void PaintBlack(Panel& panel, int item, const RECT& dirty) {
-    const PianoKey key = KeyOf(item);
-    const Scale& scale = panel.main->theme.scale;
-    RECT area = ItemArea(panel, item), part;
-    if (!IntersectRect(&part, &area, &dirty)) return;
+    const PianoKey key = KeyOfItem(item);
+    const Scale& scale = ScaleOf(panel);
+    const RECT area = ItemArea(panel, item);
+    if (!Overlap(area, dirty)) return;
     const COLORREF face = Lit(panel, key) ? LitColour(panel, key) : RGB(38, 40, 44);
     FillRound(panel.canvas, area, Scaled(scale, 2), RGB(16, 17, 19), true);
     // A lighter top face with a darker rim reads as a raised key.
@@ -155,39 +133,48 @@ void PaintBlack(Panel& panel, int item, const RECT& dirty) {
     if (panel.pressed_item == item) shade = Mix(shade, RGB(0, 0, 0), 60);
     if (Lit(panel, key)) FillRound(panel.canvas, area, Scaled(scale, 2), Mix(face, RGB(0, 0, 0), 60), true);
     FillRound(panel.canvas, top, Scaled(scale, 2), shade, true);
-    if (FocusShown(panel, item)) DrawFocusMark(panel, area, panel.main->theme.colours.select);
+    if (FocusShown(panel, item)) DrawFocusMark(panel, area, ColoursOf(panel).select);
 }
 
 void PaintPanel(Panel& panel, const RECT& dirty) {
-    const Colours& colours = panel.main->theme.colours;
+    const Colours& colours = ColoursOf(panel);
     FillArea(panel.canvas, dirty, colours.face);
-    for (int item = 0; item < kKeys; ++item)
-        if (KeyOf(item).kind == KeyKind::White) PaintWhite(panel, item, dirty);
-    for (int item = 0; item < kKeys; ++item)
-        if (KeyOf(item).kind == KeyKind::Black) PaintBlack(panel, item, dirty);
-    for (const KeyLabel& label : Record(panel).lblBNote) {
-        const RECT area = AreaInPanel(panel, label.place);
-        RECT part;
-        if (IntersectRect(&part, &area, &dirty)) PaintCaption(panel, label, colours.face_text);
-    }
+    for (int item = 0; item < kPianoItems; ++item)
+        if (KeyOfItem(item).kind == KeyKind::White) PaintWhite(panel, item, dirty);
+    for (int item = 0; item < kPianoItems; ++item)
+        if (KeyOfItem(item).kind == KeyKind::Black) PaintBlack(panel, item, dirty);
+    for (const KeyLabel& label : RecordOf(panel).lblBNote)
+        if (Overlap(AreaInPanel(panel, label.place), dirty)) PaintCaption(panel, label, colours.face_text);
 }
 
 } // namespace
 
-const PanelKind kPianoPanel = {L"TonexPiano",
-                               L"Piano",
-                               ROLE_SYSTEM_PUSHBUTTON,
-                               0,
-                               true,
-                               true,
-                               Count,
-                               ItemArea,
-                               ItemName,
-                               ItemChosen,
-                               ItemAt,
-                               Press,
-                               Neighbour,
-                               PaintPanel,
-                               nullptr};
+PianoKey KeyOfItem(int item) {
+    return *KeyOfPitch(static_cast<std::uint16_t>(kLowestKeyPitch + item));
+}
+
+const PianoKeyControl& ControlOf(const sndmain& window, PianoKey key) {
+    return key.kind == KeyKind::White ? At(window.kenWhite, key.index) : At(window.kenBlack, key.index);
+}
+
+const KeyLabel& LabelOf(const sndmain& window, PianoKey key) {
+    return key.kind == KeyKind::White ? At(window.lblWNote, key.index) : At(window.lblBNote, key.index);
+}
+
+const PanelKind kPianoPanel = {
+    .class_name = L"TonexPiano",
+    .title = L"Piano",
+    .item_role = ROLE_SYSTEM_PUSHBUTTON,
+    .tab_each = true,
+    .tooltips = true,
+    .count = Count,
+    .item_area = ItemArea,
+    .item_name = ItemName,
+    .item_chosen = ItemChosen,
+    .item_at = ItemAt,
+    .press = Press,
+    .neighbour = Neighbour,
+    .paint = PaintPanel,
+};
 
 } // namespace tonex

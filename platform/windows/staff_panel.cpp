@@ -4,6 +4,7 @@
 #include "platform/windows/main_window.h"
 
 #include "pictures/glyphs.h"
+#include "score/rows.h"
 #include "view/drawing_commands.h"
 #include "view/note_entry_commands.h"
 #include "view/note_names.h"
@@ -19,15 +20,8 @@ namespace {
 
 constexpr int kLedgerReach = 25; ///< twips that a ledger line reaches beyond the head on each side
 
-const sndmain& Record(const Panel& panel) {
-    return panel.main->record;
-}
-const Scale& ScaleOf(const Panel& panel) {
-    return panel.main->theme.scale;
-}
-
 int Count(const Panel& panel) {
-    const sndmain& w = Record(panel);
+    const sndmain& w = RecordOf(panel);
     const auto hidden = std::find_if(w.imgNote.begin(), w.imgNote.end(),
                                      [](const NoteImage& image) { return !image.Visible; });
     return static_cast<int>(hidden - w.imgNote.begin());
@@ -35,7 +29,7 @@ int Count(const Panel& panel) {
 
 /// The column of the panel that a picture stands in, from top to bottom, in pixels.
 RECT ColumnArea(const Panel& panel, int image) {
-    const sndmain& w = Record(panel);
+    const sndmain& w = RecordOf(panel);
     const int left = w.grdScore.place.Left - w.picStaff.Left + image * w.standard_col_width;
     const Scale& scale = ScaleOf(panel);
     return {ToPixelsX(scale, w.picStaff.Left + left) - ToPixelsX(scale, w.picStaff.Left), 0,
@@ -47,44 +41,28 @@ RECT ColumnArea(const Panel& panel, int image) {
 /// What a picture can touch: its column, and where the scale moved it into the next one.
 RECT ItemArea(const Panel& panel, int image) {
     RECT area = ColumnArea(panel, image);
-    const NoteImage& note = Record(panel).imgNote[static_cast<std::size_t>(image)];
+    const NoteImage& note = At(RecordOf(panel).imgNote, image);
     area.right =
         std::max<LONG>(area.right, ToPixelsX(ScaleOf(panel), note.place.Left + note.place.Width) + 1);
     return area;
 }
 
 std::wstring ItemName(const Panel& panel, int image) {
-    const sndmain& w = Record(panel);
-    const int slot = w.score.first_shown + image;
-    if (slot >= kSlots) return {};
-    const Entry& entry = w.score.sound[static_cast<std::size_t>(slot)];
-    return EntryNameOf(entry.code, entry.pitch, w.doremi);
+    return SlotName(panel, RecordOf(panel).score.first_shown + image);
 }
 
 bool ItemChosen(const Panel& panel, int image) {
-    return IsSelected(Record(panel).grdScore.view, Record(panel).score.first_shown + image);
+    const sndmain& w = RecordOf(panel);
+    return IsSelected(w.grdScore.view, w.score.first_shown + image);
 }
 
+/// Pictures reach into the next column; a click means the column.
 int ItemAt(const Panel& panel, POINT point) {
-    for (int image = 0; image < Count(panel); ++image) {
-        const RECT area = ColumnArea(panel, image);
-        if (PtInRect(&area, point)) return image;
-    }
-    return -1;
+    return FirstItemAt(panel, point, ColumnArea);
 }
 
 void Press(Panel& panel, int image) {
     imgNote_Click(panel.main->record, image);
-}
-
-int Neighbour(const Panel& panel, int image, WPARAM key) {
-    switch (key) {
-    case VK_LEFT: return image - 1;
-    case VK_RIGHT: return image + 1;
-    case VK_HOME: return 0;
-    case VK_END: return Count(panel) - 1;
-    default: return -1;
-    }
 }
 
 // ---- painting ----
@@ -99,8 +77,8 @@ void PaintLine(Panel& panel, int left, int right, int y_twips, COLORREF colour) 
 }
 
 void PaintSelection(Panel& panel, const RECT& dirty) {
-    const sndmain& w = Record(panel);
-    const Colours& colours = panel.main->theme.colours;
+    const sndmain& w = RecordOf(panel);
+    const Colours& colours = ColoursOf(panel);
     for (int image = 0; image < kStripPictures; ++image) {
         const int slot = w.score.first_shown + image;
         if (!IsSelected(w.grdScore.view, slot) || slot > EndColumn(w.score)) continue;
@@ -125,8 +103,8 @@ PictureCorner CornerAt(const Scale& scale, int left, int top) {
 }
 
 void PaintStaff(Panel& panel, const RECT& dirty) {
-    const sndmain& w = Record(panel);
-    const Colours& colours = panel.main->theme.colours;
+    const sndmain& w = RecordOf(panel);
+    const Colours& colours = ColoursOf(panel);
     const Scale& scale = ScaleOf(panel);
     for (const Line& line : w.Line1)
         PaintLine(panel, std::max<int>(static_cast<int>(dirty.left), ToPixelsX(scale, w.linSub[0].X1)),
@@ -139,7 +117,7 @@ void PaintStaff(Panel& panel, const RECT& dirty) {
 }
 
 void PaintLedgerLines(Panel& panel, const NoteImage& image, COLORREF colour) {
-    const sndmain& w = Record(panel);
+    const sndmain& w = RecordOf(panel);
     const auto position = static_cast<std::int16_t>(image.place.Top);
     const LedgerLines ledger = LedgerLinesOf(position, w.StaffOffset);
     const HeadSpan head = HeadSpanOf(image.Picture);
@@ -163,10 +141,10 @@ bool HeadInPanel(const sndmain& w, const NoteImage& image) {
 }
 
 void PaintImage(Panel& panel, int index, const RECT& dirty) {
-    const sndmain& w = Record(panel);
-    const NoteImage& image = w.imgNote[static_cast<std::size_t>(index)];
+    const sndmain& w = RecordOf(panel);
+    const NoteImage& image = At(w.imgNote, index);
     if (!image.Visible || image.Picture == 0) return;
-    const Colours& colours = panel.main->theme.colours;
+    const Colours& colours = ColoursOf(panel);
     const bool inverse = colours.high_contrast && ItemChosen(panel, index);
     const COLORREF ink = inverse ? colours.select_text : colours.ink;
     const bool note = image.Picture <= 20 || (image.Picture > 40 && image.Picture < kLastPicture);
@@ -183,33 +161,28 @@ void PaintImage(Panel& panel, int index, const RECT& dirty) {
 
 /// The place of the cursor, also behind the last entry where no picture is: a small mark under the staff.
 void PaintCursor(Panel& panel, const RECT& dirty) {
-    const sndmain& w = Record(panel);
+    const sndmain& w = RecordOf(panel);
     const int image = w.grdScore.view.Col - w.score.first_shown;
     if (image < 0 || image >= kStripPictures) return;
     RECT area = ColumnArea(panel, image);
     area.top = area.bottom - Scaled(ScaleOf(panel), 3);
     RECT part;
-    if (IntersectRect(&part, &area, &dirty)) FillArea(panel.canvas, part, panel.main->theme.colours.select);
+    if (IntersectRect(&part, &area, &dirty)) FillArea(panel.canvas, part, ColoursOf(panel).select);
 }
 
 void PaintPanel(Panel& panel, const RECT& dirty) {
-    const Colours& colours = panel.main->theme.colours;
+    const Colours& colours = ColoursOf(panel);
     FillArea(panel.canvas, dirty, colours.paper);
     PaintSelection(panel, dirty);
     PaintStaff(panel, dirty);
     for (int image = 0; image < kStripPictures; ++image) {
-        const RECT area = ItemArea(panel, image);
-        RECT part;
-        if (IntersectRect(&part, &area, &dirty)) PaintImage(panel, image, dirty);
+        if (Overlap(ItemArea(panel, image), dirty)) PaintImage(panel, image, dirty);
         if (FocusShown(panel, image)) DrawFocusMark(panel, ColumnArea(panel, image), colours.select);
     }
     PaintCursor(panel, dirty);
     RECT client;
     GetClientRect(panel.window, &client);
-    FillArea(panel.canvas, {0, 0, client.right, 1}, colours.rule);
-    FillArea(panel.canvas, {0, client.bottom - 1, client.right, client.bottom}, colours.rule);
-    FillArea(panel.canvas, {0, 0, 1, client.bottom}, colours.rule);
-    FillArea(panel.canvas, {client.right - 1, 0, client.right, client.bottom}, colours.rule);
+    DrawFrame(panel.canvas, client, 1, colours.rule);
 }
 
 bool Message(Panel& panel, UINT message, WPARAM, LPARAM, LRESULT&) {
@@ -222,8 +195,18 @@ bool Message(Panel& panel, UINT message, WPARAM, LPARAM, LRESULT&) {
 } // namespace
 
 const PanelKind kStaffPanel = {
-    L"TonexStaff", L"Staff", ROLE_SYSTEM_GRAPHIC, 0,      false, true,      Count,
-    ItemArea,      ItemName, ItemChosen,          ItemAt, Press, Neighbour, PaintPanel,
-    Message};
+    .class_name = L"TonexStaff",
+    .title = L"Staff",
+    .item_role = ROLE_SYSTEM_GRAPHIC,
+    .tooltips = true,
+    .count = Count,
+    .item_area = ItemArea,
+    .item_name = ItemName,
+    .item_chosen = ItemChosen,
+    .item_at = ItemAt,
+    .press = Press,
+    .paint = PaintPanel,
+    .message = Message,
+};
 
 } // namespace tonex

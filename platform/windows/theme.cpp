@@ -128,7 +128,6 @@ Colours ReadColours() {
     c.ink = GetSysColor(COLOR_WINDOWTEXT);
     c.select = GetSysColor(COLOR_HIGHLIGHT);
     c.select_text = GetSysColor(COLOR_HIGHLIGHTTEXT);
-    c.disabled_text = GetSysColor(COLOR_GRAYTEXT);
     c.high_contrast = HighContrastOn() || LightOnDark(c.ink, c.paper);
     c.staff_line = c.high_contrast ? c.ink : Mix(c.paper, c.ink, 140);
     c.rule = c.high_contrast ? c.ink : Mix(c.paper, c.ink, 44);

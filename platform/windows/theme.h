@@ -7,7 +7,7 @@
 
 namespace tonex {
 
-/// The scale of the screen the program started on.
+/// A scale: the screen's own, or a larger one in a large window.
 struct Scale {
     float twips_per_pixel_x = 15;
     float twips_per_pixel_y = 15;
@@ -28,7 +28,6 @@ struct Colours {
     COLORREF button_hot = 0;
     COLORREF button_pressed = 0;
     COLORREF button_edge = 0;
-    COLORREF disabled_text = 0;
 };
 
 struct Fonts {

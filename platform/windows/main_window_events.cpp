@@ -1,0 +1,170 @@
+// Messages of the main window become calls of the commands, and after each call what differs is shown. No
+// rule lives here. Windows-only by nature.
+#include "platform/windows/main_window_events.h"
+
+#include "app/enabling_commands.h"
+#include "app/menu_routes.h"
+#include "app/window_routes.h"
+#include "platform/windows/main_window.h"
+#include "view/tempo_commands.h"
+
+#include <commctrl.h>
+#include <shellapi.h>
+
+namespace tonex {
+
+namespace {
+
+void RunFromMenu(MainWindow& main, UINT id) {
+    RunMenuItem(main.record, static_cast<MenuItem>(id - kFirstMenuId));
+}
+
+void RunFromToolbar(MainWindow& main, UINT id) {
+    RunToolButton(main.record, ToolButtonRows()[id - kFirstToolId].key);
+}
+
+void TempoTyped(MainWindow& main) {
+    wchar_t text[64] = L"";
+    GetWindowTextW(main.tempo, text, 64);
+    main.shown.tempo_text = text;
+    TempoComboChange(main.record, text);
+}
+
+void TempoChosen(MainWindow& main) {
+    const auto index = static_cast<int>(SendMessageW(main.tempo, CB_GETCURSEL, 0, 0));
+    if (index >= 0) TempoComboClick(main.record, index);
+}
+
+void TempoEvent(MainWindow& main, UINT notification) {
+    if (main.showing) return;
+    if (notification == CBN_EDITCHANGE) TempoTyped(main);
+    // The same item chosen again sends no change, but ends the selection all the same.
+    if (notification == CBN_SELENDOK || notification == CBN_SELCHANGE) TempoChosen(main);
+}
+
+void CommandGiven(MainWindow& main, WPARAM wparam) {
+    const UINT id = LOWORD(wparam);
+    if (id >= kFirstMenuId && id < kFirstMenuId + kMenuItems)
+        RunFromMenu(main, id);
+    else if (id >= kFirstToolId && id < kFirstToolId + kToolButtons)
+        RunFromToolbar(main, id);
+    else if (id == kTempoId)
+        TempoEvent(main, HIWORD(wparam));
+    ShowDifferences(main);
+}
+
+void MenuOpens(MainWindow& main, HMENU menu) {
+    for (int i = 0; i < kMenus; ++i)
+        if (GetSubMenu(main.menu, i) == menu) OpenMenu(main.record, static_cast<Menu>(i));
+    ShowDifferences(main);
+}
+
+void Resized(MainWindow& main, LPARAM size) {
+    if (!main.up || LOWORD(size) == 0) return;
+    FitContent(main);
+    ShowDifferences(main);
+}
+
+void MinimumSize(MainWindow& main, MINMAXINFO& info) {
+    const SIZE smallest = MinimumWindowSize(main);
+    info.ptMinTrackSize = {smallest.cx, smallest.cy};
+}
+
+void Close(MainWindow& main) {
+    const bool allowed = CloseAllowed(main.record);
+    ShowDifferences(main);
+    if (allowed) DestroyWindow(main.window);
+}
+
+void Destroyed(MainWindow& main) {
+    main.up = false;
+    Hooks().main_window = nullptr;
+    PostQuitMessage(0);
+}
+
+void Dropped(MainWindow& main, HDROP drop) {
+    const UINT length = DragQueryFileW(drop, 0, nullptr, 0);
+    std::wstring path(length, L'\0');
+    if (length > 0) DragQueryFileW(drop, 0, path.data(), length + 1);
+    DragFinish(drop);
+    if (path.empty() || !main.record.Enabled) return;
+    SetForegroundWindow(main.window);
+    OpenDroppedFile(main.record, path);
+    ShowDifferences(main);
+}
+
+/// A sound device may have come or gone, and Preview with it.
+void DeviceChanged(MainWindow& main) {
+    ForgetWaveOutputs();
+    if (!main.up) return;
+    RefreshEnabling(main.record);
+    ShowDifferences(main);
+}
+
+void ColoursChanged(MainWindow& main) {
+    main.theme.colours = ReadColours();
+    LoadToolbarPictures(main);
+    RedrawWindow(main.window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+LRESULT Notify(const NMHDR& header) {
+    if (header.code != TTN_GETDISPINFOW) return 0;
+    auto& info = reinterpret_cast<NMTTDISPINFOW&>(const_cast<NMHDR&>(header));
+    const UINT_PTR id = header.idFrom;
+    if (id < kFirstToolId || id >= kFirstToolId + kToolButtons) return 0;
+    info.lpszText = const_cast<wchar_t*>(ToolButtonRows()[id - kFirstToolId].tooltip.data());
+    return 0;
+}
+
+/// Text on the window's face: the captions beside the tempo box.
+LRESULT StaticColours(MainWindow& main, HDC dc) {
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, main.theme.colours.face_text);
+    return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE));
+}
+
+/// Coming back to the window leads to the control that was left; the score grid is where work begins.
+void GiveFocusBack(MainWindow& main) {
+    const bool known = main.last_focus && IsChild(main.window, main.last_focus);
+    SetFocus(known ? main.last_focus : main.panel(PanelId::Grid).window);
+}
+
+LRESULT Activated(MainWindow& main, WPARAM wparam, LPARAM lparam) {
+    HWND focus = GetFocus();
+    if (LOWORD(wparam) == WA_INACTIVE && focus && IsChild(main.window, focus)) main.last_focus = focus;
+    return DefWindowProcW(main.window, WM_ACTIVATE, wparam, lparam);
+}
+
+/// The wheel belongs to the window under the pointer's focus; anywhere in the main window it scrolls the
+/// grid.
+LRESULT PassWheel(MainWindow& main, WPARAM wparam, LPARAM lparam) {
+    return SendMessageW(main.panel(PanelId::Grid).window, WM_MOUSEWHEEL, wparam, lparam);
+}
+
+} // namespace
+
+LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    MainWindow& main = TheMainWindow();
+    switch (message) {
+    case WM_COMMAND: CommandGiven(main, wparam); return 0;
+    case WM_INITMENUPOPUP: MenuOpens(main, reinterpret_cast<HMENU>(wparam)); return 0;
+    case WM_NOTIFY: return Notify(*reinterpret_cast<const NMHDR*>(lparam));
+    case WM_SIZE: Resized(main, lparam); return 0;
+    case WM_GETMINMAXINFO: MinimumSize(main, *reinterpret_cast<MINMAXINFO*>(lparam)); return 0;
+    case WM_ACTIVATE:
+        return main.up ? Activated(main, wparam, lparam) : DefWindowProcW(window, message, wparam, lparam);
+    case WM_SETFOCUS: GiveFocusBack(main); return 0;
+    case WM_MOUSEWHEEL: return PassWheel(main, wparam, lparam);
+    case WM_CTLCOLORSTATIC: return StaticColours(main, reinterpret_cast<HDC>(wparam));
+    case WM_DROPFILES: Dropped(main, reinterpret_cast<HDROP>(wparam)); return 0;
+    case WM_SYSCOLORCHANGE:
+    case WM_THEMECHANGED: ColoursChanged(main); return 0;
+    case WM_DEVICECHANGE: DeviceChanged(main); return TRUE;
+    case WM_QUERYENDSESSION: return CloseAllowed(main.record);
+    case WM_CLOSE: Close(main); return 0;
+    case WM_DESTROY: Destroyed(main); return 0;
+    default: return DefWindowProcW(window, message, wparam, lparam);
+    }
+}
+
+} // namespace tonex
