@@ -221,7 +221,7 @@ bool ReopenLastFile(sndmain& window, const std::wstring& section) {
     // What the library says of the path counts for more than the number stored.
     RememberFolderOfFile(window, path, window.link.CacheSoundDir, location);
     if (location == kOnDevice) path = FetchDeviceFile(window, path);
-    if (path.empty() || PathExists(path, kAttributeHidden | kAttributeSystem).empty()) return false;
+    if (path.empty() || !FileExists(path)) return false;
     document.current_path = path;
     document.location_flag = location;
     return true;

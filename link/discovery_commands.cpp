@@ -16,10 +16,6 @@ namespace {
 constexpr const wchar_t* kInstallKey = L"Software\\QMT\\Corvane-e\\PC";
 constexpr const wchar_t* kInstallValue = L"InstallDir";
 
-bool FolderExists(const std::wstring& path) {
-    return !PathExists(path, kAttributeDirectory).empty();
-}
-
 /// kOnPc, or kOnDevice for a file of the device cache. Without the library's answer, what lies below the
 /// cache folder is a device file.
 std::int16_t LocationOf(const sndmain& window, const std::wstring& path) {

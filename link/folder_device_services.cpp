@@ -57,7 +57,7 @@ std::wstring CachePathOf(const FolderDevice& device, std::wstring_view device_pa
 
 bool DeviceFileExists(const FolderDevice& device, std::wstring_view device_path) {
     const std::wstring path = CachePathOf(device, device_path);
-    return !path.empty() && !PathExists(path, kAttributeHidden | kAttributeSystem).empty();
+    return !path.empty() && FileExists(path);
 }
 
 std::vector<std::wstring> DeviceFiles(const FolderDevice& device, std::wstring_view device_folder,

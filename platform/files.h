@@ -17,12 +17,15 @@ inline constexpr std::uint32_t kAttributeSystem = 4;
 inline constexpr std::uint32_t kAttributeDirectory = 16;
 inline constexpr std::uint32_t kAttributeArchive = 32;
 
-/// Directory listing query: the name of the file or folder at the path when one is there whose hidden, system
-/// and directory attributes are all within the mask; otherwise, and on any error, empty.
-/// Mask 0 finds ordinary files, 6 hidden and system files too, 16 folders too.
-std::wstring PathExists(const std::wstring& path, std::uint32_t attribute_mask);
+/// Whether a directory listing that includes hidden and system files shows a file at the path. False for a
+/// folder, for a path with a wildcard in it, and on any error.
+bool FileExists(const std::wstring& path);
 
-/// The attributes of a file, or nothing when there is none.
+/// Whether a directory listing that includes folders shows something at the path. Such a listing shows
+/// ordinary files too, and nothing that is hidden or a system's. False on any error.
+bool FolderExists(const std::wstring& path);
+
+/// The attributes of a file or folder, or nothing when there is none.
 std::optional<std::uint32_t> AttributesOf(const std::wstring& path);
 
 /// Sets a file's attributes. False when refused.

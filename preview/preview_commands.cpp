@@ -27,8 +27,6 @@ constexpr int kDeletionsTried = 10;          // a virus scanner holds a fresh fi
 constexpr std::uint32_t kDeletionPause = 50; // milliseconds
 constexpr int kPollInterval = 20;            // milliseconds between two looks at the player
 constexpr int kLongestPollGap = 5; // seconds; a longer gap is a clock that was set or a machine that slept
-constexpr std::uint32_t kAnything = kAttributeHidden | kAttributeSystem | kAttributeDirectory;
-constexpr std::uint32_t kAnyFile = kAttributeHidden | kAttributeSystem;
 constexpr const wchar_t* kPlayerCommand = L"sndrec32 /play /close ";
 constexpr const wchar_t* kPlayVerb = L"Play";
 
@@ -50,7 +48,7 @@ std::optional<std::wstring> ClaimTemporaryFile(const std::wstring& extension) {
             CloseOutput(std::move(file)); // empty: there is nothing that a late error could lose
             return path;
         }
-        if (PathExists(path, kAnything).empty()) return std::nullopt; // the folder refuses
+        if (!AttributesOf(path)) return std::nullopt; // the folder refuses
     }
     return std::nullopt;
 }
@@ -60,7 +58,7 @@ void DeleteTemporaryFile(const std::wstring& path) {
     for (int tried = 0; tried < kDeletionsTried; ++tried) {
         if (tried > 0) PauseBriefly(kDeletionPause);
         DeleteFileIfExists(path);
-        if (PathExists(path, kAnyFile).empty()) return;
+        if (!FileExists(path)) return;
     }
 }
 

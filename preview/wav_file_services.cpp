@@ -17,7 +17,6 @@ constexpr std::int16_t kFailed = -4;
 
 /// Far above the longest file that the editor writes; what is behind it is not read.
 constexpr std::size_t kMostSndBytes = 1024 * 1024;
-constexpr std::uint32_t kHiddenAndSystem = kAttributeHidden | kAttributeSystem;
 
 /// The samples that a WAV file's 32-bit sizes can count.
 constexpr std::uint64_t kMostSamples = 0xFFFFFFFFU - kWavHeaderSize;
@@ -73,7 +72,7 @@ bool PatchSizes(OutputFile& file, std::uint32_t data_size) {
 
 std::int16_t sndfile2wavfile(const WaveTable& table, const std::wstring& snd_path,
                              const std::wstring& wav_path, const ConversionProgress& progress) {
-    if (PathExists(snd_path, kHiddenAndSystem).empty()) return kNotAMelody;
+    if (!FileExists(snd_path)) return kNotAMelody;
     std::vector<std::uint8_t> snd;
     if (!ReadWholeFile(snd_path, snd, kMostSndBytes)) return kNotAMelody;
     PlayBlock block;

@@ -222,7 +222,7 @@ SndResult SoundDataToFile(sndmain& window, std::int16_t tempo, const FileList& l
 }
 
 SndResult FileToSoundData(std::int16_t& tempo, FileList& list, const std::wstring& path) {
-    if (PathExists(path, kAttributeHidden | kAttributeSystem).empty()) return kSndNotFound;
+    if (!FileExists(path)) return kSndNotFound;
     std::vector<std::uint8_t> bytes;
     if (!ReadWholeFile(path, bytes, 2 * kSndBlockSize)) return kSndNotFound;
     return DecodeSnd(bytes, tempo, list);

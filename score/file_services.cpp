@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::wstring_view kTemporaryStart = L"~snd";
 constexpr std::wstring_view kTemporaryEnd = L".tmp";
-constexpr std::uint32_t kListed = kAttributeHidden | kAttributeSystem;
 constexpr std::uint32_t kGuarding = kAttributeReadOnly | kAttributeHidden | kAttributeSystem;
 constexpr int kNameTries = 8;
 constexpr int kTries = 5;            ///< of an operation that a scanner may block for moments
@@ -101,7 +100,7 @@ void SweepAbandonedSaves(const std::wstring& folder) {
 }
 
 void DeleteFileIfExists(const std::wstring& path) {
-    if (PathExists(path, kListed).empty()) return;
+    if (!FileExists(path)) return;
     SetAttributesOf(path, kAttributeArchive);
     WithRetries([&] { return RemoveFile(path); });
 }

@@ -82,20 +82,23 @@ TEST_F(DesktopTest, PathsCompareWithoutRegardToLetterCase) {
     EXPECT_EQ(Read(L"c:\\SONGS\\tune.SND"), kBytes);
 }
 
-TEST_F(DesktopTest, AListingShowsWhatTheMaskIncludes) {
+TEST_F(DesktopTest, AListingShowsFilesOrWithFoldersWhatIsNotHidden) {
     desk.files[L"C:\\A.SND"] = {kBytes, kAttributeArchive | kAttributeReadOnly};
     desk.files[L"C:\\H.SND"] = {kBytes, kAttributeHidden};
     desk.files[L"C:\\S.SND"] = {kBytes, kAttributeSystem};
     desk.folders.insert(L"C:\\Songs");
-    EXPECT_EQ(PathExists(L"C:\\a.snd", 0), L"a.snd");
-    EXPECT_EQ(PathExists(L"C:\\H.SND", 0), L"");
-    EXPECT_EQ(PathExists(L"C:\\H.SND", 2), L"H.SND");
-    EXPECT_EQ(PathExists(L"C:\\S.SND", 2), L"");
-    EXPECT_EQ(PathExists(L"C:\\S.SND", 6), L"S.SND");
-    EXPECT_EQ(PathExists(L"C:\\Songs", 6), L"");
-    EXPECT_EQ(PathExists(L"C:\\Songs", 16), L"Songs");
-    EXPECT_EQ(PathExists(L"C:\\Songs\\", 16), L"Songs");
-    EXPECT_EQ(PathExists(L"C:\\none", 22), L"");
+    for (const wchar_t* file : {L"C:\\a.snd", L"C:\\H.SND", L"C:\\S.SND"})
+        EXPECT_TRUE(FileExists(file)) << desktop::Utf8(file);
+    EXPECT_FALSE(FileExists(L"C:\\Songs"));
+    EXPECT_TRUE(FolderExists(L"C:\\Songs"));
+    EXPECT_TRUE(FolderExists(L"C:\\Songs\\"));
+    EXPECT_TRUE(FolderExists(L"C:\\a.snd")) << "a listing with folders shows ordinary files too";
+    EXPECT_FALSE(FolderExists(L"C:\\H.SND"));
+    EXPECT_FALSE(FolderExists(L"C:\\S.SND"));
+    EXPECT_FALSE(FileExists(L"C:\\none"));
+    EXPECT_FALSE(FolderExists(L"C:\\none"));
+    EXPECT_EQ(AttributesOf(L"C:\\Songs"), kAttributeDirectory);
+    EXPECT_EQ(AttributesOf(L"C:\\none"), std::nullopt);
 }
 
 TEST_F(DesktopTest, AFileIsWrittenPatchedAndClosed) {
@@ -158,9 +161,9 @@ TEST_F(DesktopTest, AReadOnlyFileIsNeitherDeletedNorReplaced) {
 TEST_F(DesktopTest, TheOperationThatIsToFailFailsOnce) {
     desk.files[L"C:\\A.SND"] = {kBytes};
     desk.fail_at = 1;
-    EXPECT_EQ(PathExists(L"C:\\A.SND", 0), L"A.SND");
-    EXPECT_EQ(PathExists(L"C:\\A.SND", 0), L"");
-    EXPECT_EQ(PathExists(L"C:\\A.SND", 0), L"A.SND");
+    EXPECT_TRUE(FileExists(L"C:\\A.SND"));
+    EXPECT_FALSE(FileExists(L"C:\\A.SND"));
+    EXPECT_TRUE(FileExists(L"C:\\A.SND"));
     EXPECT_EQ(desk.file_operations, 3);
 }
 
@@ -184,7 +187,8 @@ TEST_F(DesktopTest, EveryFileOperationCountsAndCanFail) {
         desk.fail_at = -1;
     };
     const std::wstring path = L"C:\\A.SND";
-    counts([&] { return !PathExists(path, 0).empty(); });
+    counts([&] { return FileExists(path); });
+    counts([&] { return FolderExists(path); });
     counts([&] { return AttributesOf(path).has_value(); });
     counts([&] { return SetAttributesOf(path, 0); });
     counts([&] { return RemoveFile(path); });
@@ -213,7 +217,7 @@ TEST_F(DesktopTest, AStoppedMachineLosesHalfOfWhatWasNotFlushed) {
     write(L"C:\\NOT.SND", false);
     RenameOver(L"C:\\NOT.SND", L"C:\\MOVED.SND");
     desk.stop_at = desk.file_operations;
-    EXPECT_THROW(PathExists(L"C:\\A.SND", 0), desktop::MachineStopped);
+    EXPECT_THROW(FileExists(L"C:\\A.SND"), desktop::MachineStopped);
     EXPECT_EQ(Read(L"C:\\FLUSHED.SND"), kBytes);
     EXPECT_EQ(Read(L"C:\\MOVED.SND"), (Bytes{1, 2, 3}));
 }

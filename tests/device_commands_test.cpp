@@ -538,7 +538,7 @@ TEST_F(Device, AHiddenFileIsReopened) {
     desk.settings[kLastFile] = L"1,PC:A.SND,C:\\x\\A.SND";
     desk.files[L"C:\\x\\A.SND"] = {{1}, 6};
     EXPECT_TRUE(ReopenLastFile(window, L"Tonex"));
-    EXPECT_TRUE(desktop::Asked("PathExists C:\\x\\A.SND 6"));
+    EXPECT_TRUE(desktop::Asked("FileExists C:\\x\\A.SND"));
 }
 
 TEST_F(Device, ADeviceFileIsFetched) {

@@ -121,8 +121,8 @@ TEST_F(Discovery, UserDataIsSpelledInTwoWays) {
     desktop::InstallLinkSoftware();
     desk.folders.clear();
     EXPECT_TRUE(DiscoverLinkSoftware(window));
-    EXPECT_TRUE(desktop::Asked("PathExists C:\\Link\\userdata\\sound 16"));
-    EXPECT_TRUE(desktop::Asked("PathExists C:\\Link\\UserData 16"));
+    EXPECT_TRUE(desktop::Asked("FolderExists C:\\Link\\userdata\\sound"));
+    EXPECT_TRUE(desktop::Asked("FolderExists C:\\Link\\UserData"));
 }
 
 TEST_F(Discovery, TheCacheFolderIsFormedAndNotAskedFor) {
@@ -131,7 +131,7 @@ TEST_F(Discovery, TheCacheFolderIsFormedAndNotAskedFor) {
     EXPECT_TRUE(DiscoverLinkSoftware(window));
     int asked = 0;
     for (const std::string& line : desk.log)
-        asked += line.starts_with("PathExists");
+        asked += line.starts_with("FolderExists");
     EXPECT_EQ(asked, 2) << "the sound folder and the user folder";
 }
 

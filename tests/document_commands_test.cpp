@@ -773,7 +773,7 @@ TEST_F(Upload, NoPathLeavesATemporaryFileBehind) {
         EXPECT_FALSE(window.document.upload_requested);
         // A scanner that blocks the deletion for a moment is waited for; only a listing that fails hides the
         // file.
-        const bool hidden = desk.log.back().starts_with("PathExists");
+        const bool hidden = desk.log.back().starts_with("FileExists");
         EXPECT_EQ(FilesWith(L"C:\\Temp\\"), hidden ? 1 : 0) << "operation " << fail_at;
         std::erase_if(desk.files, [](const auto& file) { return file.first.starts_with(L"C:\\Temp\\"); });
     }

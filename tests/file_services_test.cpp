@@ -177,7 +177,7 @@ TEST(SaveFile, WhatWasSavedSurvivesAStopRightAfterIt) {
     desktop::Desktop& desk = DiskWithOldFile();
     ASSERT_TRUE(SaveWholeFile(kPath, kNew));
     desk.stop_at = desk.file_operations;
-    EXPECT_THROW(PathExists(kPath, 0), desktop::MachineStopped);
+    EXPECT_THROW(FileExists(kPath), desktop::MachineStopped);
     EXPECT_EQ(desk.files.at(kPath).bytes, kNew) << "the bytes were not brought to the disk before the rename";
 }
 
@@ -246,7 +246,7 @@ TEST(DeleteFileIfExists, DeletesHiddenSystemAndReadOnlyFiles) {
         const desktop::Desktop& desk = DiskWithOldFile(attributes);
         DeleteFileIfExists(kPath);
         EXPECT_FALSE(desk.files.contains(kPath)) << "attributes " << attributes;
-        EXPECT_TRUE(desktop::Asked("PathExists C:\\Songs\\TUNE.SND 6"));
+        EXPECT_TRUE(desktop::Asked("FileExists C:\\Songs\\TUNE.SND"));
         EXPECT_TRUE(desktop::Asked("SetAttributesOf C:\\Songs\\TUNE.SND 32"));
     }
 }
@@ -254,11 +254,11 @@ TEST(DeleteFileIfExists, DeletesHiddenSystemAndReadOnlyFiles) {
 TEST(DeleteFileIfExists, LeavesWhatIsNotThereAlone) {
     const desktop::Desktop& desk = desktop::Reset();
     DeleteFileIfExists(kPath);
-    EXPECT_EQ(desk.log, std::vector<std::string>{"PathExists C:\\Songs\\TUNE.SND 6"});
+    EXPECT_EQ(desk.log, std::vector<std::string>{"FileExists C:\\Songs\\TUNE.SND"});
 }
 
 TEST(DeleteFileIfExists, IgnoresEveryError) {
-    for (const char* call : {"PathExists", "SetAttributesOf", "RemoveFile"}) {
+    for (const char* call : {"FileExists", "SetAttributesOf", "RemoveFile"}) {
         desktop::Desktop& desk = DiskWithOldFile(kAttributeReadOnly);
         desk.refused = {call};
         DeleteFileIfExists(kPath);

@@ -281,7 +281,7 @@ int OperationsOfAConversion(bool old_wav) {
 
 /// The file operations in the log, without their arguments behind the path.
 std::string FailedOperation(int number) {
-    const char* const kinds[] = {"PathExists",    "AttributesOf", "SetAttributesOf", "RemoveFile",
+    const char* const kinds[] = {"FileExists",    "AttributesOf", "SetAttributesOf", "RemoveFile",
                                  "ReadWholeFile", "CreateOutput", "WriteOutput",     "PatchOutput",
                                  "FlushOutput",   "CloseOutput"};
     for (const std::string& line : desktop::Current().log) {
@@ -306,7 +306,7 @@ TEST(WavFile, WhateverOperationFailsOnceNoBrokenFileIsLeft) {
         const std::string failed = FailedOperation(at);
         const auto ends = std::count(told.numbers.begin(), told.numbers.end(), -1);
         EXPECT_EQ(ends, told.numbers.empty() ? 0 : 1) << failed;
-        if (failed.starts_with("PathExists C:\\Temp\\$$123456.wav")) {
+        if (failed.starts_with("FileExists C:\\Temp\\$$123456.wav")) {
             // An existence query that fails means: nothing there.
             EXPECT_EQ(result, 0) << failed;
             EXPECT_EQ(Wav(), expected) << failed;

@@ -69,7 +69,7 @@ TEST_F(StartUpTest, TheOrderOfDesktopCallsIsTheListsOrder) {
         "QueryTextSize InstallDir",
         "QueryText InstallDir 10",
         "CloseKey",
-        "PathExists C:\\Link\\userdata\\sound 16",
+        "FolderExists C:\\Link\\userdata\\sound",
         "LoadLinkLibrary C:\\Link",
         "ProgramFolder",
         "ReadSetting Corvane\\Tonex\\DoremiFlag",

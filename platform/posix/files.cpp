@@ -106,12 +106,14 @@ bool Matches(std::wstring_view name, std::wstring_view pattern) {
 
 } // namespace
 
-std::wstring PathExists(const std::wstring& path, std::uint32_t attribute_mask) {
+bool FileExists(const std::wstring& path) {
     const auto attributes = AttributesOf(path);
-    if (!attributes) return {};
-    constexpr std::uint32_t filtered = kAttributeHidden | kAttributeSystem | kAttributeDirectory;
-    if ((*attributes & filtered & ~attribute_mask) != 0) return {};
-    return NameOf(path);
+    return attributes && (*attributes & kAttributeDirectory) == 0;
+}
+
+bool FolderExists(const std::wstring& path) {
+    const auto attributes = AttributesOf(path);
+    return attributes && (*attributes & kAttributeHidden) == 0;
 }
 
 std::optional<std::uint32_t> AttributesOf(const std::wstring& path) {

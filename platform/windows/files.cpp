@@ -76,6 +76,24 @@ bool ReadUpTo(HANDLE handle, std::vector<std::uint8_t>& bytes, std::size_t limit
     return true;
 }
 
+// Whether a listing that includes what the mask says shows the path.
+bool IsListed(const std::wstring& path, std::uint32_t attribute_mask) {
+    if (path.empty() || HasWildcard(path)) return false;
+    if (IsDriveRoot(path)) { // a root has no entry of its own in any listing
+        return (attribute_mask & kAttributeDirectory) != 0 &&
+               GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+    }
+    const std::wstring entry(WithoutEndingBackslashes(path));
+    if (entry.empty()) return false;
+    WIN32_FIND_DATAW found;
+    const HANDLE listing = FindFirstFileW(entry.c_str(), &found);
+    if (listing == INVALID_HANDLE_VALUE) return false;
+    FindClose(listing);
+    const DWORD attributes = found.dwFileAttributes;
+    if (entry.size() != path.size() && !(attributes & FILE_ATTRIBUTE_DIRECTORY)) return false;
+    return (attributes & kListedOnRequest & ~attribute_mask) == 0;
+}
+
 wchar_t UpperCased(wchar_t letter) {
     wchar_t upper = letter;
     LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, &letter, 1, &upper, 1);
@@ -108,24 +126,12 @@ bool MatchesPattern(std::wstring_view name, std::wstring_view pattern) {
 
 } // namespace
 
-std::wstring PathExists(const std::wstring& path, std::uint32_t attribute_mask) {
-    if (path.empty() || HasWildcard(path)) return {};
-    const auto within_mask = [&](DWORD attributes) {
-        return (attributes & kListedOnRequest & ~attribute_mask) == 0;
-    };
-    if (IsDriveRoot(path)) { // a root has no entry of its own in any listing
-        const DWORD attributes = GetFileAttributesW(path.c_str());
-        if (attributes == INVALID_FILE_ATTRIBUTES || !(attribute_mask & kAttributeDirectory)) return {};
-        return path;
-    }
-    const std::wstring entry(WithoutEndingBackslashes(path));
-    if (entry.empty()) return {};
-    WIN32_FIND_DATAW found;
-    const HANDLE listing = FindFirstFileW(entry.c_str(), &found);
-    if (listing == INVALID_HANDLE_VALUE) return {};
-    FindClose(listing);
-    if (entry.size() != path.size() && !(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) return {};
-    return within_mask(found.dwFileAttributes) ? std::wstring(found.cFileName) : std::wstring();
+bool FileExists(const std::wstring& path) {
+    return IsListed(path, kAttributeHidden | kAttributeSystem);
+}
+
+bool FolderExists(const std::wstring& path) {
+    return IsListed(path, kAttributeDirectory);
 }
 
 std::optional<std::uint32_t> AttributesOf(const std::wstring& path) {

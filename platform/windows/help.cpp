@@ -54,7 +54,7 @@ bool OpenHelpFile(const std::wstring& path, std::uint32_t command, const std::ws
 
 bool OpenHelpGuide() {
     const std::wstring guide = ProgramFolder() + L"\\Veloxa.htm";
-    if (PathExists(guide, kAttributeHidden | kAttributeSystem).empty()) return false;
+    if (!FileExists(guide)) return false;
     using ShellFunction = BOOL(WINAPI*)(SHELLEXECUTEINFOW*);
     const auto open = LibraryFunction<ShellFunction>(SystemLibrary(L"shell32.dll"), "ShellExecuteExW");
     if (!open) return false;

@@ -230,29 +230,23 @@ MessageAnswer ShowMessage(const std::wstring& text, MessageButtons buttons, Mess
 
 // files.h
 
-std::wstring PathExists(const std::wstring& path, std::uint32_t attribute_mask) {
-    const std::wstring call = path + L" " + std::to_wstring(attribute_mask);
-    if (!Operation("PathExists", call)) return {};
-    Desktop& desk = Current();
-    constexpr std::uint32_t kListed = kAttributeHidden | kAttributeSystem | kAttributeDirectory;
-    std::uint32_t attributes = 0;
-    if (const auto found = desk.files.find(path); found != desk.files.end()) {
-        attributes = found->second.attributes;
-    } else if (desk.folders.contains(Plain(path))) {
-        attributes = kAttributeDirectory;
-    } else {
-        return {};
-    }
-    if ((attributes & kListed & ~attribute_mask) != 0) return {};
-    const std::wstring plain = Plain(path);
-    return plain.substr(NameStart(plain));
+bool FileExists(const std::wstring& path) {
+    return Operation("FileExists", path) && Current().files.contains(path);
+}
+
+bool FolderExists(const std::wstring& path) {
+    if (!Operation("FolderExists", path)) return false;
+    const auto file = Current().files.find(path);
+    if (file == Current().files.end()) return Current().folders.contains(Plain(path));
+    return (file->second.attributes & (kAttributeHidden | kAttributeSystem)) == 0;
 }
 
 std::optional<std::uint32_t> AttributesOf(const std::wstring& path) {
     if (!Operation("AttributesOf", path)) return std::nullopt;
     const auto found = Current().files.find(path);
-    if (found == Current().files.end()) return std::nullopt;
-    return found->second.attributes;
+    if (found != Current().files.end()) return found->second.attributes;
+    if (Current().folders.contains(Plain(path))) return kAttributeDirectory;
+    return std::nullopt;
 }
 
 bool SetAttributesOf(const std::wstring& path, std::uint32_t attributes) {

@@ -66,7 +66,7 @@ struct PathLess {
 };
 
 struct Desktop {
-    /// One line a call, in order: "PathExists C:\a.snd 6", "ShowMessage Read error!", in UTF-8.
+    /// One line a call, in order: "FileExists C:\a.snd", "ShowMessage Read error!", in UTF-8.
     std::vector<std::string> log;
 
     // Message boxes and dialogs. An empty queue is a test failure, except for messages with only OK.

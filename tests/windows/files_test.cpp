@@ -37,66 +37,74 @@ struct HeldFile {
 
 } // namespace
 
-TEST(PathExists, FindsAnOrdinaryFileWithEveryMaskAndGivesItsNameAsItStands) {
+TEST(FileExists, FindsAnOrdinaryFileInAnyLetterCase) {
     const TestFolder folder;
     WriteBytes(folder / L"Tune.snd", "x");
-    for (const std::uint32_t mask : {0u, 6u, 16u, 22u})
-        EXPECT_EQ(PathExists(folder / L"TUNE.SND", mask), L"Tune.snd");
+    EXPECT_TRUE(FileExists(folder / L"TUNE.SND"));
 }
 
-TEST(PathExists, FindsReadOnlyAndArchivedFilesWithoutBeingAsked) {
+TEST(FileExists, FindsReadOnlyArchivedHiddenAndSystemFiles) {
     const TestFolder folder;
     WriteBytes(folder / L"a.snd", "x");
-    SetFileAttributesW((folder / L"a.snd").c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE);
-    EXPECT_EQ(PathExists(folder / L"a.snd", 0), L"a.snd");
+    for (const DWORD attributes :
+         {FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE, FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM}) {
+        SetFileAttributesW((folder / L"a.snd").c_str(), attributes);
+        ASSERT_EQ(GetFileAttributesW((folder / L"a.snd").c_str()) & attributes, attributes);
+        EXPECT_TRUE(FileExists(folder / L"a.snd"));
+    }
 }
 
-TEST(PathExists, FindsHiddenFilesOnlyWhenAskedFor) {
-    const TestFolder folder;
-    WriteBytes(folder / L"a.snd", "x");
-    SetFileAttributesW((folder / L"a.snd").c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
-    ASSERT_TRUE(GetFileAttributesW((folder / L"a.snd").c_str()) & FILE_ATTRIBUTE_HIDDEN);
-    EXPECT_EQ(PathExists(folder / L"a.snd", 0), L"");
-    EXPECT_EQ(PathExists(folder / L"a.snd", 16), L"");
-    EXPECT_EQ(PathExists(folder / L"a.snd", 6), L"a.snd");
-}
-
-TEST(PathExists, FindsFoldersOnlyWhenAskedForWithOrWithoutABackslash) {
+TEST(FileExists, AFolderAndADriveRootAreNoFiles) {
     const TestFolder folder;
     MakeFolder(folder / L"sound");
-    EXPECT_EQ(PathExists(folder / L"sound", 0), L"");
-    EXPECT_EQ(PathExists(folder / L"sound", 6), L"");
-    EXPECT_EQ(PathExists(folder / L"sound", 16), L"sound");
-    EXPECT_EQ(PathExists(folder / L"sound\\", 16), L"sound");
+    EXPECT_FALSE(FileExists(folder / L"sound"));
+    EXPECT_FALSE(FileExists(L"C:\\"));
 }
 
-TEST(PathExists, AFileIsNotAFolderBecauseABackslashFollows) {
+TEST(FolderExists, FindsAFolderWithOrWithoutABackslash) {
+    const TestFolder folder;
+    MakeFolder(folder / L"sound");
+    EXPECT_TRUE(FolderExists(folder / L"sound"));
+    EXPECT_TRUE(FolderExists(folder / L"sound\\"));
+}
+
+TEST(FolderExists, AListingWithFoldersShowsOrdinaryFilesTooAndHiddenOnesNot) {
     const TestFolder folder;
     WriteBytes(folder / L"a.snd", "x");
-    EXPECT_EQ(PathExists(folder / L"a.snd\\", 16), L"");
+    EXPECT_TRUE(FolderExists(folder / L"a.snd"));
+    SetFileAttributesW((folder / L"a.snd").c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
+    ASSERT_TRUE(GetFileAttributesW((folder / L"a.snd").c_str()) & FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_FALSE(FolderExists(folder / L"a.snd"));
 }
 
-TEST(PathExists, FindsADriveRootAsAFolder) {
-    EXPECT_EQ(PathExists(L"C:\\", 16), L"C:\\");
-    EXPECT_EQ(PathExists(L"C:\\", 6), L"");
-    EXPECT_EQ(PathExists(L"Q:\\", 16), L"");
-}
-
-TEST(PathExists, WildcardsFindNothing) {
+TEST(FolderExists, AFileIsNotAFolderBecauseABackslashFollows) {
     const TestFolder folder;
     WriteBytes(folder / L"a.snd", "x");
-    for (const wchar_t* name : {L"*.snd", L"?.snd", L"*", L"a.s<", L"a.sn>", L"a\"snd"})
-        EXPECT_EQ(PathExists(folder / name, 22), L"") << name;
+    EXPECT_FALSE(FolderExists(folder / L"a.snd\\"));
 }
 
-TEST(PathExists, ErrorsFindNothing) {
+TEST(FolderExists, FindsADriveRoot) {
+    EXPECT_TRUE(FolderExists(L"C:\\"));
+    EXPECT_FALSE(FolderExists(L"Q:\\"));
+}
+
+TEST(FileExists, WildcardsFindNothing) {
     const TestFolder folder;
-    EXPECT_EQ(PathExists(L"", 22), L"");
-    EXPECT_EQ(PathExists(L"\\", 22), L"");
-    EXPECT_EQ(PathExists(folder / L"missing.snd", 22), L"");
-    EXPECT_EQ(PathExists(folder / L"missing\\a.snd", 22), L"");
-    EXPECT_EQ(PathExists(L"Q:\\a.snd", 22), L"");
-    EXPECT_EQ(PathExists(std::wstring(40000, L'a'), 22), L"");
+    WriteBytes(folder / L"a.snd", "x");
+    for (const wchar_t* name : {L"*.snd", L"?.snd", L"*", L"a.s<", L"a.sn>", L"a\"snd"}) {
+        EXPECT_FALSE(FileExists(folder / name)) << name;
+        EXPECT_FALSE(FolderExists(folder / name)) << name;
+    }
+}
+
+TEST(FileExists, ErrorsFindNothing) {
+    const TestFolder folder;
+    for (const std::wstring& path :
+         {std::wstring(), std::wstring(L"\\"), folder / L"missing.snd", folder / L"missing\\a.snd",
+          std::wstring(L"Q:\\a.snd"), std::wstring(40000, L'a')}) {
+        EXPECT_FALSE(FileExists(path));
+        EXPECT_FALSE(FolderExists(path));
+    }
 }
 
 TEST(FileAttributes, AreSetAndRead) {
