@@ -28,6 +28,28 @@ std::wstring UpperCase(std::wstring_view text) {
     return upper;
 }
 
+bool MatchesPattern(std::wstring_view name, std::wstring_view pattern, SameLetterRule same_letter) {
+    std::size_t n = 0;
+    std::size_t p = 0;
+    std::size_t star = std::wstring_view::npos; // the last '*' met, and where the name went on behind its run
+    std::size_t behind_run = 0;
+    while (n < name.size()) {
+        if (p < pattern.size() && pattern[p] == L'*') {
+            star = p++;
+            behind_run = n;
+        } else if (p < pattern.size() && (pattern[p] == L'?' || same_letter(pattern[p], name[n]))) {
+            ++p;
+            ++n;
+        } else if (star != std::wstring_view::npos) {
+            p = star + 1;
+            n = ++behind_run;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of(L'*', p) == std::wstring_view::npos;
+}
+
 bool HasExtension(std::wstring_view name, std::wstring_view extension) {
     if (name.size() > kExtensionLength) name.remove_prefix(name.size() - kExtensionLength);
     return UpperCase(name) == UpperCase(extension);

@@ -17,6 +17,10 @@ bool HasExtension(std::wstring_view name, std::wstring_view extension);
 std::wstring WithoutQuotes(std::wstring_view path);
 /// The path without one backslash at its end.
 std::wstring WithoutTrailingBackslash(std::wstring_view path);
+/// Whether two characters are the same letter, in any case.
+using SameLetterRule = bool (*)(wchar_t, wchar_t);
+/// Whether a name matches a pattern of '*' (any run of characters) and '?' (any one).
+bool MatchesPattern(std::wstring_view name, std::wstring_view pattern, SameLetterRule same_letter);
 /// Upper case of the letters a to z only, as extensions are compared.
 std::wstring UpperCase(std::wstring_view text);
 

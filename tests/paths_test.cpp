@@ -70,6 +70,39 @@ TEST(Paths, ExactlyOneTrailingBackslashIsDropped) {
     EXPECT_EQ(WithoutTrailingBackslash(L""), L"");
 }
 
+TEST(Paths, APatternsStarIsAnyRunAndItsQuestionMarkAnyOneCharacter) {
+    const auto same = [](wchar_t a, wchar_t b) { return a == b; };
+    const struct {
+        const wchar_t* name;
+        const wchar_t* pattern;
+        bool matches;
+    } cases[] = {{L"TUNE.SND", L"*.SND", true},
+                 {L"TUNE.SNDX", L"*.SND", false},
+                 {L"TUNE", L"*.SND", false},
+                 {L".SND", L"*.SND", true},
+                 {L"A.SND.SND", L"*.SND", true},
+                 {L"aXbXc", L"a*X*c", true},
+                 {L"aXbXc", L"a*Y*c", false},
+                 {L"ab", L"?b", true},
+                 {L"b", L"?b", false},
+                 {L"abc", L"a?", false},
+                 {L"", L"", true},
+                 {L"", L"**", true},
+                 {L"", L"?", false},
+                 {L"abc", L"", false},
+                 {L"abc", L"abc**", true},
+                 {L"*", L"?", true},
+                 {L"a", L"A", false}};
+    for (const auto& [name, pattern, matches] : cases)
+        EXPECT_EQ(MatchesPattern(name, pattern, same), matches) << name << " " << pattern;
+}
+
+TEST(Paths, APatternsLettersAreComparedByTheRuleThatIsGiven) {
+    const auto any = [](wchar_t, wchar_t) { return true; };
+    EXPECT_TRUE(MatchesPattern(L"abc", L"xyz", any));
+    EXPECT_FALSE(MatchesPattern(L"abc", L"xy", any));
+}
+
 TEST(Paths, UpperCaseChangesPlainLettersOnly) {
     EXPECT_EQ(UpperCase(L"az AZ 09.snd`{"), L"AZ AZ 09.SND`{");
     EXPECT_EQ(UpperCase(L"\u00e9\u00df\u30e1"), L"\u00e9\u00df\u30e1");

@@ -2,6 +2,7 @@
 // that nobody may write counts as read-only; an ordinary file always carries the archive attribute.
 #include "platform/files.h"
 
+#include "link/paths.h"
 #include "platform/posix/utf8.h"
 
 #include <cerrno>
@@ -77,31 +78,6 @@ bool WriteAll(int descriptor, const std::uint8_t* bytes, std::size_t count, std:
 
 bool SameLetter(wchar_t a, wchar_t b) {
     return std::towlower(static_cast<std::wint_t>(a)) == std::towlower(static_cast<std::wint_t>(b));
-}
-
-/// Whether a name matches a pattern of '*' (any run) and '?' (any one character), in any letter case.
-bool Matches(std::wstring_view name, std::wstring_view pattern) {
-    std::size_t n = 0;
-    std::size_t p = 0;
-    std::size_t star = std::wstring_view::npos;
-    std::size_t retry = 0;
-    while (n < name.size()) {
-        if (p < pattern.size() && pattern[p] == L'*') {
-            star = p++;
-            retry = n;
-        } else if (p < pattern.size() && (pattern[p] == L'?' || SameLetter(pattern[p], name[n]))) {
-            ++p;
-            ++n;
-        } else if (star != std::wstring_view::npos) {
-            p = star + 1;
-            n = ++retry;
-        } else {
-            return false;
-        }
-    }
-    while (p < pattern.size() && pattern[p] == L'*')
-        ++p;
-    return p == pattern.size();
 }
 
 } // namespace
@@ -232,7 +208,7 @@ std::vector<std::wstring> ListFiles(const std::wstring& folder, const std::wstri
         struct stat status {};
         if (fstatat(dirfd(listing), entry->d_name, &status, 0) != 0 || !S_ISREG(status.st_mode)) continue;
         std::wstring name = TextOfBytes(entry->d_name);
-        if (Matches(name, pattern)) names.push_back(std::move(name));
+        if (MatchesPattern(name, pattern, SameLetter)) names.push_back(std::move(name));
     }
     closedir(listing);
     return names;

@@ -1,6 +1,7 @@
 // platform/files.h on Win32. Needs nothing but kernel32, so console programs use it too.
 #include "platform/files.h"
 
+#include "link/paths.h"
 #include "platform/windows/desktop_windows.h"
 
 #include <algorithm>
@@ -100,28 +101,8 @@ wchar_t UpperCased(wchar_t letter) {
     return upper;
 }
 
-// Whether a name matches a pattern of '*' and '?'.
-bool MatchesPattern(std::wstring_view name, std::wstring_view pattern) {
-    std::size_t n = 0, p = 0;
-    std::size_t star = std::wstring_view::npos, star_n = 0;
-    while (n < name.size()) {
-        if (p < pattern.size() && pattern[p] == L'*') {
-            star = p++;
-            star_n = n;
-        } else if (p < pattern.size() &&
-                   (pattern[p] == L'?' || UpperCased(pattern[p]) == UpperCased(name[n]))) {
-            ++p;
-            ++n;
-        } else if (star != std::wstring_view::npos) {
-            p = star + 1;
-            n = ++star_n;
-        } else {
-            return false;
-        }
-    }
-    while (p < pattern.size() && pattern[p] == L'*')
-        ++p;
-    return p == pattern.size();
+bool SameLetter(wchar_t a, wchar_t b) {
+    return UpperCased(a) == UpperCased(b);
 }
 
 } // namespace
@@ -216,7 +197,8 @@ std::vector<std::wstring> ListFiles(const std::wstring& folder, const std::wstri
     if (listing == INVALID_HANDLE_VALUE) return names;
     do {
         // The system compares the short names too, by which "*.snd" also finds "tune.sndx".
-        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) && MatchesPattern(found.cFileName, pattern))
+        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) &&
+            MatchesPattern(found.cFileName, pattern, SameLetter))
             names.emplace_back(found.cFileName);
     } while (FindNextFileW(listing, &found));
     FindClose(listing);

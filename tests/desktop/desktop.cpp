@@ -1,5 +1,6 @@
 #include "tests/desktop/desktop.h"
 
+#include "link/paths.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/files.h"
@@ -143,12 +144,8 @@ bool FolderRefuses(const std::wstring& path) {
     return Current().refusing_folders.contains(Plain(path.substr(0, NameStart(path))));
 }
 
-bool Matches(const wchar_t* pattern, const wchar_t* name) {
-    if (*pattern == 0) return *name == 0;
-    if (*pattern == L'*') return Matches(pattern + 1, name) || (*name != 0 && Matches(pattern, name + 1));
-    if (*name == 0) return false;
-    if (*pattern != L'?' && desktop::Lower(*pattern) != desktop::Lower(*name)) return false;
-    return Matches(pattern + 1, name + 1);
+bool SameLetter(wchar_t a, wchar_t b) {
+    return desktop::Lower(a) == desktop::Lower(b);
 }
 
 } // namespace
@@ -359,7 +356,7 @@ std::vector<std::wstring> ListFiles(const std::wstring& folder, const std::wstri
         const std::wstring home = Plain(path.substr(0, NameStart(path)));
         if (less(home, Plain(folder)) || less(Plain(folder), home)) continue;
         const std::wstring name = path.substr(NameStart(path));
-        if (Matches(pattern.c_str(), name.c_str())) names.push_back(name);
+        if (MatchesPattern(name, pattern, SameLetter)) names.push_back(name);
     }
     return names;
 }
