@@ -9,6 +9,7 @@
 #include "link/settings_commands.h"
 #include "link/single_instance_services.h"
 #include "platform/main_window.h"
+#include "platform/program_folder.h"
 #include "platform/window_list.h"
 #include "preview/timing_tables.h"
 #include "score/document_commands.h"

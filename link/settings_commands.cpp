@@ -2,6 +2,8 @@
 
 #include "app/sndmain.h"
 #include "link/paths.h"
+#include "platform/help.h"
+#include "platform/main_window.h"
 #include "platform/message_box.h"
 #include "platform/settings.h"
 #include "preview/timing_tables.h"

@@ -1,9 +1,6 @@
 // What commands ask of the window around them.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 namespace tonex {
 
 /// The platform's placement of a window, in screen pixels. Show states: 1 normal, 2 minimised, 3 maximised.
@@ -48,12 +45,5 @@ void PopUpEditMenu();
 void ShowAboutWindow();
 /// Shows the transfer reminder and waits until it is closed. True when its check box was ticked.
 bool ShowTransferReminder();
-
-/// Opens a help file with a help command and key. False when the system has no reader or no such file.
-bool OpenHelpFile(const std::wstring& path, std::uint32_t command, const std::wstring& key);
-/// Opens the HTML guide beside the program. False when it can not.
-bool OpenHelpGuide();
-/// The folder the program was started from, without a backslash at its end.
-std::wstring ProgramFolder();
 
 } // namespace tonex

@@ -1,7 +1,7 @@
 // The hooks, and the rules by which libraries are found.
 #include "platform/windows/desktop_windows.h"
 
-#include "platform/main_window.h"
+#include "platform/program_folder.h"
 
 #include <iterator>
 

@@ -4,7 +4,9 @@
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/files.h"
+#include "platform/help.h"
 #include "platform/player.h"
+#include "platform/program_folder.h"
 #include "platform/registry.h"
 #include "platform/settings.h"
 #include "platform/sound_devices.h"
@@ -550,6 +552,8 @@ bool ShowTransferReminder() {
     Log("ShowTransferReminder");
     return Current().reminder_ticked;
 }
+
+// help.h, program_folder.h
 
 bool OpenHelpFile(const std::wstring& path, std::uint32_t command, const std::wstring& key) {
     Log("OpenHelpFile", path + L" " + std::to_wstring(command) + L" \"" + key + L"\"");

@@ -1,6 +1,6 @@
 #include "platform/player.h"
 
-#include "platform/main_window.h"
+#include "platform/program_folder.h"
 #include "tests/windows/support.h"
 
 #include <gtest/gtest.h>

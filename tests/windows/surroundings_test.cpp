@@ -1,7 +1,8 @@
 // Clock, screen, sound outputs, pending events, the program's folder and help.
 #include "platform/clock.h"
 #include "platform/events.h"
-#include "platform/main_window.h"
+#include "platform/help.h"
+#include "platform/program_folder.h"
 #include "platform/screen.h"
 #include "platform/sound_devices.h"
 #include "tests/windows/support.h"
