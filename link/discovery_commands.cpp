@@ -1,6 +1,7 @@
 #include "link/discovery_commands.h"
 
 #include "app/sndmain.h"
+#include "link/install_entry.h"
 #include "link/paths.h"
 #include "platform/files.h"
 #include "platform/message_box.h"
@@ -12,9 +13,6 @@
 namespace tonex {
 
 namespace {
-
-constexpr const wchar_t* kInstallKey = L"Software\\QMT\\Corvane-e\\PC";
-constexpr const wchar_t* kInstallValue = L"InstallDir";
 
 /// kOnPc, or kOnDevice for a file of the device cache. Without the library's answer, what lies below the
 /// cache folder is a device file.

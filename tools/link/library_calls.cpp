@@ -1,5 +1,6 @@
 #include "tools/link/library_calls.h"
 
+#include "link/install_entry.h"
 #include "platform/link_library.h"
 
 #include <cstring>
@@ -24,12 +25,11 @@ bool Fault(const wchar_t* word) {
 
 FolderDevice InstalledDevice() {
     HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, L"Software\\QMT\\Corvane-e\\PC", 0, KEY_QUERY_VALUE, &key))
-        return {};
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, kInstallKey, 0, KEY_QUERY_VALUE, &key)) return {};
     wchar_t folder[MAX_PATH + 1] = L""; // the last character stays NUL whatever is stored
     DWORD type = 0, bytes = MAX_PATH * sizeof(wchar_t);
     const LONG result =
-        RegQueryValueExW(key, L"InstallDir", nullptr, &type, reinterpret_cast<BYTE*>(folder), &bytes);
+        RegQueryValueExW(key, kInstallValue, nullptr, &type, reinterpret_cast<BYTE*>(folder), &bytes);
     RegCloseKey(key);
     return result == ERROR_SUCCESS && type == REG_SZ ? DeviceOfInstallation(folder) : FolderDevice{};
 }

@@ -1,5 +1,6 @@
 #include "tools/linksetup/link_setup.h"
 
+#include "link/install_entry.h"
 #include "link/paths.h"
 #include "platform/link_library.h"
 #include "platform/text.h"
@@ -12,11 +13,6 @@ namespace tonex {
 
 namespace {
 
-// The entry's key and those above it, outermost first. Only the ones that were not there are noted.
-constexpr std::array<const wchar_t*, 3> kKeys = {L"Software\\QMT", L"Software\\QMT\\Corvane-e",
-                                                 L"Software\\QMT\\Corvane-e\\PC"};
-constexpr const wchar_t* kEntryKey = kKeys.back();
-constexpr const wchar_t* kEntry = L"InstallDir";
 constexpr const wchar_t* kMadeFolder = L"LinkSetup InstallDir"; ///< the entry's text as it was made
 constexpr const wchar_t* kMadeFolders = L"LinkSetup folders";   ///< outermost first
 constexpr const wchar_t* kMadeKeys = L"LinkSetup keys";         ///< outermost first
@@ -80,13 +76,24 @@ bool WriteList(HKEY key, const wchar_t* name, const std::vector<std::wstring>& l
     return WriteRaw(key, name, REG_MULTI_SZ, text);
 }
 
+// The entry's key and those above it, outermost first; "Software" itself is the system's.
+std::vector<std::wstring> EntryKeys() {
+    const std::wstring_view key = kInstallKey;
+    std::vector<std::wstring> keys;
+    for (std::size_t end = key.find(L'\\'); end != std::wstring_view::npos;) {
+        end = key.find(L'\\', end + 1);
+        keys.emplace_back(key.substr(0, end));
+    }
+    return keys;
+}
+
 // Makes the keys; the ones that were not there are added to `made`.
 bool MakeKeys(std::vector<std::wstring>& made) {
-    for (const wchar_t* path : kKeys) {
+    for (const std::wstring& path : EntryKeys()) {
         HKEY key = nullptr;
         DWORD disposition = 0;
-        if (RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_QUERY_VALUE,
-                            nullptr, &key, &disposition))
+        if (RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                            KEY_QUERY_VALUE, nullptr, &key, &disposition))
             return false;
         RegCloseKey(key);
         if (disposition == REG_CREATED_NEW_KEY) made.push_back(path);
@@ -126,11 +133,11 @@ void RemoveNotes(HKEY key) {
 // The entry comes last: with it the editor starts.
 bool WriteEntry(const std::wstring& install_dir, const std::vector<std::wstring>& folders,
                 const std::vector<std::wstring>& keys) {
-    const Key key(kEntryKey, KEY_READ | KEY_WRITE);
+    const Key key(kInstallKey, KEY_READ | KEY_WRITE);
     if (!key.handle) return false;
     if (WriteRaw(key.handle, kMadeFolder, REG_SZ, install_dir) &&
         WriteList(key.handle, kMadeFolders, folders) && WriteList(key.handle, kMadeKeys, keys) &&
-        WriteRaw(key.handle, kEntry, REG_SZ, install_dir))
+        WriteRaw(key.handle, kInstallValue, REG_SZ, install_dir))
         return true;
     RemoveNotes(key.handle);
     return false;
@@ -140,8 +147,8 @@ bool WriteEntry(const std::wstring& install_dir, const std::vector<std::wstring>
 
 SetupResult SetUpLink(const std::wstring& install_dir) {
     {
-        const Key key(kEntryKey, KEY_QUERY_VALUE);
-        if (key.handle && HasValue(key.handle, kEntry)) return SetupResult::AlreadyThere;
+        const Key key(kInstallKey, KEY_QUERY_VALUE);
+        if (key.handle && HasValue(key.handle, kInstallValue)) return SetupResult::AlreadyThere;
     }
     if (!IsUsableFolder(install_dir)) return SetupResult::Failed;
     const std::wstring folder = WithoutTrailingBackslash(install_dir);
@@ -157,13 +164,13 @@ SetupResult SetUpLink(const std::wstring& install_dir) {
 SetupResult RemoveLink(std::vector<std::wstring>& kept) {
     std::vector<std::wstring> folders, keys;
     {
-        const Key key(kEntryKey, KEY_READ | KEY_WRITE);
+        const Key key(kInstallKey, KEY_READ | KEY_WRITE);
         if (!key.handle || !HasValue(key.handle, kMadeFolder)) return SetupResult::NothingToRemove;
         folders = ReadList(key.handle, kMadeFolders);
         keys = ReadList(key.handle, kMadeKeys);
         // Link software that was installed since then has made the entry its own.
-        if (ReadText(key.handle, kEntry) == ReadText(key.handle, kMadeFolder) &&
-            RegDeleteValueW(key.handle, kEntry) != ERROR_SUCCESS)
+        if (ReadText(key.handle, kInstallValue) == ReadText(key.handle, kMadeFolder) &&
+            RegDeleteValueW(key.handle, kInstallValue) != ERROR_SUCCESS)
             return SetupResult::Failed;
         RemoveNotes(key.handle);
     }
@@ -173,8 +180,8 @@ SetupResult RemoveLink(std::vector<std::wstring>& kept) {
 }
 
 std::wstring InstalledFolder() {
-    const Key key(kEntryKey, KEY_QUERY_VALUE);
-    return key.handle ? ReadText(key.handle, kEntry) : std::wstring();
+    const Key key(kInstallKey, KEY_QUERY_VALUE);
+    return key.handle ? ReadText(key.handle, kInstallValue) : std::wstring();
 }
 
 bool IsUsableFolder(const std::wstring& install_dir) {
