@@ -2,6 +2,8 @@
 
 #include "link/paths.h"
 #include "platform/text.h"
+#include "platform/windows/dialog_template.h"
+#include "platform/windows/window_place.h"
 
 #include <algorithm>
 #include <array>
@@ -16,38 +18,6 @@ namespace {
 enum ControlId : WORD { kListLabel = 1001, kList = 1002, kNameLabel = 1003, kName = 1004 };
 
 enum class DialogKind { Open, Save };
-
-// Class names of a dialog template, as the system numbers them.
-enum ControlClass : WORD {
-    kButtonClass = 0x0080,
-    kEditClass = 0x0081,
-    kStaticClass = 0x0082,
-    kListBoxClass = 0x0083
-};
-
-struct Box { ///< in dialog units
-    short left, top, width, height;
-};
-
-// A dialog template in memory: 16-bit words, every control on a boundary of two.
-struct Template {
-    std::vector<WORD> words;
-
-    void Word(WORD word) { words.push_back(word); }
-    void Long(DWORD value) {
-        Word(LOWORD(value));
-        Word(HIWORD(value));
-    }
-    void Text(std::wstring_view text) {
-        for (const wchar_t letter : text)
-            Word(static_cast<WORD>(letter));
-        Word(0);
-    }
-    void Place(const Box& box) {
-        for (const short value : {box.left, box.top, box.width, box.height})
-            Word(static_cast<WORD>(value));
-    }
-};
 
 // What a dialog is shown with and ends with.
 struct DeviceDialog {
@@ -88,14 +58,6 @@ std::wstring LabelText(std::wstring_view text) {
     return label;
 }
 
-struct DialogFont {
-    WORD points = 8;
-    WORD weight = FW_NORMAL;
-    BYTE italic = 0;
-    BYTE charset = DEFAULT_CHARSET;
-    std::wstring face = L"MS Shell Dlg";
-};
-
 // The font that the user has chosen for messages; the system scales the dialog by it.
 DialogFont MessageFont() {
     DialogFont font;
@@ -117,83 +79,73 @@ DialogFont MessageFont() {
     return font;
 }
 
-void AddControl(Template& dialog, ControlClass control, WORD id, DWORD style, const Box& box,
-                std::wstring_view text) {
-    if (dialog.words.size() % 2) dialog.Word(0);
-    dialog.Long(0); // help
-    const bool framed = control == kEditClass || control == kListBoxClass;
-    dialog.Long(framed ? WS_EX_CLIENTEDGE : 0);
-    dialog.Long(WS_CHILD | WS_VISIBLE | style);
-    dialog.Place(box);
-    dialog.Long(id);
-    dialog.Word(0xFFFF);
-    dialog.Word(control);
-    dialog.Text(text);
-    dialog.Word(0); // no creation data
+std::wstring ListLabel(const std::wstring& folder, bool any_files) {
+    const std::wstring shown = LabelText(folder);
+    return any_files ? L"&Melodies in " + shown + L":" : L"No melodies in " + shown;
 }
 
-Template DialogTemplate(const DeviceDialog& shown, bool any_files) {
-    const bool saving = shown.kind == DialogKind::Save;
-    const short name_top = kListTop + kListHeight + kMargin;
-    const short buttons_top = saving ? static_cast<short>(name_top + kRowHeight + kMargin) : name_top;
-    const short height = static_cast<short>(buttons_top + kRowHeight + kMargin);
-    constexpr short inner_width = kDialogWidth - 2 * kMargin;
-    const DialogFont font = MessageFont();
+constexpr short kInnerWidth = kDialogWidth - 2 * kMargin;
+constexpr short kNameTop = kListTop + kListHeight + kMargin;
 
-    Template dialog;
-    dialog.Word(1);      // version of the extended template ...
-    dialog.Word(0xFFFF); // ... which this number announces
-    dialog.Long(0);      // help
-    dialog.Long(0);      // extended style
-    dialog.Long(WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_SHELLFONT);
-    dialog.Word(saving ? 6 : 4); // controls
-    dialog.Place({0, 0, kDialogWidth, height});
-    dialog.Word(0); // no menu
-    dialog.Word(0); // the system's dialog class
-    dialog.Text(kTitles[saving]);
-    dialog.Word(font.points);
-    dialog.Word(font.weight);
-    dialog.Word(static_cast<WORD>(font.italic | font.charset << 8));
-    dialog.Text(font.face);
+// A label right before a control is the control's name for screen readers and its key.
 
-    // A label right before a control is the control's name for screen readers and its key.
-    const std::wstring label = any_files ? L"&Melodies in " + LabelText(shown.folder) + L":"
-                                         : L"No melodies in " + LabelText(shown.folder);
-    AddControl(dialog, kStaticClass, kListLabel, SS_LEFTNOWORDWRAP | WS_GROUP,
-               {kMargin, kMargin, inner_width, 8}, label);
-    AddControl(dialog, kListBoxClass, kList, WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT,
-               {kMargin, kListTop, inner_width, kListHeight}, L"");
-    if (saving) {
-        AddControl(dialog, kStaticClass, kNameLabel, SS_LEFT | SS_CENTERIMAGE,
-                   {kMargin, name_top, kLabelWidth, kRowHeight}, L"File &name:");
-        AddControl(dialog, kEditClass, kName, WS_TABSTOP | ES_AUTOHSCROLL,
-                   {kMargin + kLabelWidth, name_top, inner_width - kLabelWidth, kRowHeight}, L"");
-    }
+void AddList(DialogTemplate& dialog, const std::wstring& label) {
+    AddControl(dialog, {.kind = ControlClass::Static,
+                        .id = kListLabel,
+                        .style = SS_LEFTNOWORDWRAP | WS_GROUP,
+                        .area = {kMargin, kMargin, kInnerWidth, 8},
+                        .text = label});
+    AddControl(dialog, {.kind = ControlClass::ListBox,
+                        .id = kList,
+                        .style = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT,
+                        .area = {kMargin, kListTop, kInnerWidth, kListHeight},
+                        .text = {}});
+}
+
+void AddName(DialogTemplate& dialog) {
+    AddControl(dialog, {.kind = ControlClass::Static,
+                        .id = kNameLabel,
+                        .style = SS_LEFT | SS_CENTERIMAGE,
+                        .area = {kMargin, kNameTop, kLabelWidth, kRowHeight},
+                        .text = L"File &name:"});
+    AddControl(dialog, {.kind = ControlClass::Edit,
+                        .id = kName,
+                        .style = WS_TABSTOP | ES_AUTOHSCROLL,
+                        .area = {kMargin + kLabelWidth, kNameTop, kInnerWidth - kLabelWidth, kRowHeight},
+                        .text = {}});
+}
+
+void AddButtons(DialogTemplate& dialog, short top, const wchar_t* accept) {
     constexpr short cancel_left = kDialogWidth - kMargin - kButtonWidth;
-    AddControl(dialog, kButtonClass, IDOK, WS_TABSTOP | WS_GROUP | BS_DEFPUSHBUTTON,
-               {cancel_left - 4 - kButtonWidth, buttons_top, kButtonWidth, kRowHeight}, kAccept[saving]);
-    AddControl(dialog, kButtonClass, IDCANCEL, WS_TABSTOP,
-               {cancel_left, buttons_top, kButtonWidth, kRowHeight}, L"Cancel");
+    AddControl(dialog, {.kind = ControlClass::Button,
+                        .id = IDOK,
+                        .style = WS_TABSTOP | WS_GROUP | BS_DEFPUSHBUTTON,
+                        .area = {cancel_left - 4 - kButtonWidth, top, kButtonWidth, kRowHeight},
+                        .text = accept});
+    AddControl(dialog, {.kind = ControlClass::Button,
+                        .id = IDCANCEL,
+                        .style = WS_TABSTOP,
+                        .area = {cancel_left, top, kButtonWidth, kRowHeight},
+                        .text = L"Cancel"});
+}
+
+DialogTemplate TemplateOf(const DeviceDialog& shown, bool any_files) {
+    const bool saving = shown.kind == DialogKind::Save;
+    const short buttons_top = saving ? kNameTop + kRowHeight + kMargin : kNameTop;
+    const short height = static_cast<short>(buttons_top + kRowHeight + kMargin);
+    DialogTemplate dialog = MakeDialog(kTitles[saving], kDialogWidth, height, MessageFont());
+    AddList(dialog, ListLabel(shown.folder, any_files));
+    if (saving) AddName(dialog);
+    AddButtons(dialog, buttons_top, kAccept[saving]);
     return dialog;
 }
 
 // In the middle of the owner, or of the screen's free area without one, and inside that area.
 void PlaceDialog(HWND dialog) {
-    RECT area = {}, box = {}, around = {};
     const HWND owner = GetWindow(dialog, GW_OWNER);
-    MONITORINFO monitor = {};
-    monitor.cbSize = sizeof monitor;
-    if (!GetMonitorInfoW(MonitorFromWindow(owner ? owner : dialog, MONITOR_DEFAULTTONEAREST), &monitor))
-        return;
-    area = around = monitor.rcWork;
-    if (owner && IsWindowVisible(owner) && !IsIconic(owner)) GetWindowRect(owner, &around);
-    GetWindowRect(dialog, &box);
-    const LONG width = box.right - box.left, height = box.bottom - box.top;
-    const LONG left =
-        std::max(std::min((around.left + around.right - width) / 2, area.right - width), area.left);
-    const LONG top =
-        std::max(std::min((around.top + around.bottom - height) / 2, area.bottom - height), area.top);
-    SetWindowPos(dialog, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    const bool owner_shown = owner && IsWindowVisible(owner) && !IsIconic(owner);
+    const RECT around = owner_shown ? AreaOf(owner) : FreeScreenAround(owner ? owner : dialog);
+    MoveTo(dialog, OntoScreen(InTheMiddle(dialog, around)));
 }
 
 std::wstring TextOfControl(HWND dialog, int id) {
@@ -318,13 +270,11 @@ INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wide, LPARAM 
 }
 
 // Shows a dialog and writes the chosen device path into the caller's buffer.
-std::int32_t RunDialog(HWND owner, DeviceDialog& shown, char* device_path) {
+std::int32_t RunDeviceDialog(HWND owner, DeviceDialog& shown, char* device_path) {
     if (!device_path || shown.size <= 0) return 0;
     const bool any_files = !DeviceFiles(*shown.device, shown.folder, shown.extension).empty();
-    const Template dialog = DialogTemplate(shown, any_files);
-    const INT_PTR result = DialogBoxIndirectParamW(GetModuleHandleW(nullptr),
-                                                   reinterpret_cast<const DLGTEMPLATE*>(dialog.words.data()),
-                                                   owner, DialogProcedure, reinterpret_cast<LPARAM>(&shown));
+    const INT_PTR result =
+        RunDialog(TemplateOf(shown, any_files), owner, DialogProcedure, reinterpret_cast<LPARAM>(&shown));
     if (result != IDOK) return 0;
     return WriteAnsi(device_path, shown.size, WithoutTrailingBackslash(shown.folder) + L"\\" + shown.name) >
            0;
@@ -373,7 +323,7 @@ std::int32_t FolderOpenFileDialog(HWND owner, const FolderDevice& device, const 
                                   const char* extension, char* device_path, std::int32_t size) {
     DeviceDialog shown = {DialogKind::Open,  &device, WithoutTrailingBackslash(TextOf(start)),
                           TextOf(extension), L"",     size};
-    return RunDialog(owner, shown, device_path);
+    return RunDeviceDialog(owner, shown, device_path);
 }
 
 std::int32_t FolderSaveFileDialog(HWND owner, const FolderDevice& device, const char* start,
@@ -382,7 +332,7 @@ std::int32_t FolderSaveFileDialog(HWND owner, const FolderDevice& device, const 
     DeviceDialog shown = {
         DialogKind::Save,     &device, WithoutTrailingBackslash(FolderOfPath(path)), TextOf(extension),
         FileNameOfPath(path), size};
-    return RunDialog(owner, shown, device_path);
+    return RunDeviceDialog(owner, shown, device_path);
 }
 
 void FolderSetupDisconnection(HWND owner, const FolderDevice& device) {

@@ -3,13 +3,7 @@
 
 #include "link/folder_device_services.h"
 
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
+#include "platform/windows/desktop_windows.h"
 
 #include <optional>
 #include <string>

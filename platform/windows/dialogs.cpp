@@ -4,31 +4,13 @@
 #include "link/settings_commands.h"
 #include "platform/windows/main_window.h"
 #include "platform/windows/resource.h"
+#include "platform/windows/window_place.h"
 
 #include <commctrl.h>
 
 namespace tonex {
 
 namespace {
-
-void CentreOn(HWND window, const RECT& area) {
-    RECT own;
-    GetWindowRect(window, &own);
-    const LONG width = own.right - own.left, height = own.bottom - own.top;
-    SetWindowPos(window, nullptr, static_cast<int>(area.left + (area.right - area.left - width) / 2),
-                 static_cast<int>(area.top + (area.bottom - area.top - height) / 2), 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER);
-}
-
-void CentreOnScreen(HWND window) {
-    CentreOn(window, {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)});
-}
-
-void CentreOnMain(HWND window) {
-    RECT area;
-    GetWindowRect(TheMainWindow().window, &area);
-    CentreOn(window, area);
-}
 
 std::wstring VersionText() {
     return L"Version " TONEX_VERSION;
@@ -43,7 +25,7 @@ INT_PTR CALLBACK VersionSndProc(HWND dialog, UINT message, WPARAM wparam, LPARAM
     switch (message) {
     case WM_INITDIALOG:
         SetDlgItemTextW(dialog, IDC_OWN_VERSION, VersionText().c_str());
-        CentreOnScreen(dialog);
+        MoveTo(dialog, InTheMiddle(dialog, WholeScreen()));
         return TRUE;
     case WM_COMMAND: return ClosesDialog(wparam) ? EndDialog(dialog, 0) : FALSE;
     default: return FALSE;
@@ -59,7 +41,7 @@ INT_PTR CALLBACK GlobalVersionProc(HWND dialog, UINT message, WPARAM wparam, LPA
     switch (message) {
     case WM_INITDIALOG:
         SetDlgItemTextW(dialog, IDC_APPLICATIONS, (L"Sound Editor, " + VersionText()).c_str());
-        CentreOnMain(dialog);
+        MoveTo(dialog, InTheMiddle(dialog, AreaOf(TheMainWindow().window)));
         return TRUE;
     case WM_COMMAND:
         if (LOWORD(wparam) == IDC_DETAILS) ShowVersionSnd(dialog);
@@ -73,7 +55,7 @@ INT_PTR CALLBACK FormZ730MsgProc(HWND dialog, UINT message, WPARAM wparam, LPARA
     case WM_INITDIALOG:
         SetDlgItemTextW(dialog, IDC_MSG,
                         L"Transfer all data by PC Ferry to Corvane after close\r\n[Sound Editor]");
-        CentreOnScreen(dialog);
+        MoveTo(dialog, InTheMiddle(dialog, WholeScreen()));
         return TRUE;
     case WM_HELP: // F1
         ShowHelp(TheMainWindow().record);
@@ -101,8 +83,7 @@ HWND CreateConvertWindow(MainWindow& main) {
     if (!made) return nullptr;
     const ConvertWindow& convert = main.record.FrmWavConvert;
     const Scale& scale = main.screen_scale;
-    SetWindowPos(made, nullptr, ToPixelsX(scale, convert.Left), ToPixelsY(scale, convert.Top), 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    MoveTo(made, {ToPixelsX(scale, convert.Left), ToPixelsY(scale, convert.Top), 0, 0});
     ShowWindow(made, SW_SHOWNOACTIVATE);
     return made;
 }

@@ -5,6 +5,7 @@
 #include "platform/events.h"
 #include "platform/windows/dialogs.h"
 #include "platform/windows/main_window.h"
+#include "platform/windows/window_place.h"
 
 #include <algorithm>
 
@@ -14,24 +15,6 @@ namespace {
 
 HWND Window() {
     return TheMainWindow().window;
-}
-
-/// Moves a rectangle onto the screen nearest to it so that all of it shows, its corner first of all.
-/// What is larger than the screen is made smaller.
-RECT OntoScreen(RECT area) {
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    if (!GetMonitorInfoW(MonitorFromRect(&area, MONITOR_DEFAULTTONEAREST), &monitor)) return area;
-    const RECT& work = monitor.rcWork;
-    area.right = std::min(area.right, area.left + (work.right - work.left));
-    area.bottom = std::min(area.bottom, area.top + (work.bottom - work.top));
-    LONG dx = 0, dy = 0;
-    if (area.right > work.right) dx = work.right - area.right;
-    if (area.left + dx < work.left) dx = work.left - area.left;
-    if (area.bottom > work.bottom) dy = work.bottom - area.bottom;
-    if (area.top + dy < work.top) dy = work.top - area.top;
-    OffsetRect(&area, static_cast<int>(dx), static_cast<int>(dy));
-    return area;
 }
 
 /// A stored number as a coordinate of a window; those have 16 bits, a damaged store any number.
@@ -72,8 +55,7 @@ LRESULT CALLBACK NoteOffer(HWND window, UINT message, WPARAM wparam, LPARAM lpar
 /// of one pixel is offered the keyboard, and hands it on when it closes.
 void TakeKeyboardUnderWine() {
     if (!UnderWine() || IsIconic(Window()) || !IsWindowVisible(Window())) return;
-    RECT area;
-    GetWindowRect(Window(), &area);
+    const RECT area = AreaOf(Window());
     HWND small =
         CreateWindowExW(WS_EX_TOOLWINDOW, kOfferClass, L"", WS_POPUP, static_cast<int>(area.left),
                         static_cast<int>(area.top), 1, 1, Window(), nullptr, Hooks().instance, nullptr);
@@ -130,22 +112,18 @@ int MainWindowBorderStyle() {
 }
 
 WindowSize MainWindowSize() {
-    RECT area;
-    GetWindowRect(Window(), &area);
+    const RECT area = AreaOf(Window());
     const Scale& scale = TheMainWindow().screen_scale;
     return {ToTwipsX(scale, static_cast<int>(area.right - area.left)),
             ToTwipsY(scale, static_cast<int>(area.bottom - area.top))};
 }
 
 void MoveMainWindow(int left, int top) {
-    RECT area;
-    GetWindowRect(Window(), &area);
+    RECT area = AreaOf(Window());
     const Scale& scale = TheMainWindow().screen_scale;
     OffsetRect(&area, ToPixelsX(scale, left) - static_cast<int>(area.left),
                ToPixelsY(scale, top) - static_cast<int>(area.top));
-    area = OntoScreen(area);
-    SetWindowPos(Window(), nullptr, static_cast<int>(area.left), static_cast<int>(area.top), 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    MoveTo(Window(), OntoScreen(area));
 }
 
 void BringMainWindowToForeground() {
