@@ -115,11 +115,6 @@ struct ConvertWindow {
     bool operator==(const ConvertWindow&) const = default;
 };
 
-// Values of the location flag. 1 and 0, not the all-ones truth value of other flags: kept as it is, because
-// the last document's setting holds the flag as a number.
-inline constexpr std::int16_t kOnPc = 1;
-inline constexpr std::int16_t kOnDevice = 0;
-
 /// The document: where the score lives.
 struct Document {
     std::wstring current_path;          ///< full path; empty for an untitled score

@@ -6,7 +6,6 @@
 #include "link/paths.h"
 #include "link/settings_commands.h"
 #include "platform/files.h"
-#include "platform/settings.h"
 #include "platform/text.h"
 #include "score/document_commands.h"
 #include "score/file_services.h"
@@ -142,16 +141,6 @@ std::wstring FetchDeviceFile(const sndmain& window, const std::wstring& cache_pa
     return FromAnsi(buffer.Text());
 }
 
-/// Splits the stored text at its first two commas; a file name with a comma in it is cut wrongly and not
-/// found later (kept as it is: other programs of the suite read and write this text too).
-std::wstring PathInLastDocument(const std::wstring& text, std::int16_t& location_flag) {
-    const std::size_t first = text.find(L',');
-    location_flag = WholeNumberOf(std::wstring_view(text).substr(0, first));
-    if (first == std::wstring::npos) return {};
-    const std::size_t second = text.find(L',', first + 1);
-    return second == std::wstring::npos ? std::wstring() : text.substr(second + 1);
-}
-
 } // namespace
 
 bool SaveToDevice(sndmain& window) {
@@ -214,16 +203,14 @@ bool ReopenLastFile(sndmain& window, const std::wstring& section) {
     if (section == L"Sclview") window.link.device_sounds = ListDeviceSounds(window);
     Document& document = window.document;
     document.current_path.clear();
-    const std::wstring stored = ReadSetting(kSettingsApplication, section, L"File1", L"");
-    std::int16_t location = kOnPc;
-    std::wstring path = PathInLastDocument(stored, location);
-    if (path.empty()) return false;
+    LastDocument last = ReadLastDocument(section);
+    if (last.path.empty()) return false;
     // What the library says of the path counts for more than the number stored.
-    RememberFolderOfFile(window, path, window.link.CacheSoundDir, location);
-    if (location == kOnDevice) path = FetchDeviceFile(window, path);
-    if (path.empty() || !FileExists(path)) return false;
-    document.current_path = path;
-    document.location_flag = location;
+    RememberFolderOfFile(window, last.path, window.link.CacheSoundDir, last.location_flag);
+    if (last.location_flag == kOnDevice) last.path = FetchDeviceFile(window, last.path);
+    if (last.path.empty() || !FileExists(last.path)) return false;
+    document.current_path = last.path;
+    document.location_flag = last.location_flag;
     return true;
 }
 

@@ -2,10 +2,16 @@
 // work has been done.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace tonex {
+
+// Values of the location flag. 1 and 0, not the all-ones truth value of other flags: kept as it is, because
+// the last document's setting holds the flag as a number.
+inline constexpr std::int16_t kOnPc = 1;
+inline constexpr std::int16_t kOnDevice = 0;
 
 struct LinkState {
     std::wstring InstallDir;    ///< no backslash at its end

@@ -1,14 +1,12 @@
 #include "link/settings_commands.h"
 
 #include "app/sndmain.h"
-#include "link/paths.h"
 #include "platform/help.h"
 #include "platform/main_window.h"
 #include "platform/message_box.h"
 #include "platform/settings.h"
 #include "preview/timing_tables.h"
 
-#include <array>
 #include <limits>
 #include <string_view>
 
@@ -22,21 +20,6 @@ constexpr const wchar_t* kReminderKey = L"MsgDsp";
 constexpr std::uint32_t kHelpPartialKey = 261; ///< help command: keyword search
 constexpr int kMinimised = 2;
 constexpr int kNormal = 1;
-constexpr std::size_t kPlacementFields = 5;
-
-/// Optional minus sign and digits, nothing else; nothing when the number leaves 32 bits.
-std::optional<int> WholeField(std::wstring_view text) {
-    const bool negative = text.starts_with(L'-');
-    if (negative) text.remove_prefix(1);
-    if (text.empty()) return std::nullopt;
-    std::int64_t value = 0;
-    for (const wchar_t c : text) {
-        if (c < L'0' || c > L'9') return std::nullopt;
-        value = value * 10 + (c - L'0');
-        if (value > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
-    }
-    return static_cast<int>(negative ? -value : value);
-}
 
 void CentreMainWindow(const sndmain& window) {
     const WindowSize size = MainWindowSize();
@@ -63,42 +46,13 @@ bool MainWindowIsSizable() {
 
 } // namespace
 
-std::wstring LastDocumentText(std::int16_t location_flag, const std::wstring& path) {
-    return std::to_wstring(location_flag) + (location_flag == kOnPc ? L",PC:" : L",Veloxa:") +
-           FileNameOfPath(path) + L"," + path;
-}
-
 void StoreLastDocument(const sndmain& window) {
     WriteSetting(kSettingsApplication, kSettingsSection, kLastFileKey,
                  LastDocumentText(window.document.location_flag, window.document.current_path));
 }
 
-std::wstring PlacementText(const WindowPlacement& placement) {
-    // Bottom stands before left: kept as it is, because users' stores hold this order.
-    return std::to_wstring(placement.show_state) + L"," + std::to_wstring(placement.bottom) + L"," +
-           std::to_wstring(placement.left) + L"," + std::to_wstring(placement.right) + L"," +
-           std::to_wstring(placement.top);
-}
-
-std::optional<WindowPlacement> ParsePlacement(const std::wstring& text) {
-    std::array<int, kPlacementFields> fields{};
-    std::wstring_view rest = text;
-    for (std::size_t i = 0; i < kPlacementFields; ++i) {
-        const bool last = i + 1 == kPlacementFields;
-        const std::size_t end = last ? rest.size() : rest.find(L',');
-        if (end == std::wstring_view::npos) return std::nullopt;
-        const std::optional<int> field = WholeField(rest.substr(0, end));
-        if (!field) return std::nullopt;
-        fields[i] = *field;
-        if (!last) rest.remove_prefix(end + 1);
-    }
-    WindowPlacement placement;
-    placement.show_state = fields[0];
-    placement.bottom = fields[1];
-    placement.left = fields[2];
-    placement.right = fields[3];
-    placement.top = fields[4];
-    return placement;
+LastDocument ReadLastDocument(const std::wstring& section) {
+    return ParseLastDocument(ReadSetting(kSettingsApplication, section, kLastFileKey, L""));
 }
 
 void SaveWindowPlacement(const std::wstring& section) {

@@ -1,10 +1,8 @@
 // The settings this program keeps, by the names that the suite's programs share.
 #pragma once
 
-#include "platform/main_window.h"
+#include "link/stored_texts.h"
 
-#include <cstdint>
-#include <optional>
 #include <string>
 
 namespace tonex {
@@ -17,13 +15,9 @@ inline constexpr const wchar_t* kSettingsGlobal = L"Global";
 
 /// Stores the current path and location flag as the last document.
 void StoreLastDocument(const sndmain& window);
-/// The stored text: flag, display name ("PC:" exactly when the flag is 1, else "Veloxa:"), full path.
-std::wstring LastDocumentText(std::int16_t location_flag, const std::wstring& path);
+/// The last document that a settings section holds; its path is empty when it holds none.
+LastDocument ReadLastDocument(const std::wstring& section);
 
-/// The five fields of a placement: show state, bottom, left, right, top.
-std::wstring PlacementText(const WindowPlacement& placement);
-/// Nothing when the text has fewer than five whole numbers, or one that overflows.
-std::optional<WindowPlacement> ParsePlacement(const std::wstring& text);
 /// Stores the main window's placement, unless the system refuses to tell it.
 void SaveWindowPlacement(const std::wstring& section);
 /// Places the main window as stored. True when the full placement was applied; false when the window was

@@ -1,15 +1,9 @@
 // What commands ask of the window around them.
 #pragma once
 
-namespace tonex {
+#include "link/window_placement.h"
 
-/// The platform's placement of a window, in screen pixels. Show states: 1 normal, 2 minimised, 3 maximised.
-struct WindowPlacement {
-    int flags = 0;
-    int show_state = 1;
-    int min_x = 0, min_y = 0, max_x = 0, max_y = 0;
-    int left = 0, top = 0, right = 0, bottom = 0; ///< normal rectangle
-};
+namespace tonex {
 
 /// Reads the main window's placement. False when the system refuses.
 bool GetMainWindowPlacement(WindowPlacement& placement);

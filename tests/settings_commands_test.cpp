@@ -1,4 +1,4 @@
-// Settings: the last document's text, window placement, the transfer reminder's choice, help and About.
+// Settings: the last document, window placement, the transfer reminder's choice, help and About.
 #include "app/sndmain.h"
 #include "link/settings_commands.h"
 #include "tests/desktop/desktop.h"
@@ -31,14 +31,6 @@ constexpr const char* kCentred = "MoveMainWindow 1680 1760";
 
 } // namespace
 
-TEST_F(Settings, LastDocumentHoldsFlagDisplayNameAndPath) {
-    EXPECT_EQ(LastDocumentText(1, L"C:\\x\\A.SND"), L"1,PC:A.SND,C:\\x\\A.SND");
-    EXPECT_EQ(LastDocumentText(0, L"C:\\x\\A.SND"), L"0,Veloxa:A.SND,C:\\x\\A.SND");
-    EXPECT_EQ(LastDocumentText(2, L"C:\\x\\A.SND"), L"2,Veloxa:A.SND,C:\\x\\A.SND");
-    EXPECT_EQ(LastDocumentText(-1, L"A.SND"), L"-1,Veloxa:A.SND,A.SND");
-    EXPECT_EQ(LastDocumentText(1, L""), L"1,PC:,");
-}
-
 TEST_F(Settings, StoreLastDocumentWritesFile1) {
     window.document.current_path = L"C:\\x\\A.SND";
     window.document.location_flag = 0;
@@ -46,44 +38,12 @@ TEST_F(Settings, StoreLastDocumentWritesFile1) {
     EXPECT_EQ(desk.settings.at(L"Corvane\\Tonex\\File1"), L"0,Veloxa:A.SND,C:\\x\\A.SND");
 }
 
-TEST_F(Settings, PlacementTextPutsBottomBeforeLeft) {
-    WindowPlacement placement;
-    placement.show_state = 3;
-    placement.left = 100;
-    placement.top = 200;
-    placement.right = 500;
-    placement.bottom = 600;
-    EXPECT_EQ(PlacementText(placement), L"3,600,100,500,200");
-    placement.left = -8;
-    placement.top = -2147483647 - 1;
-    EXPECT_EQ(PlacementText(placement), L"3,600,-8,500,-2147483648");
-}
-
-TEST_F(Settings, PlacementIsReadBackAsItWasWritten) {
-    WindowPlacement placement;
-    placement.show_state = 1;
-    placement.left = -1200;
-    placement.top = 0;
-    placement.right = 2147483647;
-    placement.bottom = 7;
-    const auto read = ParsePlacement(PlacementText(placement));
-    ASSERT_TRUE(read);
-    EXPECT_EQ(read->show_state, 1);
-    EXPECT_EQ(read->left, -1200);
-    EXPECT_EQ(read->top, 0);
-    EXPECT_EQ(read->right, 2147483647);
-    EXPECT_EQ(read->bottom, 7);
-}
-
-TEST_F(Settings, PlacementWithoutFiveWholeNumbersIsNone) {
-    for (const wchar_t* text :
-         {L"", L",", L"1", L"2,600,100,500", L"2,600,100,500,", L",600,100,500,200", L"2,600,,500,200",
-          L"2,600,100,500,200,7", L"2,600,abc,500,200", L"2,600,100,500,200 ", L"2, 600,100,500,200",
-          L"2,600,100.5,500,200", L"2,600,2147483648,500,200", L"2,600,-2147483649,500,200",
-          L"2,600,99999999999999999999999999,500,200", L"2,600,-,500,200", L"2,600,--1,500,200",
-          L"a,b,c,d,e"}) {
-        EXPECT_FALSE(ParsePlacement(text)) << desktop::Utf8(text);
-    }
+TEST_F(Settings, TheLastDocumentIsReadFromTheSectionThatIsAskedFor) {
+    EXPECT_EQ(ReadLastDocument(L"Tonex").path, L"");
+    desk.settings[L"Corvane\\Tonex\\File1"] = L"1,PC:A.SND,C:\\x\\A.SND";
+    EXPECT_EQ(ReadLastDocument(L"Tonex").path, L"C:\\x\\A.SND");
+    EXPECT_EQ(ReadLastDocument(L"Tonex").location_flag, 1);
+    EXPECT_EQ(ReadLastDocument(L"Sclview").path, L"");
 }
 
 TEST_F(Settings, SaveWindowPlacementStoresUnderTheHistoricalKey) {

@@ -79,12 +79,7 @@ bool GetMainWindowPlacement(WindowPlacement& placement) {
     WINDOWPLACEMENT system{};
     system.length = sizeof system; // 44
     if (!GetWindowPlacement(Window(), &system)) return false;
-    placement.flags = static_cast<int>(system.flags);
     placement.show_state = static_cast<int>(system.showCmd);
-    placement.min_x = static_cast<int>(system.ptMinPosition.x);
-    placement.min_y = static_cast<int>(system.ptMinPosition.y);
-    placement.max_x = static_cast<int>(system.ptMaxPosition.x);
-    placement.max_y = static_cast<int>(system.ptMaxPosition.y);
     placement.left = static_cast<int>(system.rcNormalPosition.left);
     placement.top = static_cast<int>(system.rcNormalPosition.top);
     placement.right = static_cast<int>(system.rcNormalPosition.right);
