@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -30,7 +32,7 @@ void Check(const Expected& expected) {
 using Bytes = std::vector<std::uint8_t>;
 
 void Put(Bytes& bytes, const char* tag) {
-    bytes.insert(bytes.end(), tag, tag + 4);
+    std::copy_n(tag, 4, std::back_inserter(bytes));
 }
 void Put(Bytes& bytes, std::uint32_t value, int size) {
     for (int i = 0; i < size; ++i)

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -135,7 +136,7 @@ Bytes ExpectedWav(const TimingTables& tables, std::int16_t tempo, const std::vec
     }
     const auto header = WavHeader(static_cast<std::uint32_t>(samples.size()));
     Bytes wav(header.begin(), header.end());
-    wav.insert(wav.end(), samples.begin(), samples.end());
+    std::copy(samples.begin(), samples.end(), std::back_inserter(wav));
     return wav;
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -44,7 +45,7 @@ Bytes ExpectedWav(const Bytes& records, std::uint8_t tempo_byte) {
     }
     const auto header = WavHeader(static_cast<std::uint32_t>(samples.size()));
     Bytes wav(header.begin(), header.end());
-    wav.insert(wav.end(), samples.begin(), samples.end());
+    std::copy(samples.begin(), samples.end(), std::back_inserter(wav));
     return wav;
 }
 

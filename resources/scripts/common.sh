@@ -20,10 +20,11 @@ as_root() {
     if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# What building, running and testing need on Debian 12.
+# What building, running and testing need on Debian 12: build, run, test.
 packages="cmake ninja-build g++ g++-mingw-w64-i686-win32 googletest libgtest-dev libbenchmark-dev libcli11-dev
-nlohmann-json3-dev wine wine32:i386 fonts-vlgothic fonts-wine locales xvfb openbox imagemagick python3
-python3-pytest python3-xlib python3-pil libasound2-plugins:i386 sox strace procps"
+nlohmann-json3-dev libpng-dev python3 python3-markdown-it
+wine wine32:i386 fonts-vlgothic fonts-wine locales xvfb openbox
+clang-format python3-pytest python3-xlib python3-pil libasound2-plugins:i386 sox strace"
 
 missing_packages() {
     # One query for all; a package that was never heard of has no line.

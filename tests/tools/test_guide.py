@@ -116,7 +116,7 @@ def test_version_is_that_of_the_build(content):
 
 
 def test_every_command_is_described(content):
-    rows = re.findall(r'\{Menu::\w+, MenuItem::(\w+), L"\w+", L"([^"]+)"', (ROOT / "app" / "commands.cpp")
+    rows = re.findall(r'\{Menu::\w+, MenuItem::(\w+), L"\w+", L"([^"]+)"', (ROOT / "app" / "menus.cpp")
                       .read_text(encoding="utf-8"))
     captions = [caption.replace("&", "").replace("...", "") for _, caption in rows if caption != "-"]
     assert len(captions) == 24
@@ -193,6 +193,16 @@ GOOD = "# T\n\nIntro.\n\n## A {#a}\nkeywords: k\n\nText.\n"
     (GOOD + "\n## B {#b}\nkeywords: k\n", "no keywords or no text"), (GOOD + "\n**open\n", "partner"),
     (GOOD + "\n- a\nb\n", "two blanks"), (GOOD + "\n| a | b |\n|---|---|\n| c |\n", "as many cells"),
     (GOOD + "\n| a |\n| b |\n| c |\n", "line of dashes"), (GOOD + "\n### Deep\n", "not a heading"),
+    (GOOD + "\n| a | b |\n|---|---|\n| c | d | e |\n", "as many cells"), (GOOD + "\n| a |\n|---|\n", "line of dashes"),
+    (GOOD + "\na | b\n---|---\nc | d\n", "ends with a bar"), (GOOD + "\n- a\n\n- b\n", "blank lines"),
+    (GOOD + "\n- a\n  - b\n", "one paragraph"), (GOOD + "\n* a\n", "the mark"), (GOOD + "\n1. a\n3. b\n", "from 1"),
+    (GOOD + "\n1. a\n1. b\n", "from 1"), (GOOD + "\n> a\n", "blockquote"), (GOOD + "\n```\na\n```\n", "fence"),
+    (GOOD + "\n    a\n", "code_block"), (GOOD + "\n***\n", "hr"), (GOOD + "\n<p>\n", "html_block"),
+    (GOOD + "\na *b*\n", "em has"), (GOOD + "\na **b `c`**\n", "code_inline"), (GOOD + "\na  \nb\n", "hardbreak"),
+    (GOOD + "\n![a](#a)\n", "image"), (GOOD + "\n[a](b)\n", "leads to a topic"), (GOOD + "\n[a](#a \"b\")\n", "leads to"),
+    (GOOD + "\nB {#b}\n---\n", "not a heading"), (GOOD + "\n## B {#b}\nkeywords: k\nText.\n", "keywords alone"),
+    (GOOD + "\n## B {#b}\n\nkeywords: k\n\nText.\n", "keywords alone"), ("Intro.\n\n" + GOOD, "title"),
+    (GOOD + "\nline\n\n**open\n", "line 12: a mark"),
 ])
 def test_reader_refuses_what_it_does_not_understand(tmp_path, text, told):
     source, target = tmp_path / "guide.md", tmp_path / "out.htm"
@@ -208,3 +218,10 @@ def test_text_is_escaped(tmp_path):
     source.write_text(GOOD.replace("Text.", "a < b & `c > d`"), encoding="utf-8")
     assert make(source, target).returncode == 0
     assert "a &lt; b &amp; <code>c &gt; d</code>" in target.read_text(encoding="utf-8")
+
+
+def test_no_character_stands_for_another_one(tmp_path):
+    source, target = tmp_path / "guide.md", tmp_path / "out.htm"
+    source.write_text(GOOD.replace("Text.", r"C:\[Link]\* \# &amp; &copy; [a]: b"), encoding="utf-8")
+    assert make(source, target).returncode == 0
+    assert r"<p>C:\[Link]\* \# &amp;amp; &amp;copy; [a]: b</p>" in target.read_text(encoding="utf-8")

@@ -1,8 +1,8 @@
-"""Reads the user's guide: a small part of Markdown, checked strictly.
+"""Reads the user's guide: Markdown, of which a small part is allowed and checked strictly.
 
-    # Title                      the guide's title, first line
-    ## Heading {#id}             a topic; the lines up to the next heading belong to it
-    keywords: one, two           words under which a reader may look the topic up, right under the heading
+    # Title                      the guide's title, first of all
+    ## Heading {#id}             a topic; what stands up to the next heading belongs to it
+    keywords: one, two           words under which a reader may look the topic up, right under the heading, alone
     paragraphs, "- " lists, "1. " lists, tables with a heading row
     **strong**, `code`, [text](#id)
 
@@ -11,6 +11,9 @@ What is none of this, a link to no topic or an id used twice is an error that na
 
 import dataclasses
 import re
+
+from markdown_it import MarkdownIt
+from markdown_it.tree import SyntaxTreeNode
 
 
 class GuideError(Exception):
@@ -45,79 +48,110 @@ class Guide:
     topics: list
 
 
-INLINE = re.compile(r"\*\*(?P<strong>[^*]+)\*\*|`(?P<code>[^`]+)`|\[(?P<link>[^\]]+)\]\(#(?P<target>[\w-]+)\)")
-HEADING = re.compile(r"## (?P<title>[^{]+?) \{#(?P<id>[\w-]+)\}$")
+# Text is taken as it stands: no character stands for another one.
+MARKDOWN = MarkdownIt("commonmark").enable("table").disable(["escape", "entity", "reference"])
+HEADING = re.compile(r"(?P<title>[^{]+?) \{#(?P<id>[\w-]+)\}")
+TARGET = re.compile(r"#(?P<id>[\w-]+)")
+LISTS = {"bullet_list": ("bullets", "-"), "ordered_list": ("numbers", ".")}
+KEYWORDS = "keywords: "
 
 
-def spans_of(text, line):
-    spans, end = [], 0
-    for found in INLINE.finditer(text):
-        if found.start() > end:
-            spans.append(Span("text", text[end:found.start()]))
-        kind = found.lastgroup if found.lastgroup != "target" else "link"
-        spans.append(Span(kind, found[kind], found["target"] or ""))
-        end = found.end()
-    if end < len(text):
-        spans.append(Span("text", text[end:]))
-    for span in spans:
-        if span.kind == "text" and re.search(r"\*\*|`|\]\(", span.text):
-            raise GuideError(f"line {line}: a mark without its partner: {span.text!r}")
+def refuse(node, what):
+    raise GuideError(f"line {node.map[0] + 1}: {what}")
+
+
+def expect(node, condition, what):
+    if not condition:
+        refuse(node, what)
+
+
+# --- inside of a paragraph, an item, a cell
+
+def plain_of(parts, line):
+    """The text of nodes that are nothing but text; a line's end is a blank."""
+    for part in parts:
+        expect(line, part.type in ("text", "softbreak"), f"{part.type} has no place here")
+    return "".join(" " if part.type == "softbreak" else part.content for part in parts)
+
+
+def span_of(part, line):
+    if part.type == "code_inline":
+        return Span("code", part.content)
+    if part.type == "strong":
+        return Span("strong", plain_of(part.children, line))
+    if part.type == "link":
+        target = TARGET.fullmatch(part.attrs["href"])
+        expect(line, target and "title" not in part.attrs, "a link leads to a topic, [text](#id)")
+        return Span("link", plain_of(part.children, line), target["id"])
+    text = plain_of([part], line)
+    expect(line, not re.search(r"\*\*|`|\]\(", text), f"a mark without its partner: {text!r}")
+    return Span("text", text)
+
+
+def spans_of(line):
+    spans = []
+    for part in line.children:
+        span = span_of(part, line)
+        if not span.text:  # the parser puts an empty text beside some marks
+            continue
+        if spans and span.kind == spans[-1].kind == "text":
+            spans[-1].text += span.text
+        else:
+            spans.append(span)
     return spans
 
 
-def cells_of(row, line):
-    if not row.endswith("|"):
-        raise GuideError(f"line {line}: a table row ends with a bar")
-    return [spans_of(cell.strip(), line) for cell in row.strip("|").split("|")]
+# --- blocks
+
+def item_of(item, lines):
+    expect(item, [part.type for part in item.children] == ["paragraph"] and item.children[0].hidden,
+           "a list item is one paragraph, without blank lines between the items")
+    first, end = item.children[0].map
+    expect(item, all(text.startswith("  ") for text in lines[first + 1:end]),
+           "a list item goes on with two blanks in front")
+    return spans_of(item.children[0].children[0])
 
 
-def table_of(lines, first):
-    rows = [cells_of(row, first + i) for i, row in enumerate(lines) if i != 1]
-    if len(lines) < 3 or not re.fullmatch(r"(\|-+)+\|", lines[1]):
-        raise GuideError(f"line {first}: a table has a heading row, a line of dashes and rows")
-    if len({len(row) for row in rows}) != 1:
-        raise GuideError(f"line {first}: the rows of a table have as many cells each")
-    return Block("table", rows)
+def list_of(node, lines):
+    kind, mark = LISTS[node.type]
+    expect(node, all(item.markup == mark for item in node.children), f"a list of {kind} has the mark {mark!r}")
+    if kind == "numbers":
+        expect(node, [item.info for item in node.children] == [str(i + 1) for i in range(len(node.children))],
+               "the numbers of a list count from 1")
+    return Block(kind, [item_of(item, lines) for item in node.children])
 
 
-def list_of(kind, mark, lines, first):
-    items = []
-    for i, text in enumerate(lines):
-        found = re.match(mark, text)
-        if found:
-            items.append(text[found.end():])
-        elif text.startswith("  "):
-            items[-1] += " " + text.strip()
-        else:
-            raise GuideError(f"line {first + i}: a list item goes on with two blanks in front")
-    return Block(kind, [spans_of(item, first) for item in items])
+def table_of(node, lines):
+    rows = [row for part in node.children for row in part.children]
+    expect(node, len(rows) >= 2, "a table has a heading row, a line of dashes and rows")
+    for row in rows:
+        text = lines[row.map[0]].strip()
+        expect(row, text.startswith("|") and text.endswith("|"), "a table row begins and ends with a bar")
+        # A missing cell would be filled in, one too many left out.
+        expect(row, text.count("|") == len(row.children) + 1, "the rows of a table have as many cells each")
+    return Block("table", [[spans_of(cell.children[0]) for cell in row.children] for row in rows])
 
 
-def block_of(lines, first):
-    if lines[0].startswith("|"):
-        return table_of(lines, first)
-    if lines[0].startswith("- "):
-        return list_of("bullets", "- ", lines, first)
-    if re.match(r"\d+\. ", lines[0]):
-        return list_of("numbers", r"\d+\. ", lines, first)
-    if lines[0][0] in "#>":
-        raise GuideError(f"line {first}: not a heading of this guide: {lines[0]!r}")
-    return Block("paragraph", spans_of(" ".join(text.strip() for text in lines), first))
+def block_of(node, lines):
+    if node.type == "table":
+        return table_of(node, lines)
+    if node.type in LISTS:
+        return list_of(node, lines)
+    expect(node, node.type == "paragraph", f"{node.type} has no place in this guide")
+    expect(node, not node.children[0].content.startswith("|"), "a table has a heading row, a line of dashes and rows")
+    return Block("paragraph", spans_of(node.children[0]))
 
 
-def groups_of(lines):
-    """Runs of lines without a blank one, each with the number of its first line."""
-    group, first = [], 0
-    for number, text in enumerate(lines, 1):
-        if text.strip():
-            if not group:
-                first = number
-            group.append(text.rstrip())
-        elif group:
-            yield first, group
-            group = []
-    if group:
-        yield first, group
+# --- the whole
+
+def topic_of(heading, keywords):
+    text = plain_of(heading.children[0].children, heading)
+    found = HEADING.fullmatch(text)
+    expect(heading, heading.tag == "h2" and heading.markup == "##" and found, f"not a heading of this guide: {text!r}")
+    line = keywords.children[0].content if keywords and keywords.type == "paragraph" else ""
+    expect(heading, line.startswith(KEYWORDS) and "\n" not in line and keywords.map[0] == heading.map[1],
+           "a heading is followed by its keywords alone")
+    return Topic(found["title"], found["id"], [word.strip() for word in line[len(KEYWORDS):].split(",")], [])
 
 
 def links_of(blocks):
@@ -143,21 +177,19 @@ def check(guide):
 
 
 def parse(text):
-    guide = Guide("", [], [])
-    for first, lines in groups_of(text.splitlines()):
-        if lines[0].startswith("# "):
-            guide.title = lines[0][2:]
-            continue
-        heading = HEADING.match(lines[0])
-        if heading:
-            if len(lines) != 2 or not lines[1].startswith("keywords: "):
-                raise GuideError(f"line {first}: a heading is followed by its keywords alone")
-            keywords = [word.strip() for word in lines[1][len("keywords: "):].split(",")]
-            guide.topics.append(Topic(heading["title"], heading["id"], keywords, []))
-            continue
-        blocks = guide.topics[-1].blocks if guide.topics else guide.introduction
-        blocks.append(block_of(lines, first))
-    if not guide.title or not guide.topics:
-        raise GuideError("a guide has a title and topics")
+    lines = text.splitlines()
+    nodes = SyntaxTreeNode(MARKDOWN.parse(text)).children
+    if not nodes or nodes[0].type != "heading" or nodes[0].tag != "h1" or nodes[0].markup != "#":
+        raise GuideError("a guide begins with its title")
+    guide = Guide(plain_of(nodes[0].children[0].children, nodes[0]), [], [])
+    rest = iter(nodes[1:])
+    for node in rest:
+        if node.type == "heading":
+            guide.topics.append(topic_of(node, next(rest, None)))
+        else:
+            blocks = guide.topics[-1].blocks if guide.topics else guide.introduction
+            blocks.append(block_of(node, lines))
+    if not guide.topics:
+        raise GuideError("a guide has topics")
     check(guide)
     return guide

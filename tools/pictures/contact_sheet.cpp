@@ -1,6 +1,6 @@
 // Writes one picture with everything that the program draws, at 100, 125, 150 and 200 %, to look at.
 #include "pictures/glyphs.h"
-#include "tools/pictures/png.h"
+#include "tools/pictures/png_file.h"
 
 #include <algorithm>
 #include <cmath>

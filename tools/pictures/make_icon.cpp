@@ -1,7 +1,7 @@
 // Writes the program icon as an ICO file. Sizes up to 64 are plain bitmaps, which every Windows reads; 256 is
 // a PNG, which Windows XP passes over.
 #include "pictures/glyphs.h"
-#include "tools/pictures/png.h"
+#include "tools/pictures/png_file.h"
 
 #include <cstdio>
 #include <string>
