@@ -1,8 +1,8 @@
 #include "app/layout_commands.h"
 
 #include "app/sndmain.h"
-#include "pictures/glyphs.h"
-#include "view/drawing_commands.h"
+#include "view/note_names.h"
+#include "view/staff.h"
 
 #include <algorithm>
 
@@ -11,11 +11,11 @@ namespace tonex {
 namespace {
 
 // Twips; 15 are a pixel of the ordinary screen.
-constexpr int kGap = 180;         ///< between the blocks of the window
-constexpr int kToolbarGap = 60;   ///< below the toolbar
-constexpr int kStaffEnd = 60;     ///< of the panel right of the last picture
-constexpr int kStaffInset = 30;   ///< between the panel's edges and the staff lines
-constexpr int kPictureTop = 1140; ///< in the middle of the panel, until a slot is shown
+constexpr int kGap = 180;       ///< between the blocks of the window
+constexpr int kToolbarGap = 60; ///< below the toolbar
+constexpr int kStaffPanelHeight = 2520;
+constexpr int kStaffInset = 30; ///< between the panel's edges and the staff lines
+constexpr int kImageInset = 15; ///< from a column's left edge to its picture, before the offset
 constexpr int kGridRowHeight = 390;
 constexpr int kScrollBarHeight = 255;
 constexpr int kButtonWidth = 465;
@@ -27,54 +27,51 @@ constexpr int kTempoBoxWidth = 975;
 constexpr int kTempoNameGap = 75;
 constexpr int kTextHeight = 225;
 constexpr int kTempoBoxHeight = 315;
-constexpr int kBlackLabelWidth = 285;
+constexpr int kFirstBlackKey =
+    140; ///< right of the first white key; not scaled with the screen, kept as it is
 constexpr int kKeyLabelHeight = 225;
 constexpr int kWhiteLabelInset = 45; ///< between a label and the lower end of its key
 constexpr int kMaxKeyHeight = 3600;
 
-constexpr int kPanelWidth = kClefWidth + kStripPictures * kColumnWidth + kStaffEnd;
-constexpr int kStripRight = kClefWidth + kStripPictures * kColumnWidth; ///< in the panel
-
-std::size_t At(int index) {
-    return static_cast<std::size_t>(index);
-}
+constexpr int kLengths = kLengthButtons / 2; ///< buttons in the row of notes and in that of rests
 
 // Length buttons to the left of a column that start a family: after the thirty-second, and after each group
 // of triplet, plain, dotted and double-dotted.
-int FamiliesBefore(int column) {
+constexpr int FamiliesBefore(int column) {
     return (column + 3) / 4;
 }
 
-int LengthButtonLeft(int column) {
+constexpr int LengthButtonLeft(int column) {
     return column * kButtonWidth + FamiliesBefore(column) * kFamilyGap;
 }
 
-constexpr int kLengthButtonsWidth = 20 * kButtonWidth + 5 * kFamilyGap;
+constexpr int kLengthButtonsWidth = LengthButtonLeft(kLengths - 1) + kButtonWidth;
 constexpr int kLengthButtonsHeight = 2 * kButtonHeight + kButtonRowGap;
 
-void PlaceStaff(sndmain& window, int left, int top) {
-    window.picStaff = {left, top, kPanelWidth, kStaffPanelHeight};
-    for (int i = 0; i < 5; ++i) {
-        const int y = kTopStaffLine + i * kStaffSpace;
-        window.Line1[At(i)] = {kClefWidth, kStripRight, y};
-        window.linSub[At(i)] = {kStaffInset, kClefWidth, y};
-        window.linSub[At(9 - i)] = {kStripRight, kPanelWidth - kStaffInset, y};
-    }
+// The offset is part of the place from ComputeStaffOffset on; before, it is 0.
+void PlacePictures(sndmain& window) {
     for (int i = 0; i < kStripPictures; ++i) {
-        Rect& place = window.imgNote[At(i)].place;
-        // The offset is part of the place from ComputeStaffOffset on; before, it is 0.
+        Rect& place = At(window.imgNote, i).place;
         place.Left = kClefWidth + i * kColumnWidth + kImageInset + window.StaffOffset;
-        if (place.Width != 0) continue;
-        place.Top = kPictureTop;
         place.Width = kPictureWidth;
-        place.Height = kPictureHeight;
     }
 }
 
+void PlaceStaff(sndmain& window, int left, int top) {
+    window.picStaff = {left, top, kStaffPanelWidth, kStaffPanelHeight};
+    for (int i = 0; i < 5; ++i) {
+        const int y = kTopStaffLine + i * kStaffSpace;
+        At(window.Line1, i) = {kClefWidth, kStripRight, y};
+        At(window.linSub, i) = {kStaffInset, kClefWidth, y};
+        At(window.linSub, 9 - i) = {kStripRight, kStaffPanelWidth - kStaffInset, y};
+    }
+    PlacePictures(window);
+}
+
 void PlaceGrid(sndmain& window, int left, int top) {
-    // As wide as the staff panel above it; the columns end a little before.
-    const int width = kGridColumnsShown * kColumnWidth + kStaffEnd;
-    window.grdScore.place = {left + kClefWidth, top, width, kGridRowHeight + kScrollBarHeight};
+    // As wide as the staff panel above it behind the clef; the columns end a little before.
+    window.grdScore.place = {left + kClefWidth, top, kStaffPanelWidth - kClefWidth,
+                             kGridRowHeight + kScrollBarHeight};
 }
 
 // One row says the tempo and its name, the row below it the length that a key click gives: they stand beside
@@ -82,7 +79,7 @@ void PlaceGrid(sndmain& window, int left, int top) {
 void PlaceTempo(sndmain& window, int left, int top) {
     const int box_left = left + kCaptionWidth;
     const int name_left = box_left + kTempoBoxWidth + kTempoNameGap;
-    const int buttons_left = left + kPanelWidth - kLengthButtonsWidth;
+    const int buttons_left = left + kStaffPanelWidth - kLengthButtonsWidth;
     const int label_top = top + (kButtonHeight - kTextHeight) / 2;
     window.Label2.place = {left, label_top, kCaptionWidth, kTextHeight};
     window.TempoCombo.place = {box_left, top + (kButtonHeight - kTempoBoxHeight) / 2, kTempoBoxWidth,
@@ -95,44 +92,45 @@ void PlaceTempo(sndmain& window, int left, int top) {
 
 void PlaceLengthButtons(sndmain& window, int left, int top) {
     const int rest_top = top + kButtonHeight + kButtonRowGap;
-    for (int column = 0; column < 20; ++column) {
+    for (int column = 0; column < kLengths; ++column) {
         const int x = left + LengthButtonLeft(column);
-        window.cbtNote[At(column)].place = {x, top, kButtonWidth, kButtonHeight};
-        window.cbtNote[At(column + 20)].place = {x, rest_top, kButtonWidth, kButtonHeight};
+        At(window.cbtNote, column).place = {x, top, kButtonWidth, kButtonHeight};
+        At(window.cbtNote, column + kLengths).place = {x, rest_top, kButtonWidth, kButtonHeight};
     }
 }
 
-// Lengths and heights of keys and labels; LayoutKeys and LayoutKeyLabels know where they stand side by side.
-void PlaceKeys(sndmain& window, int top, int bottom) {
-    const int height = std::min(bottom - top - kKeyLabelHeight, kMaxKeyHeight);
-    const int keys_top = top + kKeyLabelHeight;
-    for (PianoKeyControl& key : window.kenWhite) {
-        key.place.Top = keys_top;
-        key.place.Height = height;
+// The keyboard is centred. Widths follow the screen's pixels, so that all keys of a colour are alike.
+void PlaceKeys(sndmain& window, int top, int height) {
+    const int white_width = WhiteKeyWidth(window.screen.twips_per_pixel_x);
+    const int black_width = BlackKeyWidth(window.screen.twips_per_pixel_x);
+    const int left = (window.ClientWidth - kWhiteKeys * white_width) / 2;
+    for (int i = 0; i < kWhiteKeys; ++i)
+        At(window.kenWhite, i).place = {left + i * white_width, top, white_width, height};
+    int black_left = left + kFirstBlackKey;
+    for (int i = 0; i < kBlackKeys; ++i) {
+        At(window.kenBlack, i).place = {black_left, top, black_width, height * 62 / 100};
+        const bool gap_follows = i % 5 == 1 || i % 5 == 4;
+        black_left += gap_follows ? 2 * white_width : white_width;
     }
-    for (PianoKeyControl& key : window.kenBlack) {
-        key.place.Top = keys_top;
-        key.place.Height = height * 62 / 100;
-    }
-    LayoutKeys(window);
-
-    for (int i = 0; i < kWhiteKeys; ++i) {
-        const int label_top = keys_top + height - kKeyLabelHeight - kWhiteLabelInset;
-        window.lblWNote[At(i)].place = {0, label_top, window.kenWhite[At(i)].place.Width, kKeyLabelHeight};
-    }
-    for (KeyLabel& label : window.lblBNote)
-        label.place = {0, top, kBlackLabelWidth, kKeyLabelHeight};
-    LayoutKeyLabels(window);
 }
 
-// The Tab key goes from top to bottom; LayoutKeys counts on from the first white key.
+CellText CaptionOfKey(const sndmain& window, std::int16_t pitch) {
+    const int half_tones = pitch - kLowestKeyPitch;
+    return KeyCaptionOf(half_tones % 12, window.KeyboardBaseOctave + half_tones / 12, window.doremi);
+}
+
+// From top to bottom and along the keyboard from left to right. Toolbar and strip come last: menu and grid do
+// what they do.
 void NumberTabStops(sndmain& window) {
     std::int16_t next = 0;
     window.grdScore.TabIndex = next++;
     for (LengthButton& button : window.cbtNote)
         button.TabIndex = next++;
     window.TempoCombo.TabIndex = next++;
-    window.kenWhite[0].TabIndex = next;
+    for (int pitch = kLowestKeyPitch; pitch <= kHighestKeyPitch; ++pitch)
+        ControlOf(window, *KeyOfPitch(static_cast<std::uint16_t>(pitch))).TabIndex = next++;
+    window.toolbar_tab_index = next++;
+    window.strip_tab_index = next;
 }
 
 } // namespace
@@ -142,15 +140,57 @@ void LayoutWindow(sndmain& window, int client_width, int client_height) {
     window.ClientHeight = std::max(client_height, kMinClientHeight);
     NumberTabStops(window);
 
-    const int left = (window.ClientWidth - kPanelWidth) / 2;
+    const int left = (window.ClientWidth - kStaffPanelWidth) / 2;
     const int staff_top = kToolbarHeight + kToolbarGap;
     PlaceStaff(window, left, staff_top);
     const int grid_top = staff_top + kStaffPanelHeight;
     PlaceGrid(window, left, grid_top);
     const int lengths_top = grid_top + kGridRowHeight + kScrollBarHeight + kGap;
     PlaceTempo(window, left, lengths_top);
-    PlaceLengthButtons(window, left + kPanelWidth - kLengthButtonsWidth, lengths_top);
-    PlaceKeys(window, lengths_top + kLengthButtonsHeight + kGap, window.ClientHeight - kMargin);
+    PlaceLengthButtons(window, left + kStaffPanelWidth - kLengthButtonsWidth, lengths_top);
+    const int keys_top = lengths_top + kLengthButtonsHeight + kGap + kKeyLabelHeight;
+    PlaceKeys(window, keys_top, std::min(window.ClientHeight - kMargin - keys_top, kMaxKeyHeight));
+    LayoutKeyLabels(window);
+}
+
+void ComputeStaffOffset(sndmain& window) {
+    const int line_space = window.Line1[1].Y - window.Line1[0].Y;
+    window.StaffOffset = StaffOffsetOf(line_space, window.screen.twips_per_pixel_y);
+    for (NoteImage& picture : window.imgNote)
+        picture.Visible = false;
+    PlacePictures(window);
+}
+
+void LayoutKeyLabels(sndmain& window) {
+    for (int i = 0; i < kWhiteKeys; ++i) {
+        const Rect& key = At(window.kenWhite, i).place;
+        const int top = key.Top + key.Height - kWhiteLabelInset - kKeyLabelHeight;
+        At(window.lblWNote, i) = {{key.Left, top, key.Width, kKeyLabelHeight},
+                                  CaptionOfKey(window, WhiteKeyPitch(i))};
+    }
+    for (int i = 0; i < kBlackKeys; ++i) {
+        const Rect& key = At(window.kenBlack, i).place;
+        // The label is wider than the key and stands centred over it.
+        const int left = key.Left - (kKeyLabelWidth - key.Width) / 2;
+        At(window.lblBNote, i) = {{left, key.Top - kKeyLabelHeight, kKeyLabelWidth, kKeyLabelHeight},
+                                  CaptionOfKey(window, BlackKeyPitch(i))};
+    }
+}
+
+std::vector<TabStop> TabOrder(const sndmain& window) {
+    std::vector<TabStop> stops = {{window.grdScore.TabIndex, Pane::grdScore, kWholePane},
+                                  {window.TempoCombo.TabIndex, Pane::TempoCombo, kWholePane},
+                                  {window.toolbar_tab_index, Pane::Toolbar1, kWholePane},
+                                  {window.strip_tab_index, Pane::imgNote, kWholePane}};
+    for (int i = 0; i < kLengthButtons; ++i)
+        stops.push_back({At(window.cbtNote, i).TabIndex, Pane::cbtNote, i});
+    for (int pitch = kLowestKeyPitch; pitch <= kHighestKeyPitch; ++pitch) {
+        const PianoKey key = *KeyOfPitch(static_cast<std::uint16_t>(pitch));
+        stops.push_back({ControlOf(window, key).TabIndex, Pane::Keys, pitch - kLowestKeyPitch});
+    }
+    std::stable_sort(stops.begin(), stops.end(),
+                     [](const TabStop& a, const TabStop& b) { return a.TabIndex < b.TabIndex; });
+    return stops;
 }
 
 } // namespace tonex

@@ -1,5 +1,11 @@
-// Where everything stands in the main window. All lengths in twips, so that a scale only changes the pixels.
+// Where everything stands in the main window, and in which order the Tab key reaches it. All lengths in
+// twips, so that a scale only changes the pixels.
 #pragma once
+
+#include "view/measures.h"
+
+#include <cstdint>
+#include <vector>
 
 namespace tonex {
 
@@ -7,15 +13,36 @@ struct sndmain;
 
 inline constexpr int kMargin = 180;
 inline constexpr int kToolbarHeight = 540;
-inline constexpr int kClefWidth = 720;   ///< staff in front of the first picture
-inline constexpr int kColumnWidth = 390; ///< of a grid column and of the strip's pitch
-inline constexpr int kImageInset = 15;   ///< from a column's left edge to its picture, before the offset
-inline constexpr int kStaffPanelHeight = 2520;
-inline constexpr int kMinClientWidth = 2 * kMargin + kClefWidth + 30 * kColumnWidth + 60;
+inline constexpr int kClefWidth = 720; ///< staff in front of the first picture
+inline constexpr int kStripRight = kClefWidth + kStripPictures * kColumnWidth; ///< in the staff panel
+inline constexpr int kStaffPanelWidth = kStripRight + 60;
+inline constexpr int kMinClientWidth = kStaffPanelWidth + 2 * kMargin;
 inline constexpr int kMinClientHeight = 7650;
 
 /// Places every control for a client area of the size given (twips, at least the minimum): the content is
-/// centred; what is left in height goes to the piano.
+/// centred; what is left in height goes to the piano. Numbers what the Tab key reaches.
 void LayoutWindow(sndmain& window, int client_width, int client_height);
+
+/// Works StaffOffset out from the screen's scale and the first two staff lines, hides the strip's pictures
+/// and moves each right by the offset (horizontal by a vertical amount; kept as it is). Run once, at set-up.
+void ComputeStaffOffset(sndmain& window);
+
+/// Captions the piano keys in the current name mode and places each label at its key.
+void LayoutKeyLabels(sndmain& window);
+
+/// What holds the keyboard: some panes have a Tab stop for each item, the others keep their own place.
+enum class Pane : std::uint8_t { grdScore, cbtNote, TempoCombo, Keys, Toolbar1, imgNote };
+inline constexpr int kWholePane = -1;
+
+/// A place that the Tab key reaches.
+struct TabStop {
+    std::int16_t TabIndex;
+    Pane pane;
+    int item; ///< of cbtNote its place there, of the keys half tones above the lowest; or kWholePane
+    bool operator==(const TabStop&) const = default;
+};
+
+/// All Tab stops in the order of their TabIndex.
+std::vector<TabStop> TabOrder(const sndmain& window);
 
 } // namespace tonex

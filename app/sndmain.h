@@ -8,9 +8,11 @@
 #include "platform/link_library.h"
 #include "platform/screen.h"
 #include "preview/timing_tables.h"
+#include "score/rows.h"
 #include "score/score.h"
 #include "view/cell_text.h"
 #include "view/keyboard.h"
+#include "view/measures.h"
 
 #include <array>
 #include <cstdint>
@@ -20,11 +22,8 @@
 
 namespace tonex {
 
-inline constexpr int kStripPictures = 30;
-inline constexpr int kGridColumnsShown = 30; ///< columns that the grid shows at once
 inline constexpr int kLengthButtons = 40;
 inline constexpr std::int16_t kFirstLength = 11; ///< current length at start-up, a quarter note
-inline constexpr int kTopStaffLine = 1170; ///< of the staff's five lines, twips from the top of its panel
 inline constexpr std::uint32_t kWhiteKeyColour = 0xFFFFFF;
 inline constexpr std::uint32_t kBlackKeyColour = 0x000000;
 inline constexpr std::uint32_t kPressedKeyColour = 0x3D8BD4; ///< red, green, blue from the highest byte down
@@ -45,7 +44,6 @@ struct NoteImage {
     Rect place;
     std::int16_t Picture = 0; ///< 1 to 58 in ImlNote; 0 = none
     bool Sharp = false;       ///< a sharp sign stands beside the head
-    bool Stretch = false;
     bool Visible = false;
     bool operator==(const NoteImage&) const = default;
 };
@@ -55,6 +53,12 @@ struct LengthButton {
     std::int16_t Picture = 0; ///< 1 to 40 normal, 41 to 80 chosen (code + 40)
     std::int16_t TabIndex = 0;
     bool operator==(const LengthButton&) const = default;
+};
+
+/// The picture of the current length.
+struct LengthPicture {
+    Rect place;
+    std::int16_t Picture = 0; ///< 1 to 20
 };
 
 struct PianoKeyControl {
@@ -82,9 +86,7 @@ struct ScoreGrid {
     Rect place;
     int Cols = 1; ///< columns it has, the end column included; 509 when the score is full
     GridView view;
-    std::array<std::int16_t, kSlots> ColWidth{}; ///< twips
     std::array<CellText, kSlots> Text{};
-    bool Redraw = true; ///< off while a command changes many cells
     std::int16_t TabIndex = 0;
 };
 
@@ -152,7 +154,7 @@ struct sndmain {
     std::int16_t StaffOffset = 0;               ///< twips added to every staff position
     std::int16_t KeyboardBaseOctave = 4;        ///< printed on the leftmost group of piano keys
     std::int16_t current_length = kFirstLength; ///< entry code 1 to 20 that a key click gives to a new note
-    std::int16_t standard_col_width = 390;      ///< of a grid column, twips
+    std::int16_t standard_col_width = kColumnWidth; ///< of a grid column, twips
     bool preview_busy = false;
     bool second_copy = false; ///< this copy only hands over to the first
     LinkState link;
@@ -169,7 +171,7 @@ struct sndmain {
     std::array<NoteImage, kStripPictures> imgNote{};
     ScoreGrid grdScore;
     std::array<LengthButton, kLengthButtons> cbtNote{}; ///< by LengthButtonSlot
-    NoteImage imgNow;                                   ///< the current length
+    LengthPicture imgNow;
     TempoBox TempoCombo;
     Label lblTempo; ///< the classical name
     Label Label2;   ///< "Tempo"
@@ -180,6 +182,7 @@ struct sndmain {
     std::array<KeyLabel, kBlackKeys> lblBNote{};
     std::array<MenuState, kMenuItems> menu{};
     std::array<bool, kToolButtons> toolbar_enabled{};
+    std::int16_t toolbar_tab_index = 0, strip_tab_index = 0;
     ConvertWindow FrmWavConvert;
 
     // What ShowPressedKey highlighted last.
@@ -194,13 +197,12 @@ struct sndmain {
         for (PianoKeyControl& key : kenBlack)
             key.BackColor = kBlackKeyColour;
         imgNow.Picture = current_length;
-        imgNow.Visible = true;
         Label2.Caption = L"Tempo";
         Label3.Caption = L"Length";
     }
 
-    MenuState& item(MenuItem which) { return menu[static_cast<std::size_t>(which)]; }
-    const MenuState& item(MenuItem which) const { return menu[static_cast<std::size_t>(which)]; }
+    MenuState& item(MenuItem which) { return At(menu, which); }
+    const MenuState& item(MenuItem which) const { return At(menu, which); }
 };
 
 /// Place in cbtNote of a note-length button's index: 1 to 20 give 0 to 19, 101 to 120 give 20 to 39.
@@ -217,7 +219,14 @@ constexpr int LastLeftCol(const ScoreGrid& grid) {
 }
 /// The slot under a column of the grid, 0 to 510.
 inline Entry& SlotAt(sndmain& window, int column) {
-    return window.score.sound[static_cast<std::size_t>(column)];
+    return At(window.score.sound, column);
+}
+/// The control of a piano key.
+inline PianoKeyControl& ControlOf(sndmain& window, PianoKey key) {
+    return key.kind == KeyKind::White ? At(window.kenWhite, key.index) : At(window.kenBlack, key.index);
+}
+inline const PianoKeyControl& ControlOf(const sndmain& window, PianoKey key) {
+    return key.kind == KeyKind::White ? At(window.kenWhite, key.index) : At(window.kenBlack, key.index);
 }
 /// Columns of the grid, both included.
 struct ColumnRange {

@@ -3,18 +3,13 @@
 #pragma once
 
 #include "pictures/raster.h"
+#include "view/measures.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace tonex {
 
-inline constexpr int kPictureWidth = 300;  ///< twips
-inline constexpr int kPictureHeight = 480; ///< twips
-inline constexpr int kStaffSpace = 120;    ///< twips between two staff lines
-/// The centre of a note's head in its picture, before the staff offset (0 at 100 %, 100 at 200 %) is taken
-/// away: a little below the middle, so that stems up and down have fair room at every scale.
-inline constexpr int kHeadCentre = 270;
 inline constexpr int kRestMiddle = 210; ///< the middle line in a rest's picture
 inline constexpr int kLastPicture = 58;
 

@@ -11,9 +11,7 @@ constexpr int kRestDistance = 79; ///< file code of a rest minus its entry code
 /// A file code that no table knows, so that the writer refuses it.
 constexpr std::uint16_t kFileUnknown = 255;
 
-constexpr int kStepHeight = 60;    ///< twips from a line of the staff to the space beside it
-constexpr int kOctaveHeight = 420; ///< seven steps
-constexpr int kZeroOctave = 3;     ///< the octave whose positions start at kRestPosition
+constexpr int kZeroOctave = 3; ///< the octave whose positions start at kRestPosition
 
 /// Steps below the top of the octave, by semitone; the two semitones of a sharpened name share a step.
 constexpr std::array<std::int16_t, 12> kSteps = {7, 6, 5, 5, 4, 4, 3, 2, 2, 1, 1, 0};
@@ -107,7 +105,7 @@ int FillFromFileList(Score& score, const FileList& list, std::int16_t staff_offs
     }
     RecomputePositions(score, staff_offset);
     score.end_count = static_cast<std::int16_t>(taken + 1);
-    score.strip_cursor = static_cast<std::int16_t>(taken % 30);
+    score.strip_cursor = static_cast<std::int16_t>(taken % kStripPictures);
     return count - taken;
 }
 

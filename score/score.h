@@ -14,7 +14,10 @@ inline constexpr int kLastColumn = 508;             ///< slot of the last entry 
 inline constexpr std::int16_t kMaxEndCount = 510;   ///< end count of the longest melody
 inline constexpr std::uint16_t kEmpty = 65535;      ///< entry code of an empty slot; pitch of what has none
 inline constexpr std::uint16_t kSeparator = 0;      ///< entry code of the blank entry that Insert creates
+inline constexpr int kStripPictures = 30;           ///< entries that the strip shows at once
 inline constexpr std::int16_t kRestPosition = 1200; ///< staff position of what has no pitch, in twips
+inline constexpr int kStepHeight = 60;              ///< twips from a line of the staff to the space beside it
+inline constexpr int kOctaveHeight = 7 * kStepHeight;
 
 /// One slot: the three rows of the table that belong together.
 struct Entry {
@@ -29,7 +32,7 @@ struct Entry {
 struct Score {
     std::array<Entry, kSlots> sound{};
     std::int16_t end_count = 1;    ///< index of the first empty slot plus 1
-    std::int16_t first_shown = 0;  ///< slot drawn in the first of the strip's 30 pictures
+    std::int16_t first_shown = 0;  ///< slot drawn in the first picture of the strip
     std::int16_t strip_cursor = 0; ///< place of the cursor within the strip, 0 to 29
     bool changed = false;          ///< set by every edit; asks for saving
 };

@@ -2,6 +2,7 @@
 
 #include "platform/settings.h"
 #include "tests/set_up_window.h"
+#include "view/staff.h"
 
 #include <gtest/gtest.h>
 
@@ -33,120 +34,6 @@ int HighlightedKeys(const sndmain& window) {
     return count;
 }
 
-// --- Staff offset
-
-TEST(StaffOffset, IsZeroAt100PercentAndGrowsWithTheScale) {
-    EXPECT_EQ(SetUpWindow(15)->StaffOffset, 0);
-    EXPECT_EQ(SetUpWindow(12)->StaffOffset, 40) << "(240 - 192) * 5 / 6";
-    EXPECT_EQ(SetUpWindow(10)->StaffOffset, 67) << "(240 - 160) * 5 / 6 = 66.7";
-    EXPECT_EQ(SetUpWindow(7.5f)->StaffOffset, 100) << "(240 - 120) * 5 / 6";
-}
-
-TEST(StaffOffset, MovesThePicturesRightByAVerticalAmount) {
-    const auto plain = SetUpWindow(15);
-    const auto scaled = SetUpWindow(7.5f);
-    for (int i = 0; i < kStripPictures; ++i) {
-        EXPECT_EQ(ImageOf(*plain, i).place.Left, 720 + i * 390 + 15);
-        EXPECT_EQ(ImageOf(*scaled, i).place.Left, 720 + i * 390 + 15 + 100);
-    }
-}
-
-TEST(StaffOffset, SetUpHidesThePictures) {
-    auto window = SetUpWindow();
-    for (auto& picture : window->imgNote)
-        picture.Visible = true;
-    ComputeStaffOffset(*window);
-    for (const auto& picture : window->imgNote)
-        EXPECT_FALSE(picture.Visible);
-}
-
-TEST(StaffOffset, IsTakenOutAgainWhereTheHeadIsDrawn) {
-    const float scales[] = {15, 12, 10, 7.5f};
-    for (const float scale : scales) {
-        const auto window = SetUpWindow(scale);
-        const auto head = [&](std::uint16_t pitch) {
-            return HeadCentreOf(StaffPositionOf(pitch, window->StaffOffset).value(), window->StaffOffset);
-        };
-        EXPECT_EQ(head(43), 1650) << "e5 on the lowest line";
-        EXPECT_EQ(head(46), 1530) << "g5";
-        EXPECT_EQ(head(50), 1410) << "b5";
-        EXPECT_EQ(head(53), 1290) << "d6";
-        EXPECT_EQ(head(56), 1170) << "f6 on the highest line";
-        EXPECT_EQ(head(44), 1590) << "f5 in the lowest space";
-    }
-}
-
-// --- Pictures
-
-TEST(Picture, StemsGoDownFromPitch50) {
-    EXPECT_EQ(PictureOf(5, 49), 5);
-    EXPECT_EQ(PictureOf(5, 50), 45);
-}
-
-TEST(Picture, ARestUsesItsOwnWhateverItsPitch) {
-    EXPECT_EQ(PictureOf(25, 65535), 25);
-    EXPECT_EQ(PictureOf(25, 60), 25);
-}
-
-TEST(Picture, WholeNotesHaveNoStem) {
-    EXPECT_EQ(PictureOf(17, 60), 57);
-    EXPECT_EQ(PictureOf(18, 60), 18);
-    EXPECT_EQ(PictureOf(20, 60), 20);
-}
-
-TEST(Picture, ThePitchIsReadAsASignedNumber) {
-    EXPECT_EQ(PictureOf(5, 65000), 5);
-}
-
-TEST(Picture, EveryCodeHasAPictureOf58OrNone) {
-    const std::uint16_t pitches[] = {27, 50, 75, 200, 65535};
-    for (int code = 0; code <= 65535; ++code) {
-        for (const std::uint16_t pitch : pitches) {
-            const int picture = PictureOf(static_cast<std::uint16_t>(code), pitch);
-            if (code == 0) {
-                ASSERT_EQ(picture, 58);
-            } else if (code <= 40) {
-                ASSERT_TRUE(picture == code || (code <= 17 && picture == code + 40));
-            } else {
-                ASSERT_EQ(picture, 0) << "foreign code " << code;
-            }
-        }
-    }
-}
-
-// --- Ledger lines
-
-TEST(LedgerLines, C4HasFourBelowTheStaff) {
-    const auto lines = LedgerLinesOf(StaffPositionOf(27, 0).value(), 0);
-    EXPECT_EQ(lines.first_y, 1770);
-    EXPECT_EQ(lines.step_y, 120);
-    EXPECT_EQ(lines.count, 4);
-}
-
-TEST(LedgerLines, C8HasFiveAboveTheStaff) {
-    const auto lines = LedgerLinesOf(StaffPositionOf(75, 0).value(), 0);
-    EXPECT_EQ(lines.first_y, 1050);
-    EXPECT_EQ(lines.step_y, -120);
-    EXPECT_EQ(lines.count, 5);
-}
-
-TEST(LedgerLines, FromD5ToG6ThereAreNone) {
-    for (std::uint16_t pitch = 41; pitch <= 58; ++pitch) {
-        EXPECT_EQ(LedgerLinesOf(StaffPositionOf(pitch, 0).value(), 0).count, 0) << pitch;
-    }
-    EXPECT_EQ(LedgerLinesOf(StaffPositionOf(39, 0).value(), 0).count, 1) << "c5";
-    EXPECT_EQ(LedgerLinesOf(StaffPositionOf(60, 0).value(), 0).count, 1) << "a6";
-}
-
-TEST(LedgerLines, AreTheSameAtEveryScale) {
-    for (std::uint16_t pitch = 27; pitch <= 75; ++pitch) {
-        const auto plain = LedgerLinesOf(StaffPositionOf(pitch, 0).value(), 0);
-        const auto scaled = LedgerLinesOf(StaffPositionOf(pitch, 67).value(), 67);
-        EXPECT_EQ(plain.count, scaled.count);
-        EXPECT_EQ(plain.first_y, scaled.first_y);
-    }
-}
-
 // --- One picture of the strip
 
 TEST(DrawStripImage, ANoteStandsAtItsStaffPosition) {
@@ -157,7 +44,6 @@ TEST(DrawStripImage, ANoteStandsAtItsStaffPosition) {
     EXPECT_EQ(image.place.Top, 1500);
     EXPECT_EQ(image.place.Height, 480);
     EXPECT_EQ(image.place.Width, 300);
-    EXPECT_FALSE(image.Stretch);
     EXPECT_FALSE(image.Sharp);
     EXPECT_TRUE(image.Visible);
 }
@@ -170,7 +56,7 @@ TEST(DrawStripImage, ARestStandsAt1200AtEveryScale) {
     EXPECT_FALSE(ImageOf(*window, 0).Sharp);
 }
 
-TEST(DrawStripImage, ASeparatorIsStretchedBetweenStaffLines9And4) {
+TEST(DrawStripImage, ASeparatorStandsBetweenStaffLines9And4) {
     auto window = SetUpWindow();
     FillScore(*window, {MakeEntry(*window, 0, 0)});
     const NoteImage& image = ImageOf(*window, 0);
@@ -180,7 +66,6 @@ TEST(DrawStripImage, ASeparatorIsStretchedBetweenStaffLines9And4) {
     EXPECT_EQ(image.place.Top, 1170);
     EXPECT_EQ(image.place.Height, 480);
     EXPECT_EQ(image.place.Width, 300);
-    EXPECT_TRUE(image.Stretch);
     EXPECT_TRUE(image.Visible);
 }
 
@@ -271,8 +156,6 @@ TEST(Grid, AnEmptyScoreHasOneColumnTheEndColumn) {
     EXPECT_EQ(window->grdScore.view.Col, 0);
     EXPECT_EQ(window->grdScore.view.ColSel, 0);
     EXPECT_EQ(TextOf(*window, 0), L" - ");
-    EXPECT_EQ(window->grdScore.ColWidth[0], 390);
-    EXPECT_EQ(window->grdScore.ColWidth[1], 0);
 }
 
 TEST(Grid, AColumnASlotAndTheEndColumn) {
@@ -293,8 +176,6 @@ TEST(Grid, AFullScoreHas509Columns) {
     EXPECT_EQ(window->grdScore.Cols, 509) << "508 entries and the end column";
     FillScore(*window, 509);
     EXPECT_EQ(window->grdScore.Cols, 509) << "509 entries and no end column";
-    EXPECT_EQ(window->grdScore.ColWidth[508], 390);
-    EXPECT_EQ(window->grdScore.ColWidth[509], 0);
 }
 
 TEST(Grid, RedrawKeepsCursorSelectionAndFirstColumnInsideTheColumns) {
@@ -313,7 +194,6 @@ TEST(Grid, RedrawKeepsCursorSelectionAndFirstColumnInsideTheColumns) {
     EXPECT_EQ(window->grdScore.view.Col, 40);
     EXPECT_EQ(window->grdScore.view.ColSel, 40);
     EXPECT_EQ(window->grdScore.view.LeftCol, 11);
-    EXPECT_TRUE(window->grdScore.Redraw);
 }
 
 TEST(Grid, ClearEmptiesEverythingTheUserSees) {
@@ -421,42 +301,6 @@ TEST(PressedKey, EveryNameFindsTheKeyWithThatCaption) {
         if (caption.back() == L'#') caption.insert(caption.size() - 1, L" ");
         EXPECT_EQ(caption, TextOf(*window, 0));
     }
-}
-
-// --- The keys' labels
-
-TEST(KeyLabels, LetterCaptions) {
-    const auto window = SetUpWindow();
-    const wchar_t* white[29] = {L"c4", L"d4", L"e4", L"f4", L"g4", L"a4", L"b4", L"c5", L"d5", L"e5",
-                                L"f5", L"g5", L"a5", L"b5", L"c6", L"d6", L"e6", L"f6", L"g6", L"a6",
-                                L"b6", L"c7", L"d7", L"e7", L"f7", L"g7", L"a7", L"b7", L"c8"};
-    const wchar_t* black[20] = {L"c4#", L"d4#", L"f4#", L"g4#", L"a4#", L"c5#", L"d5#",
-                                L"f5#", L"g5#", L"a5#", L"c6#", L"d6#", L"f6#", L"g6#",
-                                L"a6#", L"c7#", L"d7#", L"f7#", L"g7#", L"a7#"};
-    for (std::size_t i = 0; i < 29; ++i)
-        EXPECT_EQ(CaptionOf(window->lblWNote[i]), white[i]);
-    for (std::size_t i = 0; i < 20; ++i)
-        EXPECT_EQ(CaptionOf(window->lblBNote[i]), black[i]);
-}
-
-TEST(KeyLabels, DoremiCaptionsCarryNoOctave) {
-    auto window = SetUpWindow();
-    ToggleDoremi(*window);
-    const wchar_t* white[7] = {L"ド", L"レ", L"ミ", L"ﾌｧ", L"ソ", L"ラ", L"シ"};
-    const wchar_t* black[5] = {L"ド#", L"レ#", L"ﾌｧ#", L"ソ#", L"ラ#"};
-    for (std::size_t i = 0; i < 29; ++i)
-        EXPECT_EQ(CaptionOf(window->lblWNote[i]), white[i % 7]);
-    for (std::size_t i = 0; i < 20; ++i)
-        EXPECT_EQ(CaptionOf(window->lblBNote[i]), black[i % 5]);
-}
-
-TEST(KeyLabels, FollowTheBaseOctave) {
-    auto window = SetUpWindow();
-    window->KeyboardBaseOctave = 2;
-    LayoutKeyLabels(*window);
-    EXPECT_EQ(CaptionOf(window->lblWNote[0]), L"c2");
-    EXPECT_EQ(CaptionOf(window->lblWNote[28]), L"c6");
-    EXPECT_EQ(CaptionOf(window->lblBNote[19]), L"a5#");
 }
 
 // --- The view follows

@@ -43,5 +43,16 @@ TEST(Keyboard, APitchThatLeavesThePianoHasNoKey) {
     EXPECT_FALSE(KeyOfPitch(65535));
 }
 
+TEST(Keyboard, KeyWidthsAreWholePixelsAtEveryScale) {
+    const struct {
+        float scale;
+        int white, black;
+    } cases[] = {{15, 285, 225}, {12, 276, 216}, {10, 280, 220}, {7.5f, 285, 225}};
+    for (const auto& [scale, white, black] : cases) {
+        EXPECT_EQ(WhiteKeyWidth(scale), white) << scale;
+        EXPECT_EQ(BlackKeyWidth(scale), black) << scale;
+    }
+}
+
 } // namespace
 } // namespace tonex

@@ -23,6 +23,10 @@ bool Overlap(const Rect& a, const Rect& b) {
     return a.Left < Right(b) && b.Left < Right(a) && a.Top < Bottom(b) && b.Top < Bottom(a);
 }
 
+std::wstring CaptionOf(const KeyLabel& label) {
+    return std::wstring(label.Caption.View());
+}
+
 // Everything that stands beside or above something else; keys and labels overlap on purpose.
 std::vector<Rect> Blocks(const sndmain& window) {
     std::vector<Rect> blocks = {window.picStaff,         window.grdScore.place, window.Label2.place,
@@ -147,19 +151,17 @@ TEST(Layout, LengthsStandInFamilies) {
     EXPECT_EQ(family_starts, (std::vector<int>{2, 6, 10, 14, 18}));
 }
 
-TEST(Layout, KeyWidthsAreWholePixelsAtEveryScale) {
-    const struct {
-        float scale;
-        int white, black;
-    } cases[] = {{15, 285, 225}, {12, 276, 216}, {10, 280, 220}, {7.5f, 285, 225}};
-    for (const auto& [scale, white, black] : cases) {
+TEST(Layout, WhiteKeysStandSideBySideInTheMiddle) {
+    for (const float scale : {15.f, 12.f, 10.f, 7.5f}) {
         const auto window = SetUpWindow(scale);
-        EXPECT_EQ(window->kenWhite[0].place.Width, white) << scale;
-        EXPECT_EQ(window->kenBlack[0].place.Width, black) << scale;
-        const int left = (window->ClientWidth - 29 * white) / 2;
+        const int width = WhiteKeyWidth(scale);
+        const int left = (window->ClientWidth - 29 * width) / 2;
         for (int i = 0; i < 29; ++i) {
-            EXPECT_EQ(window->kenWhite[static_cast<std::size_t>(i)].place.Left, left + i * white);
+            EXPECT_EQ(At(window->kenWhite, i).place.Left, left + i * width);
+            EXPECT_EQ(At(window->kenWhite, i).place.Width, width);
         }
+        for (const auto& key : window->kenBlack)
+            EXPECT_EQ(key.place.Width, BlackKeyWidth(scale));
     }
 }
 
@@ -227,6 +229,41 @@ TEST(Layout, TheTabKeyGoesFromTopToBottomAndAlongTheKeyboard) {
     }
 }
 
+// Which panes the Tab key comes to, and at how many stops in a row.
+std::vector<std::pair<Pane, int>> PanesInOrder(const sndmain& window) {
+    std::vector<std::pair<Pane, int>> panes;
+    for (const TabStop& stop : TabOrder(window)) {
+        if (panes.empty() || panes.back().first != stop.pane) panes.emplace_back(stop.pane, 0);
+        ++panes.back().second;
+    }
+    return panes;
+}
+
+TEST(TabOrder, HasAStopForEachButtonAndKeyAndOneForEachOtherPane) {
+    const auto window = SetUpWindow();
+    const std::vector<std::pair<Pane, int>> expected = {{Pane::grdScore, 1},   {Pane::cbtNote, 40},
+                                                        {Pane::TempoCombo, 1}, {Pane::Keys, 49},
+                                                        {Pane::Toolbar1, 1},   {Pane::imgNote, 1}};
+    EXPECT_EQ(PanesInOrder(*window), expected);
+    const auto order = TabOrder(*window);
+    EXPECT_EQ(order[0], (TabStop{0, Pane::grdScore, kWholePane}));
+    for (int i = 0; i < 40; ++i)
+        EXPECT_EQ(At(order, 1 + i).item, i);
+    for (int i = 0; i < 49; ++i)
+        EXPECT_EQ(At(order, 42 + i).item, i) << "half tones above the lowest key";
+}
+
+TEST(TabOrder, IsThatOfTheTabIndexes) {
+    auto window = SetUpWindow();
+    std::swap(window->grdScore.TabIndex, window->TempoCombo.TabIndex);
+    std::swap(window->cbtNote[3].TabIndex, window->kenWhite[28].TabIndex);
+    const auto order = TabOrder(*window);
+    EXPECT_EQ(order[0].pane, Pane::TempoCombo);
+    EXPECT_EQ(order[41].pane, Pane::grdScore);
+    EXPECT_EQ(order[4], (TabStop{4, Pane::Keys, 48}));
+    EXPECT_EQ(order[90], (TabStop{90, Pane::cbtNote, 3}));
+}
+
 TEST(Layout, ExtraWidthCentresTheContent) {
     auto window = SetUpWindow();
     LayoutWindow(*window, kMinClientWidth + 2000, kMinClientHeight);
@@ -234,6 +271,69 @@ TEST(Layout, ExtraWidthCentresTheContent) {
     const int left = window->kenWhite[0].place.Left;
     const int right = window->ClientWidth - Right(window->kenWhite[28].place);
     EXPECT_LE(std::abs(left - right), 1);
+}
+
+// --- Staff offset
+
+TEST(StaffOffset, IsZeroAt100PercentAndGrowsWithTheScale) {
+    EXPECT_EQ(SetUpWindow(15)->StaffOffset, 0);
+    EXPECT_EQ(SetUpWindow(12)->StaffOffset, 40) << "(240 - 192) * 5 / 6";
+    EXPECT_EQ(SetUpWindow(10)->StaffOffset, 67) << "(240 - 160) * 5 / 6 = 66.7";
+    EXPECT_EQ(SetUpWindow(7.5f)->StaffOffset, 100) << "(240 - 120) * 5 / 6";
+}
+
+TEST(StaffOffset, MovesThePicturesRightByAVerticalAmount) {
+    const auto plain = SetUpWindow(15);
+    const auto scaled = SetUpWindow(7.5f);
+    for (int i = 0; i < kStripPictures; ++i) {
+        EXPECT_EQ(ImageOf(*plain, i).place.Left, 720 + i * 390 + 15);
+        EXPECT_EQ(ImageOf(*scaled, i).place.Left, 720 + i * 390 + 15 + 100);
+    }
+}
+
+TEST(StaffOffset, SetUpHidesThePictures) {
+    auto window = SetUpWindow();
+    for (auto& picture : window->imgNote)
+        picture.Visible = true;
+    ComputeStaffOffset(*window);
+    for (const auto& picture : window->imgNote)
+        EXPECT_FALSE(picture.Visible);
+}
+
+// --- The keys' labels
+
+TEST(KeyLabels, LetterCaptions) {
+    const auto window = SetUpWindow();
+    const wchar_t* white[29] = {L"c4", L"d4", L"e4", L"f4", L"g4", L"a4", L"b4", L"c5", L"d5", L"e5",
+                                L"f5", L"g5", L"a5", L"b5", L"c6", L"d6", L"e6", L"f6", L"g6", L"a6",
+                                L"b6", L"c7", L"d7", L"e7", L"f7", L"g7", L"a7", L"b7", L"c8"};
+    const wchar_t* black[20] = {L"c4#", L"d4#", L"f4#", L"g4#", L"a4#", L"c5#", L"d5#",
+                                L"f5#", L"g5#", L"a5#", L"c6#", L"d6#", L"f6#", L"g6#",
+                                L"a6#", L"c7#", L"d7#", L"f7#", L"g7#", L"a7#"};
+    for (std::size_t i = 0; i < 29; ++i)
+        EXPECT_EQ(CaptionOf(window->lblWNote[i]), white[i]);
+    for (std::size_t i = 0; i < 20; ++i)
+        EXPECT_EQ(CaptionOf(window->lblBNote[i]), black[i]);
+}
+
+TEST(KeyLabels, DoremiCaptionsCarryNoOctave) {
+    auto window = SetUpWindow();
+    ToggleDoremi(*window);
+    const wchar_t* white[7] = {L"ド", L"レ", L"ミ", L"ﾌｧ", L"ソ", L"ラ", L"シ"};
+    const wchar_t* black[5] = {L"ド#", L"レ#", L"ﾌｧ#", L"ソ#", L"ラ#"};
+    for (std::size_t i = 0; i < 29; ++i)
+        EXPECT_EQ(CaptionOf(window->lblWNote[i]), white[i % 7]);
+    for (std::size_t i = 0; i < 20; ++i)
+        EXPECT_EQ(CaptionOf(window->lblBNote[i]), black[i % 5]);
+}
+
+TEST(KeyLabels, FollowTheBaseOctave) {
+    auto window = SetUpWindow();
+    window->KeyboardBaseOctave = 2;
+    LayoutKeyLabels(*window);
+    EXPECT_EQ(CaptionOf(window->lblWNote[0]), L"c2");
+    EXPECT_EQ(CaptionOf(window->lblWNote[28]), L"c6");
+    EXPECT_EQ(CaptionOf(window->lblBNote[19]), L"a5#");
 }
 
 } // namespace

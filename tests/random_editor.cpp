@@ -451,11 +451,9 @@ const char* CheckGrid(const sndmain& window, const Model& model) {
     if (grid.view.Col != model.col || grid.view.ColSel != model.far) return "cursor or selection";
     if (grid.view.LeftCol < 0 || grid.view.LeftCol > std::max(0, model.Cols() - 30))
         return "the first visible column";
-    if (!grid.Redraw) return "the grid is not redrawn";
     for (int column = 0; column < grid.Cols; ++column) {
         const auto at = static_cast<std::size_t>(column);
         if (grid.Text[at] != ExpectedText(window.score.sound[at].pitch, model.doremi)) return "a cell's text";
-        if (grid.ColWidth[at] != 390) return "a column's width";
     }
     return nullptr;
 }
@@ -491,7 +489,6 @@ const char* CheckStrip(const sndmain& window, const Model& model) {
         const int top = bar ? 1170 : static_cast<std::int16_t>(entry.position);
         if (image.Picture != picture) return "a picture";
         if (image.place.Top != top || image.place.Height != 480) return "a picture's height";
-        if (image.Stretch != bar) return "a picture's stretching";
         const bool sharp =
             entry.code >= 1 && entry.code <= 20 && ExpectedText(entry.pitch, false).View().ends_with(L"#");
         if (image.Sharp != sharp) return "a sharp sign";

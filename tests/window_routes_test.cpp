@@ -91,7 +91,6 @@ TEST_F(StartUpTest, TheEditorStartsEmptyAndUntitled) {
     EXPECT_EQ(window.lblTempo.Caption, L"Allegro");
     EXPECT_EQ(window.link.HelpFilePath, L"C:\\Program Files\\Tonex\\Veloxa.hlp");
     EXPECT_EQ(window.grdScore.Cols, 1);
-    EXPECT_EQ(window.grdScore.ColWidth[0], 390);
     EXPECT_EQ(TextOf(window, 0), L" - ");
     EXPECT_GE(window.ClientWidth, kMinClientWidth);
     EXPECT_FALSE(window.item(MenuItem::mnuCut).Enabled);

@@ -52,7 +52,7 @@ using Transposition = bool (*)(Entry& entry, int amount, std::int16_t staff_offs
 // as it is.
 bool ShiftOctave(Entry& entry, int octaves, std::int16_t) {
     const auto pitch = ToInt16(AsSigned(entry.pitch) + 12 * octaves);
-    const auto position = ToInt16(AsSigned(entry.position) - 420 * octaves);
+    const auto position = ToInt16(AsSigned(entry.position) - kOctaveHeight * octaves);
     if (!pitch || !position) return false;
     entry.pitch = AsCell(*pitch);
     entry.position = AsCell(*position);
@@ -75,18 +75,15 @@ void Transpose(sndmain& window, Transposition transposition, int amount) {
     auto sound = window.score.sound;
     const int end = EndColumn(window.score);
     for (int slot = 0; slot < end; ++slot) {
-        Entry& entry = sound[static_cast<std::size_t>(slot)];
+        Entry& entry = At(sound, slot);
         if (IsNote(entry.code) && !transposition(entry, amount, window.StaffOffset)) return;
     }
     window.score.sound = sound;
-
-    window.grdScore.Redraw = false;
     for (int slot = 0; slot < end; ++slot) {
         const Entry& entry = SlotAt(window, slot);
         if (IsNote(entry.code)) SetCellText(window, slot, entry.pitch);
     }
     DrawStrip(window, window.grdScore.view.LeftCol);
-    window.grdScore.Redraw = true;
     FinishEdit(window);
 }
 

@@ -1,6 +1,7 @@
 #include "view/keyboard.h"
 
 #include <cassert>
+#include <cmath>
 
 namespace tonex {
 
@@ -16,6 +17,12 @@ constexpr PianoKey kKeyOfSemitone[12] = {
     {KeyKind::Black, 3}, {KeyKind::White, 5}, {KeyKind::Black, 4}, {KeyKind::White, 6},
 };
 
+// `pixels` of the ordinary screen, of 15 twips each.
+int KeyWidth(int pixels, float twips_per_pixel) {
+    const float whole_pixels = std::trunc(static_cast<float>(pixels * 15) / twips_per_pixel);
+    return static_cast<int>(std::nearbyint(static_cast<double>(whole_pixels * twips_per_pixel)));
+}
+
 } // namespace
 
 std::int16_t WhiteKeyPitch(int index) {
@@ -26,6 +33,14 @@ std::int16_t WhiteKeyPitch(int index) {
 std::int16_t BlackKeyPitch(int index) {
     assert(index >= 0 && index < kBlackKeys);
     return static_cast<std::int16_t>(12 * (index / 5) + kBlackSemitones[index % 5] + kLowestKeyPitch);
+}
+
+int WhiteKeyWidth(float twips_per_pixel) {
+    return KeyWidth(19, twips_per_pixel);
+}
+
+int BlackKeyWidth(float twips_per_pixel) {
+    return KeyWidth(15, twips_per_pixel);
 }
 
 std::optional<PianoKey> KeyOfPitch(std::uint16_t pitch) {

@@ -23,6 +23,9 @@ struct PianoKey {
 std::int16_t WhiteKeyPitch(int index);
 /// Pitch of black key 0 to 19.
 std::int16_t BlackKeyPitch(int index);
+/// Widths of the keys in twips: 19 and 15 pixels of the ordinary screen, as whole pixels of this one.
+int WhiteKeyWidth(float twips_per_pixel);
+int BlackKeyWidth(float twips_per_pixel);
 /// The key of a pitch; nothing for a pitch that leaves the keyboard.
 std::optional<PianoKey> KeyOfPitch(std::uint16_t pitch);
 

@@ -25,7 +25,7 @@ void MoveTo(sndmain& window, int column) {
 // A rest that is entered, and everything that is not a note, takes the code; a note keeps its length. The
 // empty slot's code counts as one of 21 or more.
 bool TakesCode(const Score& score, int column, std::uint16_t pitch) {
-    const std::uint16_t code = score.sound[static_cast<std::size_t>(column)].code;
+    const std::uint16_t code = At(score.sound, column).code;
     const bool appends = column == EndColumn(score) && score.end_count < kMaxEndCount;
     return appends || code > 20 || code == kSeparator || pitch == kEmpty;
 }
@@ -33,22 +33,18 @@ bool TakesCode(const Score& score, int column, std::uint16_t pitch) {
 void AppendColumn(sndmain& window) {
     ScoreGrid& grid = window.grdScore;
     Score& score = window.score;
-    grid.Redraw = false;
     ++score.end_count;
-    if (score.end_count < kMaxEndCount) {
-        grid.Cols = score.end_count;
-        const int end = grid.Cols - 1;
-        grid.ColWidth[static_cast<std::size_t>(end)] = window.standard_col_width;
-        SetCellText(window, end, SlotAt(window, end).pitch);
-        MoveTo(window, end);
-        if (score.strip_cursor < kStripPictures - 1) {
-            ++score.strip_cursor;
-        } else {
-            ScrollStrip(window, score.first_shown + 1);
-        }
-        if (grid.Cols > kGridColumnsShown) grid.view.LeftCol = grid.Cols - kGridColumnsShown;
+    if (score.end_count == kMaxEndCount) return; // a full score shows no end column
+    grid.Cols = score.end_count;
+    const int end = EndColumn(score);
+    SetCellText(window, end, SlotAt(window, end).pitch);
+    MoveTo(window, end);
+    if (score.strip_cursor < kStripPictures - 1) {
+        ++score.strip_cursor;
+    } else {
+        ScrollStrip(window, score.first_shown + 1);
     }
-    grid.Redraw = true;
+    if (grid.Cols > kGridColumnsShown) grid.view.LeftCol = LastLeftCol(grid);
 }
 
 void MoveOn(sndmain& window, int column) {

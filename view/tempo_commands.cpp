@@ -9,7 +9,7 @@ namespace {
 void SelectItem(sndmain& window, int index) {
     TempoBox& box = window.TempoCombo;
     box.ListIndex = index;
-    box.Text = box.List[static_cast<std::size_t>(index)];
+    box.Text = At(box.List, index);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // Keys that belong to the whole window: shortcuts of the menu table, F1, Tab through every control, F6 from
 // pane to pane. Windows-only because key codes and focus are.
+#include "app/layout_commands.h"
 #include "app/menu_routes.h"
 #include "platform/windows/main_window.h"
 
@@ -37,67 +38,69 @@ bool RunShortcut(MainWindow& main, WPARAM key) {
     return false;
 }
 
-// ---- panes: the order of Tab and F6 ----
+// ---- panes: Tab goes from stop to stop, F6 from pane to pane, both in the record's order ----
 
-struct Pane {
+struct PaneWindow {
     HWND window;
     Panel* panel; ///< null for the system's own controls
 };
 
-constexpr int kPanes = kPanels + 2;
-
-std::array<Pane, kPanes> Panes(MainWindow& main) {
-    const auto pane = [&](PanelId id) { return Pane{main.panel(id).window, &main.panel(id)}; };
-    return {pane(PanelId::Grid),  pane(PanelId::Lengths),      Pane{main.tempo, nullptr},
-            pane(PanelId::Piano), Pane{main.toolbar, nullptr}, pane(PanelId::Staff)};
+PaneWindow WindowOf(MainWindow& main, Pane pane) {
+    const auto of_panel = [&](PanelId id) { return PaneWindow{main.panel(id).window, &main.panel(id)}; };
+    switch (pane) {
+    case Pane::cbtNote: return of_panel(PanelId::Lengths);
+    case Pane::TempoCombo: return {main.tempo, nullptr};
+    case Pane::Keys: return of_panel(PanelId::Piano);
+    case Pane::Toolbar1: return {main.toolbar, nullptr};
+    case Pane::imgNote: return of_panel(PanelId::Staff);
+    default: return of_panel(PanelId::Grid);
+    }
 }
 
-int FocusedPane(MainWindow& main) {
-    const auto panes = Panes(main);
+bool HasFocus(const PaneWindow& pane) {
     HWND focus = GetFocus();
-    for (int i = 0; i < kPanes; ++i)
-        if (focus && (panes[static_cast<std::size_t>(i)].window == focus ||
-                      IsChild(panes[static_cast<std::size_t>(i)].window, focus)))
-            return i;
-    return 0;
+    return focus && (pane.window == focus || IsChild(pane.window, focus));
+}
+
+/// Place in the order of the stop that has the keyboard; the first one when no pane has it.
+int FocusedStop(MainWindow& main, const std::vector<TabStop>& order) {
+    const auto focused = [&](const TabStop& stop) {
+        const PaneWindow pane = WindowOf(main, stop.pane);
+        return HasFocus(pane) && (stop.item == kWholePane || stop.item == pane.panel->focus_item);
+    };
+    const auto found = std::find_if(order.begin(), order.end(), focused);
+    return found == order.end() ? 0 : static_cast<int>(found - order.begin());
 }
 
 /// A pane with nothing to reach (the strip of an empty score) is passed over.
-bool CanEnter(const Pane& pane) {
+bool CanEnter(const PaneWindow& pane) {
     return !pane.panel || pane.panel->kind->count(*pane.panel) > 0;
 }
 
-void EnterPane(const Pane& pane, int step, bool by_tab) {
+/// `item` as in a Tab stop: a whole pane goes on where it was left.
+void Enter(const PaneWindow& pane, int item) {
     if (!pane.panel) {
         SetFocus(pane.window);
         return;
     }
-    Panel& panel = *pane.panel;
-    const int count = panel.kind->count(panel);
-    if (by_tab && panel.kind->tab_each) panel.focus_item = step > 0 ? 0 : count - 1;
-    FocusItem(panel, std::clamp(panel.focus_item, 0, count - 1));
+    const int wanted = item == kWholePane ? pane.panel->focus_item : item;
+    FocusItem(*pane.panel, std::clamp(wanted, 0, pane.panel->kind->count(*pane.panel) - 1));
 }
 
-void NextPane(MainWindow& main, int step, bool by_tab) {
-    const auto panes = Panes(main);
-    int at = FocusedPane(main);
+/// Goes to the next stop, or to that of the next pane.
+void GoOn(MainWindow& main, int step, bool to_other_pane) {
+    const std::vector<TabStop> order = TabOrder(main.record);
+    const auto stops = static_cast<int>(order.size());
+    int at = FocusedStop(main, order);
+    const Pane left = At(order, at).pane;
+    const auto passed_over = [&](const TabStop& stop) {
+        return (to_other_pane && stop.pane == left) || !CanEnter(WindowOf(main, stop.pane));
+    };
     do
-        at = (at + step + kPanes) % kPanes;
-    while (!CanEnter(panes[static_cast<std::size_t>(at)]));
-    EnterPane(panes[static_cast<std::size_t>(at)], step, by_tab);
-}
-
-void NextStop(MainWindow& main, int step) {
-    const auto panes = Panes(main);
-    Panel* panel = panes[static_cast<std::size_t>(FocusedPane(main))].panel;
-    if (panel && panel->focused && panel->kind->tab_each) {
-        const int next = panel->focus_item + step;
-        if (next >= 0 && next < panel->kind->count(*panel)) {
-            FocusItem(*panel, next);
-            return;
-        }
-    }
-    NextPane(main, step, true);
+        at = (at + step + stops) % stops;
+    while (passed_over(At(order, at)));
+    const TabStop& stop = At(order, at);
+    Enter(WindowOf(main, stop.pane), to_other_pane ? kWholePane : stop.item);
 }
 
 /// Enter and Esc in the tempo box go back to the score.
@@ -115,8 +118,8 @@ bool TranslateMainKey(MainWindow& main, const MSG& message) {
     if (message.hwnd != main.window && !IsChild(main.window, message.hwnd)) return false;
     const int step = GetKeyState(VK_SHIFT) < 0 ? -1 : 1;
     const bool control = GetKeyState(VK_CONTROL) < 0;
-    if (message.wParam == VK_TAB && !control) return NextStop(main, step), true;
-    if (message.wParam == VK_F6) return NextPane(main, step, false), true;
+    if (message.wParam == VK_TAB && !control) return GoOn(main, step, false), true;
+    if (message.wParam == VK_F6) return GoOn(main, step, true), true;
     if (message.wParam == VK_F1 && step > 0 && !control)
         return ShowHelp(main.record), ShowDifferences(main), true;
     if (LeaveTempo(main, message.wParam)) return true;

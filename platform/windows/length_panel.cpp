@@ -77,7 +77,7 @@ void PaintButton(Panel& panel, int item, const RECT& dirty) {
 
 /// The length that the next key gets, in a frame of its own.
 void PaintCurrent(Panel& panel, const RECT& dirty) {
-    const NoteImage& now = RecordOf(panel).imgNow;
+    const LengthPicture& now = RecordOf(panel).imgNow;
     const Colours& colours = ColoursOf(panel);
     const Scale& scale = ScaleOf(panel);
     RECT area = AreaInPanel(panel, now.place);

@@ -5,9 +5,9 @@
 
 #include "pictures/glyphs.h"
 #include "score/rows.h"
-#include "view/drawing_commands.h"
 #include "view/note_entry_commands.h"
 #include "view/note_names.h"
+#include "view/staff.h"
 
 #include <oleacc.h>
 

@@ -1,7 +1,7 @@
 // Scale, colours and fonts. Windows-only because system colours, fonts and DPI are the system's.
 #include "platform/windows/theme.h"
 
-#include "pictures/glyphs.h"
+#include "view/measures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -143,8 +143,8 @@ Fonts CreateFonts(const Scale& scale, float magnified) {
     message.lfHeight = std::lround(static_cast<float>(message.lfHeight) * magnified);
     const LOGFONTW japanese = JapaneseFont(message);
     const int height = std::max<int>(Scaled(scale, 12), std::abs(static_cast<int>(message.lfHeight)));
-    const int cell = ToPixelsX(scale, 390) - Scaled(scale, 3);
-    const int key = ToPixelsX(scale, 285) - Scaled(scale, 2);
+    const int cell = ToPixelsX(scale, kColumnWidth) - Scaled(scale, 3);
+    const int key = ToPixelsX(scale, kKeyLabelWidth) - Scaled(scale, 2);
     Fonts fonts;
     fonts.ui = CreateFontIndirectW(&message);
     fonts.cell = FittingFont(message, height, cell, L"g8 #");

@@ -1,0 +1,30 @@
+// How entries stand on the staff: which picture, where its head is, which ledger lines it needs. Pure.
+#pragma once
+
+#include <cstdint>
+
+namespace tonex {
+
+/// Number of a slot's picture: 1 to 20 notes with stem up, 21 to 40 rests, 41 to 57 notes with stem down, 58
+/// bar line; 0 when there is nothing to draw (empty slot, foreign code).
+std::int16_t PictureOf(std::uint16_t code, std::uint16_t pitch);
+
+/// The offset of every staff position, in twips, from the space between two staff lines and the screen's
+/// scale: 0 at 15 twips a pixel, 100 at 7.5.
+std::int16_t StaffOffsetOf(int line_space, float twips_per_pixel_y);
+
+/// Vertical place of the centre of a note head in the strip for a staff position, in twips: the same at every
+/// scale, because the offset that the position contains is taken out again.
+int HeadCentreOf(std::int16_t staff_position, std::int16_t staff_offset);
+
+/// Ledger lines that a note in the strip needs.
+struct LedgerLines {
+    int first_y = 0; ///< of the line nearest to the staff, in the strip's coordinates, twips
+    int step_y = 0;  ///< to the next one: -120 above the staff, 120 below it
+    int count = 0;
+};
+
+/// The ledger lines of a note at a staff position (StaffOffset included in both).
+LedgerLines LedgerLinesOf(std::int16_t staff_position, std::int16_t staff_offset);
+
+} // namespace tonex
