@@ -127,8 +127,8 @@ void NumberTabStops(sndmain& window) {
     for (LengthButton& button : window.cbtNote)
         button.TabIndex = next++;
     window.TempoCombo.TabIndex = next++;
-    for (int pitch = kLowestKeyPitch; pitch <= kHighestKeyPitch; ++pitch)
-        ControlOf(window, *KeyOfPitch(static_cast<std::uint16_t>(pitch))).TabIndex = next++;
+    for (int key = 0; key < kPianoKeys; ++key)
+        ControlOf(window, KeyAbove(key)).TabIndex = next++;
     window.toolbar_tab_index = next++;
     window.strip_tab_index = next;
 }
@@ -184,10 +184,8 @@ std::vector<TabStop> TabOrder(const sndmain& window) {
                                   {window.strip_tab_index, Pane::imgNote, kWholePane}};
     for (int i = 0; i < kLengthButtons; ++i)
         stops.push_back({At(window.cbtNote, i).TabIndex, Pane::cbtNote, i});
-    for (int pitch = kLowestKeyPitch; pitch <= kHighestKeyPitch; ++pitch) {
-        const PianoKey key = *KeyOfPitch(static_cast<std::uint16_t>(pitch));
-        stops.push_back({ControlOf(window, key).TabIndex, Pane::Keys, pitch - kLowestKeyPitch});
-    }
+    for (int key = 0; key < kPianoKeys; ++key)
+        stops.push_back({ControlOf(window, KeyAbove(key)).TabIndex, Pane::Keys, key});
     std::stable_sort(stops.begin(), stops.end(),
                      [](const TabStop& a, const TabStop& b) { return a.TabIndex < b.TabIndex; });
     return stops;

@@ -221,12 +221,15 @@ constexpr int LastLeftCol(const ScoreGrid& grid) {
 inline Entry& SlotAt(sndmain& window, int column) {
     return At(window.score.sound, column);
 }
-/// The control of a piano key.
+/// Control and label of a piano key.
 inline PianoKeyControl& ControlOf(sndmain& window, PianoKey key) {
     return key.kind == KeyKind::White ? At(window.kenWhite, key.index) : At(window.kenBlack, key.index);
 }
 inline const PianoKeyControl& ControlOf(const sndmain& window, PianoKey key) {
     return key.kind == KeyKind::White ? At(window.kenWhite, key.index) : At(window.kenBlack, key.index);
+}
+inline const KeyLabel& LabelOf(const sndmain& window, PianoKey key) {
+    return key.kind == KeyKind::White ? At(window.lblWNote, key.index) : At(window.lblBNote, key.index);
 }
 /// Columns of the grid, both included.
 struct ColumnRange {

@@ -53,4 +53,9 @@ std::optional<PianoKey> KeyOfPitch(std::uint16_t pitch) {
     return key;
 }
 
+PianoKey KeyAbove(int half_tones) {
+    assert(half_tones >= 0 && half_tones < kPianoKeys);
+    return *KeyOfPitch(static_cast<std::uint16_t>(kLowestKeyPitch + half_tones));
+}
+
 } // namespace tonex

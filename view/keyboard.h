@@ -8,6 +8,7 @@ namespace tonex {
 
 inline constexpr int kWhiteKeys = 29;
 inline constexpr int kBlackKeys = 20;
+inline constexpr int kPianoKeys = kWhiteKeys + kBlackKeys;
 inline constexpr std::int16_t kLowestKeyPitch = 27;  ///< c4, white key 0
 inline constexpr std::int16_t kHighestKeyPitch = 75; ///< c8, white key 28
 
@@ -23,6 +24,8 @@ struct PianoKey {
 std::int16_t WhiteKeyPitch(int index);
 /// Pitch of black key 0 to 19.
 std::int16_t BlackKeyPitch(int index);
+/// The key so many half tones above the lowest one, 0 to 48: so the keys lie from left to right.
+PianoKey KeyAbove(int half_tones);
 /// Widths of the keys in twips: 19 and 15 pixels of the ordinary screen, as whole pixels of this one.
 int WhiteKeyWidth(float twips_per_pixel);
 int BlackKeyWidth(float twips_per_pixel);

@@ -57,18 +57,22 @@ PaneWindow WindowOf(MainWindow& main, Pane pane) {
     }
 }
 
-bool HasFocus(const PaneWindow& pane) {
-    HWND focus = GetFocus();
-    return focus && (pane.window == focus || IsChild(pane.window, focus));
+/// The window of the pane that has the keyboard, perhaps in a part of it; null when none has.
+HWND FocusedPane(const MainWindow& main) {
+    HWND at = GetFocus();
+    while (at && GetParent(at) != main.window)
+        at = GetParent(at);
+    return at;
 }
 
 /// Place in the order of the stop that has the keyboard; the first one when no pane has it.
 int FocusedStop(MainWindow& main, const std::vector<TabStop>& order) {
-    const auto focused = [&](const TabStop& stop) {
+    HWND focused = FocusedPane(main);
+    const auto is_there = [&](const TabStop& stop) {
         const PaneWindow pane = WindowOf(main, stop.pane);
-        return HasFocus(pane) && (stop.item == kWholePane || stop.item == pane.panel->focus_item);
+        return pane.window == focused && (stop.item == kWholePane || stop.item == pane.panel->focus_item);
     };
-    const auto found = std::find_if(order.begin(), order.end(), focused);
+    const auto found = std::find_if(order.begin(), order.end(), is_there);
     return found == order.end() ? 0 : static_cast<int>(found - order.begin());
 }
 

@@ -100,7 +100,6 @@ const PanelKind kLengthPanel = {
     .class_name = L"TonexLengths",
     .title = L"Note lengths",
     .item_role = ROLE_SYSTEM_PUSHBUTTON,
-    .tab_each = true,
     .tooltips = true,
     .count = Count,
     .item_area = ItemArea,

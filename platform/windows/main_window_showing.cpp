@@ -184,8 +184,8 @@ void ShowPiano(MainWindow& main) {
     Shown& shown = main.shown;
     Panel& panel = main.panel(PanelId::Piano);
     bool captions = false;
-    for (int item = 0; item < kPianoItems; ++item) {
-        const PianoKey key = KeyOfItem(item);
+    for (int item = 0; item < kPianoKeys; ++item) {
+        const PianoKey key = KeyAbove(item);
         captions |= Differs(At(shown.key_captions, item), LabelOf(w, key).Caption);
         if (Differs(At(shown.key_colours, item), ControlOf(w, key).BackColor)) InvalidateItem(panel, item);
     }

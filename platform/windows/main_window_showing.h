@@ -3,7 +3,6 @@
 
 #include "app/sndmain.h"
 #include "platform/windows/panel.h"
-#include "platform/windows/piano_panel.h"
 
 #include "platform/windows/desktop_windows.h"
 
@@ -34,8 +33,8 @@ struct Shown {
     GridView view;
     std::array<std::int16_t, kLengthButtons> buttons{};
     std::int16_t current_picture = 0;
-    std::array<std::uint32_t, kPianoItems> key_colours{};
-    std::array<CellText, kPianoItems> key_captions{};
+    std::array<std::uint32_t, kPianoKeys> key_colours{};
+    std::array<CellText, kPianoKeys> key_captions{};
     std::array<MenuState, kMenuItems> menu{};
     std::array<bool, kToolButtons> toolbar{};
     std::array<Rect, kPlaces> places{}; ///< of the panels by PanelId, then by PlacedControl

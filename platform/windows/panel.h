@@ -25,10 +25,9 @@ int NeighbourInRow(const Panel& panel, int item, WPARAM key);
 
 struct PanelKind {
     const wchar_t* class_name;
-    const wchar_t* title;  ///< of the whole panel, for screen readers
-    long item_role;        ///< ROLE_SYSTEM_...
-    DWORD style = 0;       ///< beyond that of a child window
-    bool tab_each = false; ///< Tab stops at each item, not only at the panel
+    const wchar_t* title; ///< of the whole panel, for screen readers
+    long item_role;       ///< ROLE_SYSTEM_...
+    DWORD style = 0;      ///< beyond that of a child window
     bool tooltips = false;
     int (*count)(const Panel&);
     RECT (*item_area)(const Panel&, int item); ///< pixels in the panel

@@ -1,10 +1,7 @@
-// The piano: 29 white and 20 black keys with their captions. Windows-only drawing. Items run along the
-// keyboard from left to right, as the tab order does.
-#include "platform/windows/piano_panel.h"
-
+// The piano: 29 white and 20 black keys with their captions. Windows-only drawing. Items count half tones up
+// from c4, as the keys lie from left to right.
 #include "platform/windows/main_window.h"
 
-#include "score/rows.h"
 #include "view/note_entry_commands.h"
 #include "view/note_names.h"
 
@@ -15,15 +12,15 @@ namespace tonex {
 namespace {
 
 int Count(const Panel&) {
-    return kPianoItems;
+    return kPianoKeys;
 }
 
 RECT ItemArea(const Panel& panel, int item) {
-    return AreaInPanel(panel, ControlOf(RecordOf(panel), KeyOfItem(item)).place);
+    return AreaInPanel(panel, ControlOf(RecordOf(panel), KeyAbove(item)).place);
 }
 
 std::wstring ItemName(const Panel& panel, int item) {
-    return std::wstring(LabelOf(RecordOf(panel), KeyOfItem(item)).Caption.View());
+    return std::wstring(LabelOf(RecordOf(panel), KeyAbove(item)).Caption.View());
 }
 
 bool Lit(const Panel& panel, PianoKey key) {
@@ -32,23 +29,23 @@ bool Lit(const Panel& panel, PianoKey key) {
 }
 
 bool ItemChosen(const Panel& panel, int item) {
-    return Lit(panel, KeyOfItem(item));
+    return Lit(panel, KeyAbove(item));
 }
 
 /// Black keys lie over the white ones.
 int ItemAt(const Panel& panel, POINT point) {
     int found = -1;
-    for (int item = 0; item < kPianoItems; ++item) {
+    for (int item = 0; item < kPianoKeys; ++item) {
         const RECT area = ItemArea(panel, item);
         if (!PtInRect(&area, point)) continue;
-        if (KeyOfItem(item).kind == KeyKind::Black) return item;
+        if (KeyAbove(item).kind == KeyKind::Black) return item;
         found = item;
     }
     return found;
 }
 
 void Press(Panel& panel, int item) {
-    const PianoKey key = KeyOfItem(item);
+    const PianoKey key = KeyAbove(item);
     if (key.kind == KeyKind::White)
         kenWhite_Click(panel.main->record, key.index);
     else
@@ -56,18 +53,18 @@ void Press(Panel& panel, int item) {
 }
 
 int NextWhite(int item, int step) {
-    for (item += step; item >= 0 && item < kPianoItems; item += step)
-        if (KeyOfItem(item).kind == KeyKind::White) return item;
+    for (item += step; item >= 0 && item < kPianoKeys; item += step)
+        if (KeyAbove(item).kind == KeyKind::White) return item;
     return -1;
 }
 
 /// Left and right go by semitones, up to the black key on the right, down to the white key on the left, page
 /// keys by octaves.
 int Neighbour(const Panel& panel, int item, WPARAM key) {
-    const bool black = KeyOfItem(item).kind == KeyKind::Black;
+    const bool black = KeyAbove(item).kind == KeyKind::Black;
     switch (key) {
     case VK_UP:
-        return !black && item + 1 < kPianoItems && KeyOfItem(item + 1).kind == KeyKind::Black ? item + 1 : -1;
+        return !black && item + 1 < kPianoKeys && KeyAbove(item + 1).kind == KeyKind::Black ? item + 1 : -1;
     case VK_DOWN: return black ? NextWhite(item, -1) : -1;
     case VK_PRIOR: return item - 12;
     case VK_NEXT: return item + 12;
@@ -93,7 +90,7 @@ COLORREF LitColour(const Panel& panel, PianoKey key) {
 }
 
 void PaintWhite(Panel& panel, int item, const RECT& dirty) {
-    const PianoKey key = KeyOfItem(item);
+    const PianoKey key = KeyAbove(item);
     const Scale& scale = ScaleOf(panel);
     const RECT area = ItemArea(panel, item);
     if (!Overlap(area, dirty)) return;
@@ -119,7 +116,7 @@ void PaintWhite(Panel& panel, int item, const RECT& dirty) {
 }
 
 void PaintBlack(Panel& panel, int item, const RECT& dirty) {
-    const PianoKey key = KeyOfItem(item);
+    const PianoKey key = KeyAbove(item);
     const Scale& scale = ScaleOf(panel);
     const RECT area = ItemArea(panel, item);
     if (!Overlap(area, dirty)) return;
@@ -139,33 +136,20 @@ void PaintBlack(Panel& panel, int item, const RECT& dirty) {
 void PaintPanel(Panel& panel, const RECT& dirty) {
     const Colours& colours = ColoursOf(panel);
     FillArea(panel.canvas, dirty, colours.face);
-    for (int item = 0; item < kPianoItems; ++item)
-        if (KeyOfItem(item).kind == KeyKind::White) PaintWhite(panel, item, dirty);
-    for (int item = 0; item < kPianoItems; ++item)
-        if (KeyOfItem(item).kind == KeyKind::Black) PaintBlack(panel, item, dirty);
+    for (int item = 0; item < kPianoKeys; ++item)
+        if (KeyAbove(item).kind == KeyKind::White) PaintWhite(panel, item, dirty);
+    for (int item = 0; item < kPianoKeys; ++item)
+        if (KeyAbove(item).kind == KeyKind::Black) PaintBlack(panel, item, dirty);
     for (const KeyLabel& label : RecordOf(panel).lblBNote)
         if (Overlap(AreaInPanel(panel, label.place), dirty)) PaintCaption(panel, label, colours.face_text);
 }
 
 } // namespace
 
-PianoKey KeyOfItem(int item) {
-    return *KeyOfPitch(static_cast<std::uint16_t>(kLowestKeyPitch + item));
-}
-
-const PianoKeyControl& ControlOf(const sndmain& window, PianoKey key) {
-    return key.kind == KeyKind::White ? At(window.kenWhite, key.index) : At(window.kenBlack, key.index);
-}
-
-const KeyLabel& LabelOf(const sndmain& window, PianoKey key) {
-    return key.kind == KeyKind::White ? At(window.lblWNote, key.index) : At(window.lblBNote, key.index);
-}
-
 const PanelKind kPianoPanel = {
     .class_name = L"TonexPiano",
     .title = L"Piano",
     .item_role = ROLE_SYSTEM_PUSHBUTTON,
-    .tab_each = true,
     .tooltips = true,
     .count = Count,
     .item_area = ItemArea,
