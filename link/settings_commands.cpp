@@ -5,7 +5,7 @@
 #include "platform/main_window.h"
 #include "platform/message_box.h"
 #include "platform/settings.h"
-#include "preview/timing_tables.h"
+#include "score/number_text.h"
 
 #include <limits>
 #include <string_view>

@@ -2,7 +2,7 @@
 
 #include "link/link_state.h"
 #include "link/paths.h"
-#include "preview/timing_tables.h"
+#include "score/number_text.h"
 
 #include <array>
 #include <limits>
@@ -18,14 +18,8 @@ constexpr std::size_t kPlacementFields = 5;
 std::optional<int> WholeField(std::wstring_view text) {
     const bool negative = text.starts_with(L'-');
     if (negative) text.remove_prefix(1);
-    if (text.empty()) return std::nullopt;
-    std::int64_t value = 0;
-    for (const wchar_t c : text) {
-        if (c < L'0' || c > L'9') return std::nullopt;
-        value = value * 10 + (c - L'0');
-        if (value > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
-    }
-    return static_cast<int>(negative ? -value : value);
+    const std::optional<int> value = NumberOfDigits(text, std::numeric_limits<std::int32_t>::max());
+    return value && negative ? -*value : value;
 }
 
 } // namespace

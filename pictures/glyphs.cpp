@@ -1,6 +1,7 @@
 #include "pictures/glyphs.h"
 
 #include "pictures/outlines.h"
+#include "score/codes.h"
 #include "score/rows.h"
 
 #include <algorithm>
@@ -11,22 +12,7 @@ namespace tonex {
 
 namespace {
 
-constexpr int kNotes = 20;
 constexpr int kFirstStemDown = 41, kLastStemDown = 57, kBarLine = 58;
-
-/// What a length code looks like.
-struct NoteForm {
-    int division; ///< 1, 2, 4, 8, 16, 32
-    int dots;
-    bool triplet;
-};
-
-/// By length code less 1.
-constexpr NoteForm kForms[kNotes] = {{32, 0, false}, {32, 0, true}, {16, 0, false}, {16, 1, false},
-                                     {16, 2, false}, {16, 0, true}, {8, 0, false},  {8, 1, false},
-                                     {8, 2, false},  {8, 0, true},  {4, 0, false},  {4, 1, false},
-                                     {4, 2, false},  {4, 0, true},  {2, 0, false},  {2, 1, false},
-                                     {2, 2, false},  {1, 0, false}, {1, 1, false},  {1, 2, false}};
 
 // Lengths in staff spaces from here on, where nothing else is said.
 constexpr float kHeadWidth = 1.19F, kWholeWidth = 1.52F, kHeadHalfHeight = 0.46F;
@@ -72,7 +58,7 @@ struct Three {
 
 /// Where the parts of a note stand, in pixels.
 struct NotePlan {
-    NoteForm form{};
+    NoteLength form{};
     bool up = true;
     bool head_on_line = false;
     float head_x = 0, head_y = 0; ///< centre of the head
@@ -84,16 +70,16 @@ struct NotePlan {
     Three three;
 };
 
-int FlagsOf(const NoteForm& form) {
+int FlagsOf(const NoteLength& form) {
     return form.division >= 32 ? 3 : form.division >= 16 ? 2 : form.division >= 8;
 }
 
-float HeadWidth(const NoteForm& form) {
+float HeadWidth(const NoteLength& form) {
     return form.division == 1 ? kWholeWidth : kHeadWidth;
 }
 
 /// In the strip's narrow box dots take some of the head's width.
-float HeadWidthInBox(const NoteForm& form) {
+float HeadWidthInBox(const NoteLength& form) {
     if (form.division == 1) return form.dots == 2 ? 1.18F : 1.42F;
     return form.dots == 2 ? 1.12F : kHeadWidth;
 }
@@ -203,7 +189,7 @@ void DrawThree(Pen& pen, const Three& three) {
     Put(pen, kThree, three.left, three.bottom, three.height / pen.unit, three.height / pen.unit);
 }
 
-Outline HeadOf(const NoteForm& form) {
+Outline HeadOf(const NoteLength& form) {
     if (form.division == 1) return kWholeHead;
     return form.division == 2 ? kHalfHead : kBlackHead;
 }
@@ -238,7 +224,7 @@ struct RestExtent {
     float left, right, top, bottom;
 };
 
-RestExtent ExtentOf(const NoteForm& form) {
+RestExtent ExtentOf(const NoteLength& form) {
     switch (form.division) {
     case 1:
     case 2: return {0.6F, 0.6F, form.division == 1 ? 1.0F : 0.55F, form.division == 1 ? -0.45F : 0.0F};
@@ -251,7 +237,7 @@ RestExtent ExtentOf(const NoteForm& form) {
 
 /// A rest around x whose middle line is at the height y; `line_row` is where the pixel rows of the staff line
 /// begin that a whole rest hangs from or a half rest sits on.
-void DrawRest(Pen& pen, const NoteForm& form, float x, float y, float line_row) {
+void DrawRest(Pen& pen, const NoteLength& form, float x, float y, float line_row) {
     const RestExtent extent = ExtentOf(form);
     const float unit = pen.unit;
     if (form.division <= 2) {
@@ -278,9 +264,9 @@ void DrawRest(Pen& pen, const NoteForm& form, float x, float y, float line_row) 
     }
 }
 
-NoteForm FormOf(int picture) {
-    if (picture >= kFirstStemDown) return kForms[picture - kFirstStemDown];
-    return kForms[(picture - 1) % kNotes];
+NoteLength FormOf(int picture) {
+    // Rests and notes with stem down follow the notes with stem up, each in the same order.
+    return At(kNoteLengths, (picture - 1) % kLengthCodes);
 }
 
 /// A picture's box of twips in pixels; where it ends on a whole pixel, rounding must not add one more.
@@ -326,7 +312,7 @@ struct BoxPlan {
     int head_left, dot_gap, dot_size, dot_step, sharp_width;
 };
 
-BoxPlan BoxPlanOf(const NoteForm& form) {
+BoxPlan BoxPlanOf(const NoteLength& form) {
     if (form.division == 1) return form.dots == 2 ? BoxPlan{61, 6, 29, 37, 58} : BoxPlan{80, 10, 36, 0, 72};
     return form.dots == 2 ? BoxPlan{74, 9, 31, 37, 68} : BoxPlan{82, 16, 42, 0, 72};
 }
@@ -391,12 +377,12 @@ NotePlan StripNotePlan(const StripPicture& shown, const Strip& strip) {
 }
 
 /// How far dots and the 3 reach beyond a rest, in spaces.
-float RestExtras(const NoteForm& form) {
+float RestExtras(const NoteLength& form) {
     if (form.triplet) return form.division == 4 ? 0.7F : 0.85F;
     return form.dots == 0 ? 0 : form.dots == 1 ? 0.65F : 1.15F;
 }
 
-void DrawRestExtras(Pen& pen, const NoteForm& form, float x, float y, float right_limit) {
+void DrawRestExtras(Pen& pen, const NoteLength& form, float x, float y, float right_limit) {
     const RestExtent extent = ExtentOf(form);
     float right = x + extent.right * pen.unit;
     if (form.division <= 2)
@@ -415,7 +401,7 @@ void DrawRestExtras(Pen& pen, const NoteForm& form, float x, float y, float righ
 }
 
 void DrawStripRest(Pen& pen, int picture, float scale, const PixelBox& edges) {
-    const NoteForm form = FormOf(picture);
+    const NoteLength form = FormOf(picture);
     const float exact = edges.top + kRestMiddle * scale;
     const float middle = static_cast<float>(StaffLineRow(exact));
     const int line_row = form.division == 1 ? StaffLineRow(exact - kStaffSpace * scale) : StaffLineRow(exact);
@@ -438,7 +424,7 @@ CoverageMask BarLineMask(const PixelBox& edges, int line) {
 }
 
 /// A rest in the middle of a button of `width` x `height` pixels.
-void DrawButtonRest(Pen& pen, const NoteForm& form, float width, float height) {
+void DrawButtonRest(Pen& pen, const NoteLength& form, float width, float height) {
     const float unit = pen.unit, line = static_cast<float>(pen.line);
     const RestExtent extent = ExtentOf(form);
     const float wide = extent.left + extent.right + RestExtras(form);
@@ -459,7 +445,7 @@ void DrawButtonRest(Pen& pen, const NoteForm& form, float width, float height) {
 }
 
 /// A note in the middle of a button of `width` x `height` pixels.
-NotePlan ButtonNotePlan(const Pen& pen, const NoteForm& form, float width, float height) {
+NotePlan ButtonNotePlan(const Pen& pen, const NoteLength& form, float width, float height) {
     const float unit = pen.unit, line = static_cast<float>(pen.line);
     const float dots = form.dots == 0 ? 0 : 0.22F + 0.36F + (form.dots == 2 ? 0.5F : 0);
     const float flags = FlagsOf(form) > 0 ? 0.85F : 0;
@@ -485,8 +471,9 @@ NotePlan ButtonNotePlan(const Pen& pen, const NoteForm& form, float width, float
     return plan;
 }
 
-bool IsNote(int picture) {
-    return (picture >= 1 && picture <= kNotes) || (picture >= kFirstStemDown && picture <= kLastStemDown);
+bool IsNotePicture(int picture) {
+    return (picture >= 1 && picture <= kLengthCodes) ||
+           (picture >= kFirstStemDown && picture <= kLastStemDown);
 }
 
 } // namespace
@@ -506,7 +493,7 @@ CoverageMask NotePictureMask(const StripPicture& shown, const PixelGrid& grid) {
     if (shown.picture == kBarLine) return BarLineMask(edges, StaffLinePixels(scale));
     Raster raster = BoxRaster(edges);
     Pen pen{raster, kStaffSpace * scale, StaffLinePixels(scale)};
-    if (IsNote(shown.picture)) {
+    if (IsNotePicture(shown.picture)) {
         DrawNote(pen, StripNotePlan(shown, {pen.unit, static_cast<float>(pen.line), scale, edges}));
     } else {
         DrawStripRest(pen, shown.picture, scale, edges);
@@ -517,22 +504,22 @@ CoverageMask NotePictureMask(const StripPicture& shown, const PixelGrid& grid) {
 }
 
 HeadSpan HeadSpanOf(int picture) {
-    const NoteForm form = FormOf(picture);
+    const NoteLength form = FormOf(picture);
     return {BoxPlanOf(form).head_left, static_cast<int>(HeadWidthInBox(form) * kStaffSpace)};
 }
 
 bool HasRoomForSharp(int picture) {
-    return IsNote(picture);
+    return IsNotePicture(picture);
 }
 
 CoverageMask ButtonPictureMask(int picture, int width, int height, float pixels_per_twip) {
-    if (picture < 1 || picture > 2 * kNotes || width < 1 || height < 1) return {};
+    if (picture < 1 || picture > 2 * kLengthCodes || width < 1 || height < 1) return {};
     const float w = static_cast<float>(width), h = static_cast<float>(height);
     // One scale for all buttons: the tallest picture has 4 spaces, the widest 2.7.
     const float unit = std::max(2.0F, std::min({kStaffSpace * pixels_per_twip, (h - 6) / 4, (w - 6) / 2.7F}));
     Raster raster = MakeRaster(width, height);
     Pen pen{raster, unit, StaffLinePixels(unit / kStaffSpace)};
-    if (picture > kNotes)
+    if (picture > kLengthCodes)
         DrawButtonRest(pen, FormOf(picture), w, h);
     else
         DrawNote(pen, ButtonNotePlan(pen, FormOf(picture), w, h));

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <numeric>
+#include <span>
 
 namespace tonex {
 namespace {
@@ -12,8 +13,6 @@ namespace {
 /// Samples handed over at once: the longest record, 176,400 samples, goes to the system in one write. It
 /// stands on the stack; smaller parts cost the system up to twice the time.
 constexpr std::size_t kBufferSize = 256 * 1024;
-
-constexpr int kUnitsOfZeroNibble = 16;
 
 /// What one record asks for.
 struct Note {
@@ -23,11 +22,6 @@ struct Note {
     std::uint32_t period = 1;   ///< table phases a cycle
     std::span<const std::uint8_t> wave;
 };
-
-int UnitsOf(std::uint8_t length_byte) {
-    const int nibble = length_byte & 15;
-    return nibble == 0 ? kUnitsOfZeroNibble : nibble;
-}
 
 /// Samples in a number of 1/256 seconds, rounded down. The product is exact, so no float is needed.
 std::uint64_t SamplesIn(int quarter_units) {
@@ -71,20 +65,9 @@ void FillTone(const Note& note, std::span<std::uint8_t> buffer) {
     }
 }
 
-/// A tone whose step is shorter than its cycle: the phase never leaves the cycle and the samples repeat.
-SynthesisResult WriteRepeatingTone(const Note& note, const ByteSink& sink) {
-    std::array<std::uint8_t, kBufferSize> buffer;
-    std::uint64_t tone = note.sounding == 0 ? 0 : ToneLength(note);
-    std::uint64_t silence = note.samples - tone;
-
-    FillTone(note, std::span(buffer).first(AtMost(tone, buffer.size())));
-    const std::size_t whole = buffer.size() / RepetitionOf(note) * RepetitionOf(note);
-    while (tone > buffer.size()) {
-        if (!Write(sink, buffer.data(), whole)) return SynthesisResult::WriteError;
-        tone -= whole;
-    }
-    // What is left of the tone stands at the front of the buffer; the silence joins it.
-    auto front = static_cast<std::size_t>(tone);
+/// Writes what stands at the front of the buffer, and silence behind it.
+SynthesisResult WriteEnd(std::span<std::uint8_t> buffer, std::size_t front, std::uint64_t silence,
+                         const ByteSink& sink) {
     std::fill_n(buffer.data() + front, AtMost(silence, buffer.size() - front), kSilence);
     while (front + silence > 0) {
         const std::size_t gap = AtMost(silence, buffer.size() - front);
@@ -96,30 +79,40 @@ SynthesisResult WriteRepeatingTone(const Note& note, const ByteSink& sink) {
     return SynthesisResult::Done;
 }
 
-/// A tone whose step is longer than its cycle. The phase goes back by one cycle a sample at most, so it
-/// drifts into the unfilled part of the table and in the end out of it.
+/// A tone whose step is no longer than its cycle: the phase never leaves the cycle and the samples repeat.
+SynthesisResult WriteRepeatingTone(const Note& note, const ByteSink& sink) {
+    std::array<std::uint8_t, kBufferSize> buffer;
+    std::uint64_t tone = note.sounding == 0 ? 0 : ToneLength(note);
+    const std::uint64_t silence = note.samples - tone;
+
+    FillTone(note, std::span(buffer).first(AtMost(tone, buffer.size())));
+    const std::size_t whole = buffer.size() / RepetitionOf(note) * RepetitionOf(note);
+    while (tone > buffer.size()) {
+        if (!Write(sink, buffer.data(), whole)) return SynthesisResult::WriteError;
+        tone -= whole;
+    }
+    return WriteEnd(buffer, static_cast<std::size_t>(tone), silence, sink);
+}
+
+/// A tone whose step is longer than its cycle. The phase goes back by one cycle a sample at most, so it grows
+/// with every sample, drifts into the unfilled part of the table and in the end out of it.
 SynthesisResult WriteDriftingTone(const Note& note, const ByteSink& sink) {
     std::array<std::uint8_t, kBufferSize> buffer;
     std::size_t filled = 0;
     std::uint32_t phase = 0;
     bool silent = false;
     bool finishing = false;
-    for (std::uint64_t k = 0; k < note.samples; ++k) {
-        if (!silent && phase >= note.wave.size()) return SynthesisResult::PhaseError;
-        buffer[filled++] = silent ? kSilence : note.wave[phase];
-        if (filled == buffer.size()) {
-            if (!Write(sink, buffer.data(), filled)) return SynthesisResult::WriteError;
-            filled = 0;
-        }
-        if (silent) continue;
+    for (; filled < note.samples && !silent; ++filled) {
+        if (phase >= note.wave.size()) return SynthesisResult::PhaseError;
+        buffer[filled] = note.wave[phase];
         phase += note.step;
         if (phase >= note.period) {
             phase -= note.period;
             silent = finishing;
         }
-        finishing = finishing || k >= note.sounding;
+        finishing = filled >= note.sounding;
     }
-    return Write(sink, buffer.data(), filled) ? SynthesisResult::Done : SynthesisResult::WriteError;
+    return WriteEnd(buffer, filled, note.samples - filled, sink);
 }
 
 void PutLittleEndian(std::uint8_t* at, std::uint32_t value, int size) {
@@ -140,30 +133,38 @@ void BuildWaveTable(WaveTable& table, std::int32_t sample_rate) {
         for (int j = 0; j < std::min(period, kPhases); ++j) {
             // Two pi with nine decimals, kept as it is.
             const double height = std::sin(j * 6.283185307 / period) * 127.5 + 128.0;
-            table.wave[i][static_cast<std::size_t>(j)] = static_cast<std::uint8_t>(std::floor(height));
+            At(table.wave[i], j) = static_cast<std::uint8_t>(std::floor(height));
         }
     }
 }
 
 std::uint32_t NoteSampleCount(std::uint8_t length_byte, std::uint8_t tempo_byte) {
-    return static_cast<std::uint32_t>(SamplesIn(tempo_byte * UnitsOf(length_byte) * 4));
+    return static_cast<std::uint32_t>(SamplesIn(tempo_byte * UnitsOfRecord(length_byte) * 4));
+}
+
+std::optional<std::uint32_t> DataSizeOf(const PlayBlock& block) {
+    std::uint64_t samples = 0;
+    for (std::size_t i = 1; i < block.records.size(); i += 2)
+        samples += NoteSampleCount(block.records[i], block.tempo_byte);
+    if (samples > 0xFFFFFFFFU - kWavHeaderSize) return std::nullopt;
+    return static_cast<std::uint32_t>(samples);
 }
 
 SynthesisResult WriteNoteSamples(const WaveTable& table, const ByteSink& sink, std::uint8_t pitch_byte,
                                  std::uint8_t length_byte, std::uint8_t tempo_byte) {
-    const int sounding = tempo_byte * UnitsOf(length_byte) * (length_byte >> 4);
+    const int sounding = tempo_byte * UnitsOfRecord(length_byte) * (length_byte >> 4);
     if (sounding >= 32768) return SynthesisResult::Overflow;
-    const auto pitch_class = static_cast<std::size_t>(pitch_byte % kPitchClasses);
+    const int pitch_class = pitch_byte % kPitchClasses;
     const Note note{
         .samples = NoteSampleCount(length_byte, tempo_byte),
         .sounding = SamplesIn(sounding),
         .step = std::uint32_t{1} << (pitch_byte / kPitchClasses),
-        .period = static_cast<std::uint32_t>(table.period[pitch_class]),
-        .wave = table.wave[pitch_class],
+        .period = static_cast<std::uint32_t>(At(table.period, pitch_class)),
+        .wave = At(table.wave, pitch_class),
     };
-    const bool repeats = note.step < note.period && note.period <= kPhases;
-    if (repeats || note.sounding == 0) return WriteRepeatingTone(note, sink);
-    return WriteDriftingTone(note, sink);
+    if (note.sounding > 0 && note.period > kPhases) return SynthesisResult::PhaseError;
+    if (note.sounding > 0 && note.step > note.period) return WriteDriftingTone(note, sink);
+    return WriteRepeatingTone(note, sink);
 }
 
 std::array<std::uint8_t, kWavHeaderSize> WavHeader(std::uint32_t data_size) {
@@ -182,18 +183,6 @@ std::array<std::uint8_t, kWavHeaderSize> WavHeader(std::uint32_t data_size) {
     std::memcpy(&header[36], "data", 4);
     PutLittleEndian(&header[40], data_size, 4);
     return header;
-}
-
-bool ReadPlayBlock(std::span<const std::uint8_t> file, PlayBlock& block) {
-    if (file.size() < 4) return false;
-    if (file[0] != 7 || file[1] != 0 || file[2] < 1 || file[2] > 32 || file[3] != 0) return false;
-    for (std::size_t offset = 4; offset + 2 <= file.size(); offset += 2) {
-        if (file[offset] != 255 || file[offset + 1] != 255) continue;
-        block.tempo_byte = file[2];
-        block.records = file.subspan(4, offset - 4);
-        return true;
-    }
-    return false;
 }
 
 } // namespace tonex

@@ -1,15 +1,17 @@
 // SND melody to WAV samples: a table-driven sine oscillator. Pure: bytes in, bytes out through a callback.
 #pragma once
 
+#include "score/snd_file.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
+#include <optional>
 
 namespace tonex {
 
 inline constexpr std::int32_t kSampleRate = 22050;
-inline constexpr int kPitchClasses = 12;
+inline constexpr int kPitchClasses = kOctave;
 inline constexpr int kPhases = 384;
 inline constexpr std::uint8_t kSilence = 128;
 inline constexpr std::size_t kWavHeaderSize = 44;
@@ -32,12 +34,15 @@ struct ByteSink {
 enum class SynthesisResult {
     Done,
     Overflow,   ///< tempo byte x units x quarters reaches 32768
-    PhaseError, ///< a sounding phase left the 384 phases of the table
+    PhaseError, ///< a sounding phase left the 384 phases of the table, or its cycle is longer than they are
     WriteError, ///< the sink refused
 };
 
 /// The number of samples that one record of a melody lasts: tempo byte x units / 64 seconds.
 std::uint32_t NoteSampleCount(std::uint8_t length_byte, std::uint8_t tempo_byte);
+
+/// The size in bytes of a melody's samples; nothing when a WAV file's 32-bit sizes could not tell it.
+std::optional<std::uint32_t> DataSizeOf(const PlayBlock& block);
 
 /// Appends the samples of one tone record. Every note starts its cycle at phase 0 and ends on a cycle
 /// boundary where its span allows.
@@ -46,14 +51,5 @@ SynthesisResult WriteNoteSamples(const WaveTable& table, const ByteSink& sink, s
 
 /// The 44 bytes in front of `data_size` bytes of samples.
 std::array<std::uint8_t, kWavHeaderSize> WavHeader(std::uint32_t data_size);
-
-/// The play block's records of a SND file.
-struct PlayBlock {
-    std::uint8_t tempo_byte = 0;
-    std::span<const std::uint8_t> records; ///< pairs of pitch byte and length byte, the end mark left out
-};
-
-/// Finds the play block. False when the header is not 7, 0, 1 to 32, 0 or the end mark 255, 255 is missing.
-bool ReadPlayBlock(std::span<const std::uint8_t> file, PlayBlock& block);
 
 } // namespace tonex

@@ -1,6 +1,6 @@
 #include "preview/timing_tables.h"
 
-#include "score/int16.h"
+#include "score/rows.h"
 
 #include <cmath>
 
@@ -30,38 +30,18 @@ struct ModeFactors {
 };
 constexpr std::array<ModeFactors, kTimingModes> kModes = {{{16, 2}, {16, 3}, {12, 2}}};
 
-/// A note length: 1/division of a whole note times the factor.
-struct NoteLength {
-    float factor;
-    float division;
-};
+constexpr float kTripletFactor = static_cast<float>(1.0 / 3.0);
 
-constexpr float kTriplet = static_cast<float>(1.0 / 3.0);
-constexpr float kDotted = 1.5F;
-constexpr float kDoubleDotted = 1.75F;
+/// By the number of dots.
+constexpr std::array<float, 3> kDotFactors = {1.0F, 1.5F, 1.75F};
 
-constexpr std::array<NoteLength, kLengthCodes> kLengths = {{
-    {1, 32},
-    {kTriplet, 16},
-    {1, 16},
-    {kDotted, 16},
-    {kDoubleDotted, 16},
-    {kTriplet, 8},
-    {1, 8},
-    {kDotted, 8},
-    {kDoubleDotted, 8},
-    {kTriplet, 4},
-    {1, 4},
-    {kDotted, 4},
-    {kDoubleDotted, 4},
-    {kTriplet, 2},
-    {1, 2},
-    {kDotted, 2},
-    {kDoubleDotted, 2},
-    {1, 1},
-    {kDotted, 1},
-    {kDoubleDotted, 1},
-}};
+/// Time units of a length; the order of the factors decides the last bits.
+float UnitsOf(const ModeFactors& mode, const NoteLength& length) {
+    // Three triplets fill the length twice as long.
+    const float factor = length.triplet ? kTripletFactor : At(kDotFactors, length.dots);
+    const int division = length.triplet ? length.division / 2 : length.division;
+    return mode.b * factor * mode.a / static_cast<float>(division);
+}
 
 /// Beats per minute that a tempo byte gives in a mode, made even.
 std::int16_t TempoOf(const ModeFactors& mode, int tempo_byte) {
@@ -121,53 +101,6 @@ std::int16_t LastAtLeast(const TimingTables& tables, std::int16_t tempo) {
     return index;
 }
 
-bool IsBlank(wchar_t letter) {
-    return letter == L' ' || letter == L'\t';
-}
-bool IsDigit(wchar_t letter) {
-    return letter >= L'0' && letter <= L'9';
-}
-
-struct ReadNumber {
-    double value = 0;
-    bool any_digit = false;
-    std::wstring_view rest; ///< the text behind the number
-};
-
-ReadNumber ReadNumberFrom(std::wstring_view text) {
-    while (!text.empty() && IsBlank(text.front()))
-        text.remove_prefix(1);
-    bool negative = false;
-    if (!text.empty() && (text.front() == L'-' || text.front() == L'+')) {
-        negative = text.front() == L'-';
-        text.remove_prefix(1);
-    }
-    ReadNumber number;
-    while (!text.empty() && IsDigit(text.front())) {
-        number.value = number.value * 10 + (text.front() - L'0');
-        number.any_digit = true;
-        text.remove_prefix(1);
-    }
-    if (!text.empty() && text.front() == L'.') {
-        text.remove_prefix(1);
-        double fraction = 0;
-        double weight = 1;
-        while (!text.empty() && IsDigit(text.front())) {
-            // Digits beyond what a double holds would only let both numbers grow out of range.
-            if (weight < 1e15) {
-                fraction = fraction * 10 + (text.front() - L'0');
-                weight *= 10;
-            }
-            number.any_digit = true;
-            text.remove_prefix(1);
-        }
-        number.value += fraction / weight;
-    }
-    if (negative) number.value = -number.value;
-    number.rest = text;
-    return number;
-}
-
 } // namespace
 
 std::int16_t LengthCostOf(float units) {
@@ -193,8 +126,7 @@ TimingTables BuildTimingTables() {
     BuildTempoList(tables, BuildTempoValues());
     for (std::size_t mode = 0; mode < kTimingModes; ++mode) {
         for (std::size_t code = 0; code < kLengthCodes; ++code) {
-            const NoteLength& length = kLengths[code];
-            const float units = kModes[mode].b * length.factor * kModes[mode].a / length.division;
+            const float units = UnitsOf(kModes[mode], kNoteLengths[code]);
             tables.length_units[mode][code] = units;
             tables.length_cost[mode][code] = LengthCostOf(units);
         }
@@ -215,26 +147,6 @@ std::wstring_view TempoNameOf(double beats) {
         if (beats >= range.lower && beats < range.upper) return range.name;
     }
     return {};
-}
-
-double NumericValueOf(std::wstring_view text) {
-    return ReadNumberFrom(text).value;
-}
-
-std::int16_t WholeNumberOf(std::wstring_view text) {
-    const ReadNumber number = ReadNumberFrom(text);
-    if (!number.any_digit) return 0;
-    for (const wchar_t letter : number.rest) {
-        if (!IsBlank(letter)) return 0;
-    }
-    const double rounded = std::nearbyint(number.value);
-    if (!(rounded >= -32768.0 && rounded <= 32767.0)) return 0;
-    return static_cast<std::int16_t>(rounded);
-}
-
-std::wstring NumberToText(std::int16_t value) {
-    const std::wstring digits = std::to_wstring(value);
-    return value < 0 ? digits : L" " + digits;
 }
 
 } // namespace tonex

@@ -1,16 +1,16 @@
 // Tempo names and the four timing tables that the SND writer uses. Pure values, built once at start-up.
 #pragma once
 
+#include "score/codes.h"
+
 #include <array>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 namespace tonex {
 
 inline constexpr int kTempoListSize = 100;
 inline constexpr int kTimingModes = 3;
-inline constexpr int kLengthCodes = 20;
 inline constexpr int kTempoBytes = 32; ///< tempo bytes run from 1 to 32; one time unit lasts byte/64 seconds
 
 /// A classical tempo name and the beats per minute it covers: lower inclusive, upper exclusive.
@@ -46,15 +46,5 @@ int TempoIndexOf(const TimingTables& tables, std::int16_t tempo);
 
 /// The classical name of a tempo, empty outside 40 to 319. `beats` is the numeric value of the tempo box.
 std::wstring_view TempoNameOf(double beats);
-
-/// The number at the front of a text, as the tempo box is read: leading blanks skipped, digits, a decimal
-/// point; 0 when there is none.
-double NumericValueOf(std::wstring_view text);
-
-/// The whole number in a text, rounded with ties to even; 0 when it does not fit 16 bits or is no number.
-std::int16_t WholeNumberOf(std::wstring_view text);
-
-/// A number as the tempo box lists it: a blank before a positive number (" 120").
-std::wstring NumberToText(std::int16_t value);
 
 } // namespace tonex

@@ -3,8 +3,8 @@
 #include "platform/files.h"
 #include "score/file_services.h"
 
-#include <algorithm>
 #include <cstring>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -17,17 +17,6 @@ constexpr std::int16_t kFailed = -4;
 
 /// Far above the longest file that the editor writes; what is behind it is not read.
 constexpr std::size_t kMostSndBytes = 1024 * 1024;
-
-/// The samples that a WAV file's 32-bit sizes can count.
-constexpr std::uint64_t kMostSamples = 0xFFFFFFFFU - kWavHeaderSize;
-
-std::uint64_t SampleCountOf(const PlayBlock& block) {
-    std::uint64_t samples = 0;
-    for (std::size_t i = 0; i < block.records.size(); i += 2) {
-        samples += NoteSampleCount(block.records[i + 1], block.tempo_byte);
-    }
-    return samples;
-}
 
 bool WriteToFile(void* context, const std::uint8_t* bytes, std::size_t count) {
     return WriteOutput(*static_cast<OutputFile*>(context), bytes, count);
@@ -72,14 +61,13 @@ bool PatchSizes(OutputFile& file, std::uint32_t data_size) {
 
 std::int16_t sndfile2wavfile(const WaveTable& table, const std::wstring& snd_path,
                              const std::wstring& wav_path, const ConversionProgress& progress) {
-    if (!FileExists(snd_path)) return kNotAMelody;
     std::vector<std::uint8_t> snd;
     if (!ReadWholeFile(snd_path, snd, kMostSndBytes)) return kNotAMelody;
     PlayBlock block;
     if (!ReadPlayBlock(snd, block)) return kNotAMelody;
 
-    const std::uint64_t samples = SampleCountOf(block);
-    if (samples > kMostSamples) return kFailed;
+    const std::optional<std::uint32_t> data_size = DataSizeOf(block);
+    if (!data_size) return kFailed;
     if (progress.begin != nullptr)
         progress.begin(progress.context, static_cast<int>(block.records.size() / 2));
     bool written = false;
@@ -87,7 +75,7 @@ std::int16_t sndfile2wavfile(const WaveTable& table, const std::wstring& snd_pat
     if (progress.end != nullptr) progress.end(progress.context);
     if (file == nullptr) return kFailed;
 
-    written = written && PatchSizes(*file, static_cast<std::uint32_t>(samples));
+    written = written && PatchSizes(*file, *data_size);
     const bool closed = CloseOutput(std::move(file));
     if (written && closed) return kDone;
     RemoveFile(wav_path);

@@ -2,6 +2,7 @@
 
 #include "link/paths.h"
 #include "platform/files.h"
+#include "score/number_text.h"
 
 #include <algorithm>
 #include <optional>
@@ -75,7 +76,7 @@ bool IsAbandonedSaveName(std::wstring_view name) {
     if (!name.starts_with(kTemporaryStart) || !name.ends_with(kTemporaryEnd)) return false;
     name.remove_prefix(kTemporaryStart.size());
     name.remove_suffix(kTemporaryEnd.size());
-    return std::all_of(name.begin(), name.end(), [](wchar_t c) { return c >= L'0' && c <= L'9'; });
+    return std::all_of(name.begin(), name.end(), IsDigit<wchar_t>);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "score/melody_text.h"
 
-#include <array>
+#include "score/number_text.h"
+
 #include <cassert>
 #include <cstddef>
 
@@ -8,44 +9,8 @@ namespace tonex {
 
 namespace {
 
-constexpr std::uint16_t kNoteCodes = 20;      ///< file codes 0 to 19 are notes
-constexpr std::uint16_t kFirstRestCode = 100; ///< file codes 100 to 119 are rests
-constexpr std::uint16_t kSeparatorCode = 200;
-constexpr std::uint16_t kRestPitch = 86; ///< the pitch byte of a rest in a file
-constexpr int kMaxPitch = 256;           ///< a file's pitch byte is the pitch - 1
+constexpr int kMaxPitch = kFileMaxPitch + 1;
 constexpr std::size_t kQuotedBytes = 24; ///< of a wrong word, shown in a reason
-
-/// Indexed by length code: the triplet, plain, dotted and double-dotted form of 16th, 8th, quarter and half
-/// between the 32nd and the three whole notes. A triplet is named after the note that it shortens by a third.
-constexpr std::array<std::string_view, kLengthCodes> kLengthTexts = {
-    "1/32", "1/32t", "1/16",  "1/16.", "1/16..", "1/16t", "1/8",   "1/8.", "1/8..", "1/8t",
-    "1/4",  "1/4.",  "1/4..", "1/4t",  "1/2",    "1/2.",  "1/2..", "1/1",  "1/1.",  "1/1.."};
-
-/// A semitone's name; the index is (pitch - 1) mod 12, and the octave number changes between b and c.
-struct Semitone {
-    char letter;
-    bool sharp;
-    int octave; ///< of the pitches 1 to 12
-};
-constexpr std::array<Semitone, 12> kSemitones = {{{'a', true, 1},
-                                                  {'b', false, 1},
-                                                  {'c', false, 2},
-                                                  {'c', true, 2},
-                                                  {'d', false, 2},
-                                                  {'d', true, 2},
-                                                  {'e', false, 2},
-                                                  {'f', false, 2},
-                                                  {'f', true, 2},
-                                                  {'g', false, 2},
-                                                  {'g', true, 2},
-                                                  {'a', false, 2}}};
-
-bool IsBlank(char character) {
-    return character == ' ' || character == '\t';
-}
-bool IsDigit(char character) {
-    return character >= '0' && character <= '9';
-}
 
 /// Walks over the lines of a text.
 struct Lines {
@@ -79,8 +44,7 @@ bool TakeLine(Lines& lines, std::string_view& line) {
 
 /// Takes the next word of a line; empty at its end or where a comment starts.
 std::string_view TakeWord(std::string_view& line) {
-    while (!line.empty() && IsBlank(line.front()))
-        line.remove_prefix(1);
+    line = SkipBlanks(line);
     if (line.empty() || line.front() == '#') return {};
     std::size_t length = 0;
     while (length < line.size() && !IsBlank(line[length]))
@@ -108,14 +72,8 @@ std::string Quoted(std::string_view word) {
 
 /// A whole number without sign or leading zeros, at most `largest`; -1 for anything else.
 int NumberOf(std::string_view digits, int largest) {
-    if (digits.empty() || (digits.size() > 1 && digits[0] == '0')) return -1;
-    int number = 0;
-    for (const char digit : digits) {
-        if (!IsDigit(digit)) return -1;
-        number = number * 10 + (digit - '0');
-        if (number > largest) return -1;
-    }
-    return number;
+    if (digits.size() > 1 && digits[0] == '0') return -1;
+    return NumberOfDigits(digits, largest).value_or(-1);
 }
 
 /// The pitch that a word names, 1 to 256, or 0 with the reason.
@@ -135,10 +93,10 @@ int PitchOf(std::string_view word, std::string& reason) {
         reason = Quoted(whole) + " is no note: an octave 1 to 23 follows the letter, then # for a sharp";
         return 0;
     }
-    for (int s = 0; s < static_cast<int>(kSemitones.size()); ++s) {
-        const Semitone& semitone = kSemitones[static_cast<std::size_t>(s)];
+    for (int lowest = 1; lowest <= kOctave; ++lowest) {
+        const Semitone& semitone = *SemitoneOf(lowest);
         if (semitone.letter != letter || semitone.sharp != sharp) continue;
-        const int pitch = 12 * (octave - semitone.octave) + s + 1;
+        const int pitch = lowest + kOctave * (octave - OctaveNumberOf(lowest, semitone));
         if (pitch >= 1 && pitch <= kMaxPitch) return pitch;
         reason = Quoted(whole) + " is outside a1# to c23#";
         return 0;
@@ -149,7 +107,7 @@ int PitchOf(std::string_view word, std::string& reason) {
 
 int LengthCodeOf(std::string_view word) {
     for (int code = 0; code < kLengthCodes; ++code) {
-        if (kLengthTexts[static_cast<std::size_t>(code)] == word) return code;
+        if (LengthTextOf(code) == word) return code;
     }
     return -1;
 }
@@ -183,10 +141,10 @@ bool ParseTempo(const TimingTables& tables, std::string_view line, std::int16_t&
 bool ParseEntry(std::string_view word, std::string_view line, std::uint16_t pitch_before, FileEntry& entry,
                 std::string& reason) {
     if (word == "|") {
-        entry = {kSeparatorCode, pitch_before};
+        entry = {kFileSeparator, pitch_before};
     } else {
         const bool rest = word == "r";
-        const int pitch = rest ? kRestPitch + 1 : PitchOf(word, reason);
+        const int pitch = rest ? kFileRestPitch + 1 : PitchOf(word, reason);
         if (pitch == 0) return false;
         const std::string_view length = TakeWord(line);
         if (length.empty()) {
@@ -200,7 +158,7 @@ bool ParseEntry(std::string_view word, std::string_view line, std::uint16_t pitc
                      "with t on 1/4 to 1/32";
             return false;
         }
-        entry = {static_cast<std::uint16_t>(rest ? kFirstRestCode + code : code),
+        entry = {static_cast<std::uint16_t>(rest ? kFileRests + code : code),
                  static_cast<std::uint16_t>(pitch - 1)};
     }
     if (const std::string_view more = TakeWord(line); !more.empty()) {
@@ -225,15 +183,27 @@ bool ParseLine(const TimingTables& tables, std::string_view line, Melody& melody
         return false;
     }
     FileEntry entry;
-    const std::uint16_t before = count == 0 ? 0 : melody.list[static_cast<std::size_t>(count - 1)].pitch;
+    const std::uint16_t before = count == 0 ? 0 : At(melody.list, count - 1).pitch;
     if (!ParseEntry(word, line, before, entry, reason)) return false;
     if (count == kMaxEntries) {
         reason = "entry " + std::to_string(kMaxEntries + 1) + ": a melody has at most " +
                  std::to_string(kMaxEntries);
         return false;
     }
-    melody.list[static_cast<std::size_t>(count++)] = entry;
+    At(melody.list, count++) = entry;
     return true;
+}
+
+/// An entry's line without its end; empty when the text can not name the entry's code or pitch.
+std::string LineOf(const FileEntry& entry) {
+    switch (KindOfFileCode(entry.code)) {
+    case EntryKind::Separator: return "|";
+    case EntryKind::Rest: return "r " + LengthTextOf(LengthCodeOfFileCode(entry.code));
+    case EntryKind::Note:
+        if (entry.pitch > kFileMaxPitch) return {};
+        return PitchTextOf(entry.pitch + 1) + " " + LengthTextOf(LengthCodeOfFileCode(entry.code));
+    default: return {};
+    }
 }
 
 } // namespace
@@ -261,24 +231,12 @@ std::optional<std::string> FormatMelodyText(const Melody& melody, int& fault_ent
     std::string text = "tempo " + std::to_string(melody.tempo) + "\n";
     const int count = CountEntries(melody.list);
     for (int i = 0; i < count; ++i) {
-        const FileEntry& entry = melody.list[static_cast<std::size_t>(i)];
-        fault_entry = i;
-        if (i >= kMaxEntries) return std::nullopt;
-        if (entry.code == kSeparatorCode) {
-            text += "|\n";
-        } else if (entry.code < kNoteCodes) {
-            if (entry.pitch >= kMaxPitch) return std::nullopt;
-            text += PitchTextOf(entry.pitch + 1);
-            text += " ";
-            text += LengthTextOf(entry.code);
-            text += "\n";
-        } else if (entry.code >= kFirstRestCode && entry.code < kFirstRestCode + kNoteCodes) {
-            text += "r ";
-            text += LengthTextOf(entry.code - kFirstRestCode);
-            text += "\n";
-        } else {
+        const std::string line = i < kMaxEntries ? LineOf(At(melody.list, i)) : std::string();
+        if (line.empty()) {
+            fault_entry = i;
             return std::nullopt;
         }
+        text += line + "\n";
     }
     fault_entry = -1;
     return text;
@@ -295,18 +253,19 @@ int LineOfEntry(std::string_view text, int entry) {
     return 0;
 }
 
-std::string_view LengthTextOf(int length_code) {
-    assert(length_code >= 0 && length_code < kLengthCodes);
-    return kLengthTexts[static_cast<std::size_t>(length_code)];
+std::string LengthTextOf(int length_code) {
+    const NoteLength& length = At(kNoteLengths, length_code);
+    std::string text = "1/" + std::to_string(length.division);
+    text.append(static_cast<std::size_t>(length.dots), '.');
+    return length.triplet ? text + "t" : text;
 }
 
 std::string PitchTextOf(int pitch) {
     assert(pitch >= 1 && pitch <= kMaxPitch);
-    const Semitone& semitone = kSemitones[static_cast<std::size_t>((pitch - 1) % 12)];
+    const Semitone& semitone = *SemitoneOf(pitch);
     std::string text(1, semitone.letter);
-    text += std::to_string((pitch - 1) / 12 + semitone.octave);
-    if (semitone.sharp) text += "#";
-    return text;
+    text += std::to_string(OctaveNumberOf(pitch, semitone));
+    return semitone.sharp ? text + "#" : text;
 }
 
 } // namespace tonex

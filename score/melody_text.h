@@ -44,7 +44,7 @@ std::optional<std::string> FormatMelodyText(const Melody& melody, int& fault_ent
 int LineOfEntry(std::string_view text, int entry);
 
 /// "1/8." for a length code 0 to 19.
-std::string_view LengthTextOf(int length_code);
+std::string LengthTextOf(int length_code);
 
 /// "c4#" for a pitch 1 to 256, as the piano keys are named.
 std::string PitchTextOf(int pitch);

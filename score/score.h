@@ -1,6 +1,8 @@
 // The score: one melody as a fixed table of entries in playing order. Pure values; no window, no file.
 #pragma once
 
+#include "score/codes.h"
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -12,8 +14,6 @@ inline constexpr int kUsableSlots = 510;            ///< slots that Clear resets
 inline constexpr int kMaxEntries = 509;             ///< the longest melody
 inline constexpr int kLastColumn = 508;             ///< slot of the last entry of the longest melody
 inline constexpr std::int16_t kMaxEndCount = 510;   ///< end count of the longest melody
-inline constexpr std::uint16_t kEmpty = 65535;      ///< entry code of an empty slot; pitch of what has none
-inline constexpr std::uint16_t kSeparator = 0;      ///< entry code of the blank entry that Insert creates
 inline constexpr int kStripPictures = 30;           ///< entries that the strip shows at once
 inline constexpr std::int16_t kRestPosition = 1200; ///< staff position of what has no pitch, in twips
 inline constexpr int kStepHeight = 60;              ///< twips from a line of the staff to the space beside it
@@ -37,18 +37,6 @@ struct Score {
     bool changed = false;          ///< set by every edit; asks for saving
 };
 
-/// Whether an entry code is that of a note, 1 to 20.
-constexpr bool IsNote(std::uint16_t code) {
-    return code >= 1 && code <= 20;
-}
-/// Whether an entry code is that of a rest, 21 to 40.
-constexpr bool IsRest(std::uint16_t code) {
-    return code >= 21 && code <= 40;
-}
-/// Whether the entry code is above 0 as a signed number: a note, a rest, or a foreign file's unknown code.
-constexpr bool IsSounding(std::uint16_t code) {
-    return static_cast<std::int16_t>(code) > 0;
-}
 /// Index of the first empty slot, the column behind the last entry.
 constexpr int EndColumn(const Score& score) {
     return score.end_count - 1;
@@ -69,11 +57,6 @@ using FileList = std::array<FileEntry, kFileListRows>;
 
 /// Number of entries in front of the end code.
 int CountEntries(const FileList& list);
-
-/// The semitone within the octave of a pitch, (pitch - 1) mod 12 with the sign of pitch - 1; 0 = a-sharp.
-constexpr int SemitoneOf(std::int16_t pitch) {
-    return (pitch - 1) % 12;
-}
 
 /// The staff position of a pitch in twips: 60 a step, 420 an octave, smaller = higher.
 /// `staff_offset` is the display's vertical offset in twips. A pitch of 65535 gives 1200 without the offset.

@@ -40,6 +40,21 @@ struct SndFault {
     std::string reason;     ///< plain English, empty when the file is good
 };
 
+/// The play block's tone records.
+struct PlayBlock {
+    std::uint8_t tempo_byte = 0;           ///< length of a time unit in 1/64 seconds
+    std::span<const std::uint8_t> records; ///< pairs of pitch byte and length byte, the end mark left out
+};
+
+/// Most time units of one tone record.
+inline constexpr int kUnitsPerRecord = 16;
+
+/// Time units 1 to 16 in a tone record's length byte: its low nibble, where 0 stands for 16.
+constexpr int UnitsOfRecord(std::uint8_t length_byte) {
+    const int nibble = length_byte & 15;
+    return nibble == 0 ? kUnitsPerRecord : nibble;
+}
+
 /// The cost of a melody in one timing mode: the sum of the length costs of its notes and rests.
 std::int32_t ModeCostOf(const TimingTables& tables, const FileList& list, int mode);
 
@@ -58,5 +73,9 @@ SndEncoding EncodeSnd(const TimingTables& tables, std::int16_t tempo, const File
 /// `mode` and `fault` may be null.
 SndResult DecodeSnd(std::span<const std::uint8_t> file, std::int16_t& tempo, FileList& list,
                     std::int16_t* mode = nullptr, SndFault* fault = nullptr);
+
+/// Finds the play block, which may be of any length and alone, as a player needs no more. False when its
+/// header is not 7, 0, 1 to 32, 0 or the end mark 255, 255 is missing.
+bool ReadPlayBlock(std::span<const std::uint8_t> file, PlayBlock& block);
 
 } // namespace tonex

@@ -15,30 +15,6 @@ std::wstring Caption(int semitone, int octave, bool doremi) {
     return std::wstring(KeyCaptionOf(semitone, octave, doremi).View());
 }
 
-TEST(NoteNames, TableIsTheOneOfTheRules) {
-    struct Row {
-        const wchar_t* letter;
-        const wchar_t* doremi;
-        bool sharp;
-        int octave_shift;
-        int step;
-    };
-    const Row expected[12] = {
-        {L"a", L"ラ", true, -1, 7}, {L"b", L"シ", false, -1, 6}, {L"c", L"ド", false, 0, 5},
-        {L"c", L"ド", true, 0, 5},  {L"d", L"レ", false, 0, 4},  {L"d", L"レ", true, 0, 4},
-        {L"e", L"ミ", false, 0, 3}, {L"f", L"ﾌｧ", false, 0, 2},  {L"f", L"ﾌｧ", true, 0, 2},
-        {L"g", L"ソ", false, 0, 1}, {L"g", L"ソ", true, 0, 1},   {L"a", L"ラ", false, 0, 0},
-    };
-    for (int s = 0; s < 12; ++s) {
-        SCOPED_TRACE(s);
-        EXPECT_EQ(kNoteNames[s].letter, expected[s].letter);
-        EXPECT_EQ(kNoteNames[s].doremi, expected[s].doremi);
-        EXPECT_EQ(kNoteNames[s].sharp, expected[s].sharp);
-        EXPECT_EQ(kNoteNames[s].octave_shift, expected[s].octave_shift);
-        EXPECT_EQ(StaffPositionOf(static_cast<std::uint16_t>(37 + s), 0), expected[s].step * 60 + 1200);
-    }
-}
-
 TEST(NoteNames, EveryPitchOfThePianoInLetters) {
     const wchar_t* expected[49] = {
         L"c4",   L"c4 #", L"d4",   L"d4 #", L"e4",   L"f4",   L"f4 #", L"g4",   L"g4 #", L"a4",

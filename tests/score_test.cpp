@@ -24,7 +24,7 @@ FileList ListOf(std::initializer_list<FileEntry> entries) {
 FileList NotesOf(int count, std::uint16_t code = 10, std::uint16_t pitch = 26) {
     FileList list{};
     for (int i = 0; i < count; ++i)
-        list[static_cast<std::size_t>(i)] = {code, pitch};
+        At(list, i) = {code, pitch};
     return list;
 }
 
@@ -32,7 +32,7 @@ void ExpectInvariants(const Score& score) {
     ASSERT_GE(score.end_count, 1);
     ASSERT_LE(score.end_count, 510);
     for (int slot = 0; slot < 511; ++slot) {
-        const Entry& entry = score.sound[static_cast<std::size_t>(slot)];
+        const Entry& entry = At(score.sound, slot);
         if (slot < score.end_count - 1) {
             EXPECT_NE(entry.code, 65535) << "slot " << slot;
         } else {
@@ -188,16 +188,6 @@ TEST(Score, ClearNeverWritesSlot510) {
     EXPECT_EQ(score.first_shown, 0);
     EXPECT_EQ(score.strip_cursor, 0);
     EXPECT_FALSE(score.changed);
-}
-
-TEST(Score, SemitoneCountsFromPitchOne) {
-    for (std::int16_t pitch = 1; pitch <= 256; ++pitch)
-        EXPECT_EQ(SemitoneOf(pitch), (pitch - 1) % 12);
-    EXPECT_EQ(SemitoneOf(1), 0);
-    EXPECT_EQ(SemitoneOf(27), 2);
-    EXPECT_EQ(SemitoneOf(0), -1);
-    EXPECT_EQ(SemitoneOf(-10), -11);
-    EXPECT_EQ(SemitoneOf(-11), 0);
 }
 
 TEST(Score, StepsOfAnOctave) {
@@ -358,15 +348,6 @@ TEST(Score, CountOfAListWithoutAnEndIsItsLength) {
     FileList list{};
     list.fill({0, 0});
     EXPECT_EQ(CountEntries(list), 512);
-}
-
-TEST(Score, CodesAreNotesRestsOrNeither) {
-    for (int code = 0; code <= 65535; ++code) {
-        const auto cell = static_cast<std::uint16_t>(code);
-        EXPECT_EQ(IsNote(cell), code >= 1 && code <= 20) << code;
-        EXPECT_EQ(IsRest(cell), code >= 21 && code <= 40) << code;
-        EXPECT_EQ(IsSounding(cell), code >= 1 && code <= 32767) << code;
-    }
 }
 
 } // namespace

@@ -13,7 +13,6 @@ using namespace tonex;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::uint16_t kQuarter = 10;
-constexpr std::uint16_t kSeparatorCode = 200;
 
 const TimingTables& Tables() {
     static const TimingTables tables = BuildTimingTables();
@@ -257,7 +256,7 @@ TEST(SndWriter, The510thNoteStillFitsAndNoneAfterIt) {
 
 TEST(SndWriter, AListWithoutAnEndIsWrittenTo510Entries) {
     FileList list{};
-    list.fill({kSeparatorCode, 0});
+    list.fill({kFileSeparator, 0});
     const SndEncoding encoding = EncodeSnd(Tables(), 120, list);
     EXPECT_EQ(encoding.result, kSndDone);
     EXPECT_EQ(encoding.entries_written, 510);
@@ -324,14 +323,14 @@ TEST(SndWriter, ASeparatorBehindALongNoteCountsItsRecordsToo) {
     // Behind 507 one-record notes and one of two records p is 1022; a separator still counts two records.
     std::vector<FileEntry> entries(507, {10, 26});
     entries.push_back({15, 26});
-    entries.push_back({kSeparatorCode, 0});
+    entries.push_back({kFileSeparator, 0});
     SndEncoding encoding = EncodeSnd(Tables(), 120, ListOf(entries));
     EXPECT_EQ(encoding.result, kSndFull);
     EXPECT_EQ(encoding.entries_written, 508);
     // Behind a note of one record it fits.
     entries[507] = {10, 26};
     entries[508] = {10, 26};
-    entries.push_back({kSeparatorCode, 0});
+    entries.push_back({kFileSeparator, 0});
     encoding = EncodeSnd(Tables(), 120, ListOf(entries));
     EXPECT_EQ(encoding.result, kSndDone);
     EXPECT_EQ(encoding.entries_written, 510);
@@ -342,7 +341,7 @@ TEST(SndWriter, ASeparatorNeedsNoRoomForRecordsAtTheBlocksEdge) {
     // out; a separator writes no records.
     std::vector<FileEntry> entries(502, {10, 26});
     entries.push_back({0, 26});
-    entries.push_back({kSeparatorCode, 0});
+    entries.push_back({kFileSeparator, 0});
     const SndEncoding encoding = EncodeSnd(TablesWithUnits(80), 120, ListOf(entries));
     EXPECT_EQ(encoding.result, kSndDone);
     EXPECT_EQ(encoding.entries_written, 504);
@@ -557,13 +556,67 @@ TEST(SndReader, AGoodFileReplacesTheWholeList) {
         EXPECT_EQ(list[row], (FileEntry{65535, 0})) << row;
 }
 
+TEST(PlayBlock, FindsTheRecordsUpToTheEndMark) {
+    const Bytes file = {7, 0, 32, 0, 26, 48, 255, 1, 1, 255, 255, 255, 9, 9};
+    PlayBlock block;
+    ASSERT_TRUE(ReadPlayBlock(file, block));
+    EXPECT_EQ(block.tempo_byte, 32);
+    EXPECT_EQ(Bytes(block.records.begin(), block.records.end()), (Bytes{26, 48, 255, 1, 1, 255}));
+}
+
+TEST(PlayBlock, TheEndMarkAloneIsAMelodyWithoutNotes) {
+    const Bytes file = {7, 0, 1, 0, 255, 255};
+    PlayBlock block;
+    ASSERT_TRUE(ReadPlayBlock(file, block));
+    EXPECT_TRUE(block.records.empty());
+}
+
+TEST(PlayBlock, WithoutAnEndMarkItIsRefused) {
+    const Bytes file = {7, 0, 32, 0, 26, 48, 255, 255};
+    for (std::size_t size = 0; size < file.size(); ++size) {
+        PlayBlock block;
+        EXPECT_FALSE(ReadPlayBlock(std::span(file).first(size), block)) << size;
+    }
+    // 255, 255 across two records is no end mark.
+    const Bytes across = {7, 0, 32, 0, 26, 255, 255, 48};
+    PlayBlock block;
+    EXPECT_FALSE(ReadPlayBlock(across, block));
+}
+
+TEST(PlayBlock, EveryHeaderByteIsChecked) {
+    for (std::size_t offset = 0; offset < 4; ++offset) {
+        for (int byte = 0; byte <= 255; ++byte) {
+            Bytes file = {7, 0, 32, 0, 255, 255};
+            file[offset] = static_cast<std::uint8_t>(byte);
+            const bool good = offset == 0 ? byte == 7 : offset == 2 ? byte >= 1 && byte <= 32 : byte == 0;
+            PlayBlock block;
+            EXPECT_EQ(ReadPlayBlock(file, block), good) << offset << ", " << byte;
+        }
+    }
+}
+
+TEST(PlayBlock, NeedsNoEditBlockAndMayBeLongerThanTheEditorsOwn) {
+    Bytes file = {7, 0, 32, 0};
+    for (int i = 0; i < 2000; ++i)
+        file.insert(file.end(), {26, 48});
+    file.insert(file.end(), {255, 255});
+    PlayBlock block;
+    ASSERT_TRUE(ReadPlayBlock(file, block));
+    EXPECT_EQ(block.records.size(), 4000U);
+}
+
+TEST(PlayBlock, UnitsAreTheLowNibbleAndZeroStandsFor16) {
+    for (int byte = 0; byte <= 255; ++byte)
+        EXPECT_EQ(UnitsOfRecord(static_cast<std::uint8_t>(byte)), byte % 16 == 0 ? 16 : byte % 16) << byte;
+}
+
 TEST(SndFile, EveryMelodyComesBackAndSavesToTheSameBytes) {
     for (std::size_t t = 0; Tables().tempo_list[t] != 0; ++t) {
         std::vector<FileEntry> entries;
         for (std::uint16_t code = 0; code < 20; ++code) {
             entries.push_back({code, static_cast<std::uint16_t>(26 + code)});
             entries.push_back({static_cast<std::uint16_t>(code + 100), 86});
-            entries.push_back({kSeparatorCode, 86});
+            entries.push_back({kFileSeparator, 86});
         }
         const std::int16_t tempo = Tables().tempo_list[t];
         const SndEncoding first = EncodeSnd(Tables(), tempo, ListOf(entries));

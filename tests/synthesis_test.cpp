@@ -355,43 +355,4 @@ TEST(WavHeader, WithoutSamplesTheRiffSizeIs36) {
     EXPECT_EQ(header[40] + header[41] + header[42] + header[43], 0);
 }
 
-TEST(PlayBlock, FindsTheRecordsUpToTheEndMark) {
-    const Bytes file = {7, 0, 32, 0, 26, 48, 255, 1, 1, 255, 255, 255, 9, 9};
-    PlayBlock block;
-    ASSERT_TRUE(ReadPlayBlock(file, block));
-    EXPECT_EQ(block.tempo_byte, 32);
-    EXPECT_EQ(Bytes(block.records.begin(), block.records.end()), (Bytes{26, 48, 255, 1, 1, 255}));
-}
-
-TEST(PlayBlock, TheEndMarkAloneIsAMelodyWithoutNotes) {
-    const Bytes file = {7, 0, 1, 0, 255, 255};
-    PlayBlock block;
-    ASSERT_TRUE(ReadPlayBlock(file, block));
-    EXPECT_TRUE(block.records.empty());
-}
-
-TEST(PlayBlock, WithoutAnEndMarkItIsRefused) {
-    const Bytes file = {7, 0, 32, 0, 26, 48, 255, 255};
-    for (std::size_t size = 0; size < file.size(); ++size) {
-        PlayBlock block;
-        EXPECT_FALSE(ReadPlayBlock(std::span(file).first(size), block)) << size;
-    }
-    // 255, 255 across two records is no end mark.
-    const Bytes across = {7, 0, 32, 0, 26, 255, 255, 48};
-    PlayBlock block;
-    EXPECT_FALSE(ReadPlayBlock(across, block));
-}
-
-TEST(PlayBlock, EveryHeaderByteIsChecked) {
-    for (std::size_t offset = 0; offset < 4; ++offset) {
-        for (int byte = 0; byte <= 255; ++byte) {
-            Bytes file = {7, 0, 32, 0, 255, 255};
-            file[offset] = static_cast<std::uint8_t>(byte);
-            const bool good = offset == 0 ? byte == 7 : offset == 2 ? byte >= 1 && byte <= 32 : byte == 0;
-            PlayBlock block;
-            EXPECT_EQ(ReadPlayBlock(file, block), good) << offset << ", " << byte;
-        }
-    }
-}
-
 } // namespace

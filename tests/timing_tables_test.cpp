@@ -1,4 +1,5 @@
 #include "preview/timing_tables.h"
+#include "score/number_text.h"
 
 #include <gtest/gtest.h>
 
@@ -77,7 +78,7 @@ TEST(TimingTables, ModeTempoBytesWhole) {
 
 TEST(TimingTables, TheTempo30OfMode2UsesByte21Not22) {
     const TimingTables tables = BuildTimingTables();
-    EXPECT_EQ(tables.mode_tempo_bytes[2][static_cast<std::size_t>(TempoIndexOf(tables, 30))], 21);
+    EXPECT_EQ(At(tables.mode_tempo_bytes[2], TempoIndexOf(tables, 30)), 21);
     // The dropped duplicate's bytes stay behind the end of the list.
     EXPECT_EQ(tables.mode_tempo_bytes[2][28], 22);
 }
@@ -141,9 +142,16 @@ TEST(TimingTables, TheComboHolds28ItemsEachWithALeadingBlank) {
     ASSERT_EQ(items.size(), 28U);
     EXPECT_EQ(items.front(), L" 640");
     EXPECT_EQ(items.back(), L" 30");
-    EXPECT_EQ(items[static_cast<std::size_t>(tables.default_tempo_index)], L" 120");
+    EXPECT_EQ(At(items, tables.default_tempo_index), L" 120");
     for (const std::wstring& item : items)
         EXPECT_EQ(item.front(), L' ') << item.size();
+}
+
+TEST(TimingTables, EveryListedTempoReadsBack) {
+    for (const TempoRow& row : kTempoRows) {
+        EXPECT_EQ(WholeNumberOf(NumberToText(row.tempo)), row.tempo);
+        EXPECT_EQ(NumericValueOf(NumberToText(row.tempo)), row.tempo);
+    }
 }
 
 TEST(TimingTables, EveryListedTempoIsFoundAndNoOther) {
@@ -183,69 +191,6 @@ TEST(TempoNames, NoNameOutside40To319) {
     EXPECT_EQ(TempoNameOf(-50), L"");
     EXPECT_EQ(TempoNameOf(std::numeric_limits<double>::infinity()), L"");
     EXPECT_EQ(TempoNameOf(std::numeric_limits<double>::quiet_NaN()), L"");
-}
-
-TEST(TempoText, NumericValueReadsTheNumberAtTheFront) {
-    EXPECT_EQ(NumericValueOf(L" 120"), 120);
-    EXPECT_EQ(NumericValueOf(L"120"), 120);
-    EXPECT_EQ(NumericValueOf(L"\t 49.5"), 49.5);
-    EXPECT_EQ(NumericValueOf(L"120bpm"), 120);
-    EXPECT_EQ(NumericValueOf(L"12.5.7"), 12.5);
-    EXPECT_EQ(NumericValueOf(L".5"), 0.5);
-    EXPECT_EQ(NumericValueOf(L"5."), 5);
-    EXPECT_EQ(NumericValueOf(L"-40"), -40);
-    EXPECT_EQ(NumericValueOf(L"+40"), 40);
-    EXPECT_EQ(NumericValueOf(L""), 0);
-    EXPECT_EQ(NumericValueOf(L"   "), 0);
-    EXPECT_EQ(NumericValueOf(L"."), 0);
-    EXPECT_EQ(NumericValueOf(L"-"), 0);
-    EXPECT_EQ(NumericValueOf(L"Largo"), 0);
-    EXPECT_EQ(NumericValueOf(L"\uff11\uff12\uff10"), 0);
-}
-
-TEST(TempoText, NumericValueOfVeryLongTextsIsDefined) {
-    EXPECT_GT(NumericValueOf(std::wstring(5000, L'9')), 1e300);
-    EXPECT_NEAR(NumericValueOf(L"1." + std::wstring(5000, L'9')), 2.0, 1e-12);
-    EXPECT_EQ(NumericValueOf(std::wstring(5000, L' ') + L"7"), 7);
-}
-
-TEST(TempoText, WholeNumberRoundsTiesToEven) {
-    EXPECT_EQ(WholeNumberOf(L" 120"), 120);
-    EXPECT_EQ(WholeNumberOf(L"120 "), 120);
-    EXPECT_EQ(WholeNumberOf(L"120.5"), 120);
-    EXPECT_EQ(WholeNumberOf(L"121.5"), 122);
-    EXPECT_EQ(WholeNumberOf(L"119.51"), 120);
-    EXPECT_EQ(WholeNumberOf(L"-2.5"), -2);
-    EXPECT_EQ(WholeNumberOf(L"-40"), -40);
-}
-
-TEST(TempoText, WholeNumberIs0ForWhatIsNoNumberOrDoesNotFit) {
-    EXPECT_EQ(WholeNumberOf(L""), 0);
-    EXPECT_EQ(WholeNumberOf(L" "), 0);
-    EXPECT_EQ(WholeNumberOf(L"abc"), 0);
-    EXPECT_EQ(WholeNumberOf(L"120x"), 0);
-    EXPECT_EQ(WholeNumberOf(L"1 20"), 0);
-    EXPECT_EQ(WholeNumberOf(L"32767"), 32767);
-    EXPECT_EQ(WholeNumberOf(L"32767.5"), 0);
-    EXPECT_EQ(WholeNumberOf(L"32768"), 0);
-    EXPECT_EQ(WholeNumberOf(L"-32768"), -32768);
-    EXPECT_EQ(WholeNumberOf(L"-32769"), 0);
-    EXPECT_EQ(WholeNumberOf(std::wstring(5000, L'9')), 0);
-}
-
-TEST(TempoText, APositiveNumberHasABlankInFront) {
-    EXPECT_EQ(NumberToText(120), L" 120");
-    EXPECT_EQ(NumberToText(0), L" 0");
-    EXPECT_EQ(NumberToText(-5), L"-5");
-    EXPECT_EQ(NumberToText(-32768), L"-32768");
-    EXPECT_EQ(NumberToText(32767), L" 32767");
-}
-
-TEST(TempoText, EveryListedTempoReadsBack) {
-    for (const TempoRow& row : kTempoRows) {
-        EXPECT_EQ(WholeNumberOf(NumberToText(row.tempo)), row.tempo);
-        EXPECT_EQ(NumericValueOf(NumberToText(row.tempo)), row.tempo);
-    }
 }
 
 TEST(TimingTables, LengthCostOfEveryBandOfHundredths) {

@@ -6,6 +6,7 @@
 #include "link/settings_commands.h"
 #include "platform/settings.h"
 #include "score/int16.h"
+#include "score/number_text.h"
 #include "view/note_names.h"
 #include "view/staff.h"
 #include "view/tempo_commands.h"

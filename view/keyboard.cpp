@@ -1,5 +1,8 @@
 #include "view/keyboard.h"
 
+#include "score/codes.h"
+
+#include <array>
 #include <cassert>
 #include <cmath>
 
@@ -7,15 +10,31 @@ namespace tonex {
 
 namespace {
 
-constexpr std::int16_t kWhiteSemitones[7] = {0, 2, 4, 5, 7, 9, 11};
-constexpr std::int16_t kBlackSemitones[5] = {1, 3, 6, 8, 10};
-
-// The key within its octave for each semitone above c.
-constexpr PianoKey kKeyOfSemitone[12] = {
-    {KeyKind::White, 0}, {KeyKind::Black, 0}, {KeyKind::White, 1}, {KeyKind::Black, 1},
-    {KeyKind::White, 2}, {KeyKind::White, 3}, {KeyKind::Black, 2}, {KeyKind::White, 4},
-    {KeyKind::Black, 3}, {KeyKind::White, 5}, {KeyKind::Black, 4}, {KeyKind::White, 6},
+/// The keys of the lowest octave; the others are the same higher up.
+struct OctaveKeys {
+    std::array<std::int16_t, kWhitesAnOctave> white{}; ///< pitches
+    std::array<std::int16_t, kBlacksAnOctave> black{};
+    std::array<PianoKey, kOctave> keys{}; ///< by half tones above the lowest key
 };
+
+constexpr OctaveKeys kLowestOctave = [] {
+    OctaveKeys octave;
+    std::int16_t whites = 0;
+    std::int16_t blacks = 0;
+    for (int above = 0; above < kOctave; ++above) {
+        const auto pitch = static_cast<std::int16_t>(kLowestKeyPitch + above);
+        const bool black = SemitoneOf(pitch)->sharp;
+        At(octave.keys, above) = black ? PianoKey{KeyKind::Black, blacks} : PianoKey{KeyKind::White, whites};
+        (black ? At(octave.black, blacks++) : At(octave.white, whites++)) = pitch;
+    }
+    return octave;
+}();
+
+/// Pitch of the key `index` of a kind, whose keys in the lowest octave are given.
+template <class Pitches> std::int16_t PitchOf(const Pitches& lowest, int index) {
+    const int keys = static_cast<int>(lowest.size());
+    return static_cast<std::int16_t>(At(lowest, index % keys) + kOctave * (index / keys));
+}
 
 // `pixels` of the ordinary screen, of 15 twips each.
 int KeyWidth(int pixels, float twips_per_pixel) {
@@ -27,12 +46,12 @@ int KeyWidth(int pixels, float twips_per_pixel) {
 
 std::int16_t WhiteKeyPitch(int index) {
     assert(index >= 0 && index < kWhiteKeys);
-    return static_cast<std::int16_t>(12 * (index / 7) + kWhiteSemitones[index % 7] + kLowestKeyPitch);
+    return PitchOf(kLowestOctave.white, index);
 }
 
 std::int16_t BlackKeyPitch(int index) {
     assert(index >= 0 && index < kBlackKeys);
-    return static_cast<std::int16_t>(12 * (index / 5) + kBlackSemitones[index % 5] + kLowestKeyPitch);
+    return PitchOf(kLowestOctave.black, index);
 }
 
 int WhiteKeyWidth(float twips_per_pixel) {
@@ -46,10 +65,9 @@ int BlackKeyWidth(float twips_per_pixel) {
 std::optional<PianoKey> KeyOfPitch(std::uint16_t pitch) {
     if (pitch < kLowestKeyPitch || pitch > kHighestKeyPitch) return std::nullopt;
     const int above_lowest = pitch - kLowestKeyPitch;
-    const int octave = above_lowest / 12;
-    PianoKey key = kKeyOfSemitone[above_lowest % 12];
-    const int keys_an_octave = key.kind == KeyKind::White ? 7 : 5;
-    key.index = static_cast<std::int16_t>(key.index + octave * keys_an_octave);
+    PianoKey key = At(kLowestOctave.keys, above_lowest % kOctave);
+    const int keys_an_octave = key.kind == KeyKind::White ? kWhitesAnOctave : kBlacksAnOctave;
+    key.index = static_cast<std::int16_t>(key.index + above_lowest / kOctave * keys_an_octave);
     return key;
 }
 

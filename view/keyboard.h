@@ -9,14 +9,16 @@ namespace tonex {
 inline constexpr int kWhiteKeys = 29;
 inline constexpr int kBlackKeys = 20;
 inline constexpr int kPianoKeys = kWhiteKeys + kBlackKeys;
+inline constexpr int kWhitesAnOctave = 7;
+inline constexpr int kBlacksAnOctave = 5;
 inline constexpr std::int16_t kLowestKeyPitch = 27;  ///< c4, white key 0
 inline constexpr std::int16_t kHighestKeyPitch = 75; ///< c8, white key 28
 
 enum class KeyKind : std::uint8_t { White, Black };
 
 struct PianoKey {
-    KeyKind kind;
-    std::int16_t index; ///< 0 to 28 white, 0 to 19 black
+    KeyKind kind = KeyKind::White;
+    std::int16_t index = 0; ///< 0 to 28 white, 0 to 19 black
     bool operator==(const PianoKey&) const = default;
 };
 

@@ -10,21 +10,12 @@
 
 namespace tonex {
 
-/// One row of the note-name table, indexed by the semitone (pitch - 1) mod 12.
-struct NoteName {
-    std::wstring_view letter;
-    std::wstring_view doremi;
-    bool sharp;
-    int octave_shift; ///< added to trunc((pitch - 1) / 12) + 2
-};
-
-extern const NoteName kNoteNames[12];
-
 /// The grid's text of a slot: "c4", "c4 #", "ド #"; " - " for pitch 65535; empty for a pitch whose remainder
 /// (pitch - 1) mod 12 is negative.
 CellText NoteNameOf(std::uint16_t pitch, bool doremi);
 
-/// The caption of a piano key: "c4#" with no blank, or "ド#". `octave` is printed in letter mode only.
+/// The caption of a piano key: "c4#" with no blank, or "ド#". `semitone_from_c` is 0 or more; `octave` is
+/// printed in letter mode only.
 CellText KeyCaptionOf(int semitone_from_c, int octave, bool doremi);
 
 /// "Quarter note", "Dotted eighth rest", "Double-dotted half note", "Triplet sixteenth note": for tooltips

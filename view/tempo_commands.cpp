@@ -1,6 +1,7 @@
 #include "view/tempo_commands.h"
 
 #include "app/sndmain.h"
+#include "score/number_text.h"
 
 namespace tonex {
 

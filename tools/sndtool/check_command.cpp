@@ -16,10 +16,6 @@ struct Fault {
     std::string reason; ///< empty when there is none
 };
 
-bool IsKnownCode(std::uint16_t code) {
-    return code < 20 || (code >= 100 && code < 120) || code == 200;
-}
-
 std::string Number(long long value) {
     return std::to_string(value);
 }
@@ -31,8 +27,8 @@ Fault EntryFault(const SndInput& snd) {
             return {CodeOffsetOf(snd, i) - 1,
                     Number(count) + " entries, a melody has at most " + Number(kMaxEntries)};
         }
-        const std::uint16_t code = snd.list[static_cast<std::size_t>(i)].code;
-        if (!IsKnownCode(code)) {
+        const std::uint16_t code = At(snd.list, i).code;
+        if (KindOfFileCode(code) == EntryKind::Foreign) {
             return {CodeOffsetOf(snd, i), "entry " + Number(i + 1) + " has the unknown code " + Number(code)};
         }
     }
@@ -48,12 +44,11 @@ Fault EntryFault(const SndInput& snd) {
 Fault PlayFault(const TimingTables& tables, const SndInput& snd) {
     const int index = TempoIndexOf(tables, snd.tempo);
     if (index < 0) return {snd.edit_offset + 2, "tempo " + Number(snd.tempo) + " is not in the tempo list"};
-    const auto t = static_cast<std::size_t>(index);
     TimingTables stated = tables;
     for (int mode = 0; mode < kTimingModes; ++mode) {
-        if (mode != snd.mode) stated.mode_tempo_bytes[static_cast<std::size_t>(mode)][t] = 0;
+        if (mode != snd.mode) At(At(stated.mode_tempo_bytes, mode), index) = 0;
     }
-    if (stated.mode_tempo_bytes[static_cast<std::size_t>(snd.mode)][t] == 0) {
+    if (At(At(stated.mode_tempo_bytes, snd.mode), index) == 0) {
         return {snd.edit_offset,
                 "timing mode " + Number(snd.mode) + " can not express tempo " + Number(snd.tempo)};
     }

@@ -1,8 +1,8 @@
 #include "tools/sndtool/sndtool.h"
 
-#include "preview/synthesis.h"
 #include "preview/timing_tables.h"
 #include "score/melody_text.h"
+#include "score/snd_file.h"
 #include "tools/sndtool/console.h"
 #include "tools/sndtool/inputs.h"
 
@@ -24,29 +24,28 @@ struct Facts {
     double seconds = 0.0;
 };
 
+void CountNote(Facts& facts, int pitch) {
+    if (facts.notes++ == 0 || pitch < facts.lowest) facts.lowest = pitch;
+    if (pitch > facts.highest) facts.highest = pitch;
+}
+
 Facts FactsOf(const SndInput& snd) {
     Facts facts;
     facts.entries = CountEntries(snd.list);
     for (int i = 0; i < facts.entries; ++i) {
-        const FileEntry& entry = snd.list[static_cast<std::size_t>(i)];
-        if (entry.code == 200) {
-            ++facts.separators;
-        } else if (entry.code >= 100 && entry.code < 120) {
-            ++facts.rests;
-        } else if (entry.code >= 20) {
-            ++facts.unknown;
-        } else {
-            const int pitch = entry.pitch + 1;
-            if (facts.notes++ == 0 || pitch < facts.lowest) facts.lowest = pitch;
-            if (pitch > facts.highest) facts.highest = pitch;
+        const FileEntry& entry = At(snd.list, i);
+        switch (KindOfFileCode(entry.code)) {
+        case EntryKind::Separator: ++facts.separators; break;
+        case EntryKind::Rest: ++facts.rests; break;
+        case EntryKind::Foreign: ++facts.unknown; break;
+        case EntryKind::Note: CountNote(facts, entry.pitch + 1); break;
         }
     }
     PlayBlock block;
     if (!ReadPlayBlock(snd.bytes, block)) return facts;
     int units = 0;
     for (std::size_t i = 0; i + 1 < block.records.size(); i += 2) {
-        const int low = block.records[i + 1] & 15;
-        units += low == 0 ? 16 : low;
+        units += UnitsOfRecord(block.records[i + 1]);
     }
     facts.seconds = units * static_cast<int>(block.tempo_byte) / 64.0; // a unit lasts tempo byte / 64 seconds
     return facts;

@@ -1,7 +1,6 @@
 #include "tools/sndtool/inputs.h"
 
 #include "platform/files.h"
-#include "preview/synthesis.h"
 #include "score/snd_file.h"
 #include "tools/sndtool/console.h"
 

@@ -14,7 +14,7 @@ int TextCommand(const std::string& file) {
     const auto text = FormatMelodyText({snd.tempo, snd.list}, entry);
     if (!text) {
         const std::string number = "entry " + std::to_string(entry + 1);
-        const std::uint16_t code = snd.list[static_cast<std::size_t>(entry)].code;
+        const std::uint16_t code = At(snd.list, entry).code;
         ComplainOffset(file, CodeOffsetOf(snd, entry),
                        entry >= kMaxEntries ? number + ": a melody has at most " + std::to_string(kMaxEntries)
                                             : number + " has the unknown code " + std::to_string(code));

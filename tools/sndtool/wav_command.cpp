@@ -53,17 +53,6 @@ SynthesisResult Synthesise(const WaveTable& table, const PlayBlock& block, const
     return SynthesisResult::Done;
 }
 
-/// The size of the samples in bytes; nothing when the header's 32 bits could not tell it.
-bool DataSizeOf(const PlayBlock& block, std::uint32_t& size) {
-    std::uint64_t sum = 0;
-    for (std::size_t i = 0; i + 1 < block.records.size(); i += 2) {
-        sum += NoteSampleCount(block.records[i + 1], block.tempo_byte);
-    }
-    if (sum > UINT32_MAX - kWavHeaderSize) return false;
-    size = static_cast<std::uint32_t>(sum);
-    return true;
-}
-
 /// Tells why a play block is none. True when it is one.
 bool FindPlayBlock(const std::string& input, const std::vector<std::uint8_t>& bytes, PlayBlock& block) {
     if (ReadPlayBlock(bytes, block)) return true;
@@ -141,14 +130,14 @@ bool ConvertOne(const WaveTable& table, const Job& job, Progress& progress) {
     if (!ReadInput(job.input, bytes)) return false;
     PlayBlock block;
     if (!FindPlayBlock(job.input, bytes, block)) return false;
-    std::uint32_t data_size = 0;
-    if (!DataSizeOf(block, data_size)) {
+    const std::optional<std::uint32_t> data_size = DataSizeOf(block);
+    if (!data_size) {
         Complain(job.input, "is too long for a WAV file");
         return false;
     }
     if (!CanBePlayed(table, job.input, block)) return false;
-    if (job.stream) return ConvertToStream(table, job, block, data_size, progress);
-    if (job.input == kStandardStream) return ConvertInMemory(table, job, block, data_size, progress);
+    if (job.stream) return ConvertToStream(table, job, block, *data_size, progress);
+    if (job.input == kStandardStream) return ConvertInMemory(table, job, block, *data_size, progress);
     return ConvertFile(table, job, progress);
 }
 
