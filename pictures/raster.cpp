@@ -1,5 +1,7 @@
 #include "pictures/raster.h"
 
+#include "score/rows.h"
+
 #include <algorithm>
 #include <cassert>
 #include <cmath>
@@ -78,8 +80,7 @@ void AddEdge(Raster& raster, Point a, Point b, float sign) {
     for (int line = first; line < last; ++line) {
         const float top = std::max(y0, static_cast<float>(line)),
                     end = std::min(y1, static_cast<float>(line + 1));
-        float* row =
-            &raster.area[static_cast<std::size_t>(line) * static_cast<std::size_t>(raster.width + 2)];
+        float* row = &At(raster.area, line * (raster.width + 2));
         AddClippedRowPiece(row, raster.width, a.x + (top - a.y) * slope, a.x + (end - a.y) * slope,
                            direction * (end - top));
     }
@@ -186,9 +187,8 @@ CoverageMask FinishMask(const Raster& raster) {
     mask.height = raster.height;
     mask.alpha.resize(static_cast<std::size_t>(raster.width) * static_cast<std::size_t>(raster.height));
     for (int y = 0; y < raster.height; ++y) {
-        const float* row =
-            &raster.area[static_cast<std::size_t>(y) * static_cast<std::size_t>(raster.width + 2)];
-        std::uint8_t* out = &mask.alpha[static_cast<std::size_t>(y) * static_cast<std::size_t>(raster.width)];
+        const float* row = &At(raster.area, y * (raster.width + 2));
+        std::uint8_t* out = &At(mask.alpha, y * raster.width);
         float sum = 0;
         for (int x = 0; x < raster.width; ++x) {
             sum += row[x];
