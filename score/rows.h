@@ -4,19 +4,28 @@
 
 #include <cassert>
 #include <cstddef>
+#include <cstdlib>
 #include <iterator>
 #include <span>
 #include <type_traits>
 
 namespace tonex {
 
-/// The place `index` of a row of `size` items, as the row wants it. Asserts that there is such a place.
-constexpr std::size_t PlaceIn(std::size_t size, int index) {
-    assert(index >= 0 && static_cast<std::size_t>(index) < size);
-    return static_cast<std::size_t>(index);
+/// Where every index beyond a row ends: out of line and once, so that a checked read costs no more than its
+/// comparison.
+[[noreturn, gnu::noinline, gnu::cold]] inline void StopBeyondRow() {
+    assert(!"an index beyond its row");
+    std::abort();
 }
 
-/// Item `index` of an array, vector or text, counted from 0. Asserts that there is one.
+/// The place `index` of a row of `size` items, as the row wants it. Stops the program when there is no such place.
+constexpr std::size_t PlaceIn(std::size_t size, int index) {
+    const auto place = static_cast<std::size_t>(index);
+    if (place >= size) StopBeyondRow(); // a negative index is a very large place
+    return place;
+}
+
+/// Item `index` of an array, vector or text, counted from 0. Stops the program when there is none.
 template <class Row> constexpr auto& At(Row& row, int index) {
     return row[PlaceIn(std::size(row), index)];
 }
