@@ -2,14 +2,11 @@
 
 #include "app/sndmain.h"
 #include "platform/sound_devices.h"
+#include "view/edit_commands.h"
 
 namespace tonex {
 
 namespace {
-
-// Insert is refused one entry earlier than the score is full; kept as it is.
-constexpr int kInsertRefusedFrom = 509;
-constexpr int kPasteAllowedTo = 509;
 
 // A menu item and the toolbar button that stands for it, together.
 void Enable(sndmain& window, MenuItem item, bool enabled) {
@@ -25,12 +22,12 @@ void Enable(sndmain& window, MenuItem item, bool enabled) {
 void RefreshEnabling(sndmain& window) {
     const int end_count = window.score.end_count;
     const bool holds_entries = end_count != 1;
-    Enable(window, MenuItem::mnuInsert, holds_entries && end_count < kInsertRefusedFrom);
+    Enable(window, MenuItem::mnuInsert, holds_entries && end_count < kInsertLimit);
     Enable(window, MenuItem::mnuCut, holds_entries);
     Enable(window, MenuItem::mnuCopy, holds_entries);
     Enable(window, MenuItem::mnuDelete, holds_entries);
     Enable(window, MenuItem::mnuPreview, holds_entries && CountWaveOutputs() >= 1);
-    Enable(window, MenuItem::mnuPaste, window.clipboard.filled && end_count <= kPasteAllowedTo);
+    Enable(window, MenuItem::mnuPaste, window.clipboard.filled && end_count < kMaxEndCount);
 }
 
 } // namespace tonex

@@ -15,7 +15,8 @@ inline constexpr int kMargin = 180;
 inline constexpr int kToolbarHeight = 540;
 inline constexpr int kClefWidth = 720; ///< staff in front of the first picture
 inline constexpr int kStripRight = kClefWidth + kStripPictures * kColumnWidth; ///< in the staff panel
-inline constexpr int kStaffPanelWidth = kStripRight + 60;
+inline constexpr int kStaffEnd = 60; ///< of the staff panel right of the last column
+inline constexpr int kStaffPanelWidth = kStripRight + kStaffEnd;
 inline constexpr int kMinClientWidth = kStaffPanelWidth + 2 * kMargin;
 inline constexpr int kMinClientHeight = 7650;
 

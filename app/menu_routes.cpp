@@ -6,10 +6,10 @@
 #include "platform/main_window.h"
 #include "preview/preview_commands.h"
 #include "score/document_commands.h"
+#include "score/rows.h"
 #include "view/drawing_commands.h"
 #include "view/edit_commands.h"
 
-#include <algorithm>
 #include <array>
 
 namespace tonex {
@@ -56,7 +56,7 @@ constexpr Route kRoutes[] = {
 constexpr std::array<Command, kMenuItems> kCommands = [] {
     std::array<Command, kMenuItems> commands{};
     for (const Route& route : kRoutes)
-        commands[static_cast<std::size_t>(route.item)] = route.command;
+        At(commands, route.item) = route.command;
     return commands;
 }();
 
@@ -70,7 +70,7 @@ void Run(sndmain& window, MenuItem item) {
 } // namespace
 
 Command CommandOf(MenuItem item) {
-    return kCommands[static_cast<std::size_t>(item)];
+    return At(kCommands, item);
 }
 
 void RunMenuItem(sndmain& window, MenuItem item) {
@@ -80,11 +80,11 @@ void RunMenuItem(sndmain& window, MenuItem item) {
 
 void RunToolButton(sndmain& window, std::wstring_view key) {
     const auto rows = ToolButtonRows();
-    const auto row = std::find_if(rows.begin(), rows.end(),
-                                  [&](const ToolButtonRow& button) { return button.key == key; });
-    if (row == rows.end()) return;
-    if (!window.toolbar_enabled[static_cast<std::size_t>(row - rows.begin())]) return;
-    Run(window, row->item);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].key != key) continue;
+        if (window.toolbar_enabled[i]) Run(window, rows[i].item);
+        return;
+    }
 }
 
 void OpenMenu(sndmain& window, Menu menu) {

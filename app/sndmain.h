@@ -36,7 +36,6 @@ struct Rect {
 /// A horizontal staff line.
 struct Line {
     int X1 = 0, X2 = 0, Y = 0;
-    bool operator==(const Line&) const = default;
 };
 
 /// A note picture of the strip. Left and Top are relative to the staff panel.
@@ -52,7 +51,6 @@ struct LengthButton {
     Rect place;
     std::int16_t Picture = 0; ///< 1 to 40 normal, 41 to 80 chosen (code + 40)
     std::int16_t TabIndex = 0;
-    bool operator==(const LengthButton&) const = default;
 };
 
 /// The picture of the current length.
@@ -71,7 +69,6 @@ struct PianoKeyControl {
 struct KeyLabel {
     Rect place;
     CellText Caption;
-    bool operator==(const KeyLabel&) const = default;
 };
 
 /// Cursor, selection and scrolling of the grid: what Undo brings back with the score.

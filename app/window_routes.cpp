@@ -16,7 +16,6 @@
 #include "view/drawing_commands.h"
 #include "view/tempo_commands.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace tonex {
@@ -26,8 +25,7 @@ namespace {
 /// The record's own measures: the screen, and a client area in which everything has its place.
 void LayOut(sndmain& window) {
     window.screen = MeasureScreen();
-    LayoutWindow(window, std::max(window.ClientWidth, kMinClientWidth),
-                 std::max(window.ClientHeight, kMinClientHeight));
+    LayoutWindow(window, window.ClientWidth, window.ClientHeight);
 }
 
 void SetUpTitleAndHelp(sndmain& window) {

@@ -139,11 +139,10 @@ TEST(ScrollStrip, ShowsWhatDrawingAnewShows) {
         const auto scrolled = window->imgNote;
         DrawStrip(*window, first);
         for (int i = 0; i < kStripPictures; ++i) {
-            EXPECT_EQ(scrolled[static_cast<std::size_t>(i)].Visible, ImageOf(*window, i).Visible);
-            EXPECT_EQ(scrolled[static_cast<std::size_t>(i)].place.Left, ImageOf(*window, i).place.Left);
+            EXPECT_EQ(At(scrolled, i).Visible, ImageOf(*window, i).Visible);
+            EXPECT_EQ(At(scrolled, i).place.Left, ImageOf(*window, i).place.Left);
             if (!ImageOf(*window, i).Visible) continue;
-            EXPECT_EQ(scrolled[static_cast<std::size_t>(i)], ImageOf(*window, i))
-                << first << ", picture " << i;
+            EXPECT_EQ(At(scrolled, i), ImageOf(*window, i)) << first << ", picture " << i;
         }
     }
 }
@@ -294,10 +293,7 @@ TEST(PressedKey, EveryNameFindsTheKeyWithThatCaption) {
     for (std::uint16_t pitch = 27; pitch <= 75; ++pitch) {
         FillScore(*window, {MakeNote(*window, 11, pitch)});
         ASSERT_TRUE(window->highlighted_key.has_value());
-        const auto index = static_cast<std::size_t>(window->highlighted_key->index);
-        std::wstring caption = window->highlighted_key->kind == KeyKind::White
-                                   ? CaptionOf(window->lblWNote[index])
-                                   : CaptionOf(window->lblBNote[index]);
+        std::wstring caption = CaptionOf(LabelOf(*window, *window->highlighted_key));
         if (caption.back() == L'#') caption.insert(caption.size() - 1, L" ");
         EXPECT_EQ(caption, TextOf(*window, 0));
     }

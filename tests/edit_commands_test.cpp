@@ -25,8 +25,7 @@ void ExpectWhole(const sndmain& window) {
         EXPECT_EQ(SlotOf(window, i), Entry()) << i;
     EXPECT_EQ(window.grdScore.Cols, std::min<int>(score.end_count, 509));
     for (int i = 0; i < window.grdScore.Cols; ++i) {
-        EXPECT_EQ(window.grdScore.Text[static_cast<std::size_t>(i)],
-                  NoteNameOf(SlotOf(window, i).pitch, window.doremi));
+        EXPECT_EQ(At(window.grdScore.Text, i), NoteNameOf(SlotOf(window, i).pitch, window.doremi));
     }
     EXPECT_GE(score.strip_cursor, 0);
     EXPECT_LT(score.strip_cursor, 30);
@@ -45,7 +44,7 @@ TEST(Copy, TakesTheSelectedEntriesWhole) {
     mnuCopy_Click(*window);
     ASSERT_EQ(window->clipboard.columns.size(), 4u);
     for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(window->clipboard.columns[static_cast<std::size_t>(i)], SlotOf(*window, 4 + i));
+        EXPECT_EQ(At(window->clipboard.columns, i), SlotOf(*window, 4 + i));
     }
     EXPECT_TRUE(window->clipboard.filled);
     EXPECT_TRUE(window->item(MenuItem::mnuPaste).Enabled);
@@ -216,7 +215,7 @@ TEST(Delete, SpecialCaseAt508WhateverTheSelection) {
         mnuDelete_Click(*window);
         EXPECT_EQ(window->score.end_count, 510 - (hi - lo + 1));
         for (int i = hi + 1; i < 509; ++i) {
-            EXPECT_EQ(SlotOf(*window, lo + i - hi - 1), before[static_cast<std::size_t>(i)]);
+            EXPECT_EQ(SlotOf(*window, lo + i - hi - 1), At(before, i));
         }
         ExpectWhole(*window);
     }

@@ -172,7 +172,7 @@ TEST(Layout, BlackKeysStartAFixed140TwipsInAndSkipTheGaps) {
         const int left = window->kenWhite[0].place.Left;
         const int whites_before[5] = {0, 1, 3, 4, 5};
         for (int i = 0; i < 20; ++i) {
-            EXPECT_EQ(window->kenBlack[static_cast<std::size_t>(i)].place.Left,
+            EXPECT_EQ(At(window->kenBlack, i).place.Left,
                       left + 140 + (i / 5 * 7 + whites_before[i % 5]) * w);
         }
     }
@@ -222,10 +222,7 @@ TEST(Layout, TheTabKeyGoesFromTopToBottomAndAlongTheKeyboard) {
     std::int16_t expected = 42;
     for (int pitch = 27; pitch <= 75; ++pitch) {
         const PianoKey key = KeyOfPitch(static_cast<std::uint16_t>(pitch)).value();
-        const auto index = static_cast<std::size_t>(key.index);
-        const auto tab =
-            key.kind == KeyKind::White ? window->kenWhite[index].TabIndex : window->kenBlack[index].TabIndex;
-        EXPECT_EQ(tab, expected++) << "pitch " << pitch;
+        EXPECT_EQ(ControlOf(*window, key).TabIndex, expected++) << "pitch " << pitch;
     }
 }
 

@@ -452,8 +452,8 @@ const char* CheckGrid(const sndmain& window, const Model& model) {
     if (grid.view.LeftCol < 0 || grid.view.LeftCol > std::max(0, model.Cols() - 30))
         return "the first visible column";
     for (int column = 0; column < grid.Cols; ++column) {
-        const auto at = static_cast<std::size_t>(column);
-        if (grid.Text[at] != ExpectedText(window.score.sound[at].pitch, model.doremi)) return "a cell's text";
+        const std::uint16_t pitch = At(window.score.sound, column).pitch;
+        if (At(grid.Text, column) != ExpectedText(pitch, model.doremi)) return "a cell's text";
     }
     return nullptr;
 }
@@ -476,15 +476,14 @@ const char* CheckView(const sndmain& window, const Model& model) {
 
 const char* CheckStrip(const sndmain& window, const Model& model) {
     for (int i = 0; i < 30; ++i) {
-        const NoteImage& image = window.imgNote[static_cast<std::size_t>(i)];
+        const NoteImage& image = At(window.imgNote, i);
         const int slot = window.score.first_shown + i;
-        const int picture =
-            slot < model.Size() ? ModelPicture(model.entries[static_cast<std::size_t>(slot)]) : 0;
+        const int picture = slot < model.Size() ? ModelPicture(At(model.entries, slot)) : 0;
         if (image.Visible != (picture != 0)) return "a picture's visibility";
         if (image.place.Left != 735 + i * 390 + model.offset || image.place.Width != 300)
             return "a picture's place";
         if (picture == 0) continue;
-        const Entry& entry = model.entries[static_cast<std::size_t>(slot)];
+        const Entry& entry = At(model.entries, slot);
         const bool bar = picture == 58;
         const int top = bar ? 1170 : static_cast<std::int16_t>(entry.position);
         if (image.Picture != picture) return "a picture";
@@ -499,12 +498,12 @@ const char* CheckStrip(const sndmain& window, const Model& model) {
 const char* CheckPressed(const sndmain& window, const Model& model) {
     int button = 0, pitch = 0;
     if (model.col == model.far && model.col < model.Size()) {
-        const Entry& entry = model.entries[static_cast<std::size_t>(model.col)];
+        const Entry& entry = At(model.entries, model.col);
         if (entry.code >= 1 && entry.code <= 40) button = entry.code;
         if (entry.code >= 1 && entry.code <= 20) pitch = entry.pitch;
     }
     for (int i = 1; i <= 40; ++i) {
-        const int picture = window.cbtNote[static_cast<std::size_t>(i - 1)].Picture;
+        const int picture = At(window.cbtNote, i - 1).Picture;
         if (picture != (i == button ? i + 40 : i)) return "a length button's picture";
     }
     const bool black[12] = {false, true, false, true, false, false, true, false, true, false, true, false};

@@ -1,5 +1,7 @@
 #include "tests/random_editor_model.h"
 
+#include "score/rows.h"
+
 #include <algorithm>
 
 namespace tonex::testing {
@@ -58,7 +60,7 @@ void Model::Enter(int code, int pitch) {
         entries.push_back(entry);
         if (Size() < 509) ++col;
     } else {
-        Entry& old = entries[static_cast<std::size_t>(col)];
+        Entry& old = At(entries, col);
         if (Note(old) && entry.pitch != 65535) entry.code = old.code;
         old = entry;
         if (col < 508 || Size() < 509) ++col;
@@ -80,12 +82,12 @@ void Model::LengthButton(int index) {
         return;
     }
     changed = true;
-    if (col == Size() || !Note(entries[static_cast<std::size_t>(col)])) {
+    if (col == Size() || !Note(At(entries, col))) {
         length = index;
         return;
     }
     Save();
-    entries[static_cast<std::size_t>(col)].code = Cell(index);
+    At(entries, col).code = Cell(index);
     if (col != 508) ++col;
     far = col;
     in_view = col;
@@ -93,7 +95,7 @@ void Model::LengthButton(int index) {
 
 void Model::Character(wchar_t character) {
     if (col == Size()) return;
-    const Entry entry = entries[static_cast<std::size_t>(col)];
+    const Entry entry = At(entries, col);
     if (Signed(entry.code) <= 0) return;
     Save();
     if (col != far || !Note(entry)) return;

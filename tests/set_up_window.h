@@ -51,7 +51,7 @@ inline Entry MakeRest(const sndmain& window, std::uint16_t code) {
 inline void FillScore(sndmain& window, int count) {
     ClearAll(window);
     for (int i = 0; i < count; ++i) {
-        window.score.sound[static_cast<std::size_t>(i)] =
+        At(window.score.sound, i) =
             MakeNote(window, static_cast<std::uint16_t>(1 + i % 20), static_cast<std::uint16_t>(27 + i % 49));
     }
     window.score.end_count = static_cast<std::int16_t>(count + 1);
@@ -81,13 +81,13 @@ inline void MoveCursor(sndmain& window, int column) {
 }
 
 inline const Entry& SlotOf(const sndmain& window, int slot) {
-    return window.score.sound[static_cast<std::size_t>(slot)];
+    return At(window.score.sound, slot);
 }
 inline std::wstring TextOf(const sndmain& window, int column) {
-    return std::wstring(window.grdScore.Text[static_cast<std::size_t>(column)].View());
+    return std::wstring(At(window.grdScore.Text, column).View());
 }
 inline const NoteImage& ImageOf(const sndmain& window, int image) {
-    return window.imgNote[static_cast<std::size_t>(image)];
+    return At(window.imgNote, image);
 }
 
 } // namespace tonex::testing

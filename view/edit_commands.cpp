@@ -12,10 +12,6 @@ namespace tonex {
 
 namespace {
 
-// Insert stops one entry short of what the score can hold, Paste does not; both kept as they are.
-constexpr int kInsertLimit = 509;
-constexpr int kPasteLimit = 510;
-
 // The selection without the end column; nothing when it holds no entry.
 std::optional<ColumnRange> SelectedEntries(const sndmain& window) {
     ColumnRange range = SelectedColumns(window.grdScore.view);
@@ -180,7 +176,7 @@ void mnuPaste_Click(sndmain& window) {
     const auto& columns = window.clipboard.columns;
     const int position = SelectedColumns(window.grdScore.view).lo;
     int count = static_cast<int>(columns.size());
-    if (score.end_count + count > kPasteLimit) count = kPasteLimit - score.end_count;
+    if (score.end_count + count > kMaxEndCount) count = kMaxEndCount - score.end_count;
     if (count <= 0) return;
 
     MoveRight(window, position, count);

@@ -2,9 +2,15 @@
 // message: one that can not act does nothing.
 #pragma once
 
+#include "score/score.h"
+
 namespace tonex {
 
 struct sndmain;
+
+/// The highest end count that Insert leads to. One entry short of what the score can hold and Paste fills;
+/// kept as it is.
+inline constexpr int kInsertLimit = kMaxEndCount - 1;
 
 /// Copies score, current length and view into the undo copy. Every edit command but Copy begins with it,
 /// before any condition is tested: one that then does nothing has replaced the undo copy all the same, kept
@@ -20,10 +26,9 @@ void mnuCopy_Click(sndmain& window);
 void mnuCut_Click(sndmain& window);
 /// Deletes the selected entries; later ones move left.
 void mnuDelete_Click(sndmain& window);
-/// Inserts as many blank entries as columns are selected in front of the selection, up to an end count of
-/// 509.
+/// Inserts as many blank entries as columns are selected in front of the selection, up to kInsertLimit.
 void mnuInsert_Click(sndmain& window);
-/// Inserts the clipboard in front of the selection, up to an end count of 510.
+/// Inserts the clipboard in front of the selection, up to a full score.
 void mnuPaste_Click(sndmain& window);
 
 /// Transpositions of every note of the score by 12 half tones or by one, whatever is selected. They know no

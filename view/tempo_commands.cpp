@@ -22,7 +22,6 @@ void FillTempoCombo(sndmain& window) {
         if (tempo == 0) break;
         box.List.push_back(NumberToText(tempo));
     }
-    if (box.List.empty()) return;
     SelectItem(window, window.tables.default_tempo_index);
     UpdateTempoLabel(window);
 }
@@ -55,7 +54,8 @@ void TempoComboChange(sndmain& window, const std::wstring& text) {
 }
 
 void TempoComboClick(sndmain& window, int list_index) {
-    if (list_index < 0 || static_cast<std::size_t>(list_index) >= window.TempoCombo.List.size()) return;
+    const auto items = static_cast<int>(window.TempoCombo.List.size());
+    if (list_index < 0 || list_index >= items) return;
     SelectItem(window, list_index);
     UpdateTempoLabel(window);
     // Choosing the tempo that is already chosen counts as a change too; kept as it is.
