@@ -118,7 +118,6 @@ struct ConvertWindow {
 struct Document {
     std::wstring current_path;          ///< full path; empty for an untitled score
     std::int16_t location_flag = kOnPc; ///< kOnPc = a PC file, any other value = a device file
-    bool upload_requested = false;      ///< the next save writes a temporary file and uploads it
     std::wstring device_path;           ///< device-side path of the last device file saved
     FileDialog ComOpen;
     FileDialog ComSave;

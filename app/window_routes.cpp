@@ -13,6 +13,7 @@
 #include "platform/window_list.h"
 #include "preview/timing_tables.h"
 #include "score/document_commands.h"
+#include "score/message_services.h"
 #include "view/drawing_commands.h"
 #include "view/tempo_commands.h"
 

@@ -6,15 +6,18 @@
 #include "link/paths.h"
 #include "link/settings_commands.h"
 #include "platform/files.h"
+#include "platform/message_box.h"
+#include "platform/temporary_files.h"
 #include "platform/text.h"
 #include "score/document_commands.h"
 #include "score/file_services.h"
+#include "score/message_services.h"
+#include "view/tempo_commands.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace tonex {
@@ -66,25 +69,48 @@ std::string ChooseOnDevice(DeviceDialog dialog, const std::string& start) {
     return buffer.Text();
 }
 
-/// Writes the score and hands it over to `device_path`. True when the device took it. The location is set
-/// first, because setting the title stores it; what a disk refused is then as it was.
-bool SaveAndHandOver(sndmain& window, const std::wstring& cache_path, const std::string& device_path) {
-    Document& document = window.document;
-    const std::int16_t location = std::exchange(document.location_flag, kOnDevice);
-    const std::wstring target = std::exchange(document.device_path, FromAnsi(device_path));
-    document.upload_requested = true;
-    const SndResult result = SaveDocument(window, cache_path, kSuffixVeloxa);
-    if (result == kSndWriteError) {
-        document.location_flag = location;
-        document.device_path = target;
+/// What became of a melody on its way to the device.
+struct Delivery {
+    SndResult result = kSndDone; ///< the encoding's own; kSndWriteError: no temporary file could be written
+    bool taken = false;          ///< the device has it
+};
+
+/// Hands a file to the device. False when the library refuses.
+bool UploadFile(const LinkLibrary& library, const std::wstring& device_path, const std::wstring& file) {
+    return library.Cor_PutFile(ToAnsi(device_path).c_str(), ToAnsi(file).c_str(), 0) == 0;
+}
+
+/// Writes an encoded melody to a temporary file and has the library upload it. A refusal is told to the user.
+Delivery Deliver(const LinkLibrary& library, const SndEncoding& melody, const std::wstring& device_path) {
+    if (!IsWritten(melody.result)) return {melody.result};
+    const std::wstring folder = TemporaryFolder();
+    const std::wstring temporary = folder.empty() ? folder : CreateTemporaryFile(folder, L"Snd");
+    if (temporary.empty()) return {kSndWriteError};
+    Delivery delivery = {SaveSndFile(melody, temporary)};
+    if (IsWritten(delivery.result)) {
+        delivery.taken = UploadFile(library, device_path, temporary);
+        if (!delivery.taken) ShowMessage(L"File translate error when upload to Veloxa!");
     }
+    DeleteFileIfExists(temporary);
+    return delivery;
+}
+
+/// Writes the score and hands it over to `device_path`. True when the device took it. What a disk refused is
+/// as it was.
+bool SaveAndHandOver(sndmain& window, const std::wstring& cache_path, const std::string& device_path) {
+    const SndEncoding melody = EncodeSnd(window.tables, TempoForWriting(window), BuildSaveList(window.score));
+    const std::wstring target = FromAnsi(device_path);
+    const Delivery delivery = Deliver(window.link_library, melody, target);
+    if (delivery.result != kSndWriteError) window.document.device_path = target;
+    EndSave(window, delivery.result, melody.entries_left_out, cache_path, kOnDevice);
     // A refused upload has left the melody nowhere but in the editor: the changed flag stays, so that New,
     // Open and Close ask again before it is gone.
-    const bool taken = (result == kSndDone || result == kSndFull) && !window.link.upload_refused;
-    if (taken) window.score.changed = false;
-    window.link.device_work = window.link.device_work || taken;
+    if (delivery.taken) {
+        window.score.changed = false;
+        window.link.device_work = true;
+    }
     RefreshEnabling(window);
-    return taken;
+    return delivery.taken;
 }
 
 bool CanSaveToDevice(const LinkLibrary& library) {
@@ -189,12 +215,6 @@ void Disconnection_Click(sndmain& window) {
 bool Disconnect(sndmain& window) {
     if (!window.link_library.Cor_DoDisconnect) return true;
     return window.link_library.Cor_DoDisconnect() == 0;
-}
-
-bool UploadFile(sndmain& window, const std::wstring& file_path) {
-    if (!window.link_library.Cor_PutFile) return false;
-    return window.link_library.Cor_PutFile(ToAnsi(window.document.device_path).c_str(),
-                                           ToAnsi(file_path).c_str(), 0) == 0;
 }
 
 bool ReopenLastFile(sndmain& window, const std::wstring& section) {

@@ -23,7 +23,5 @@ void Disconnection_Click(sndmain& window);
 bool ReopenLastFile(sndmain& window, const std::wstring& section);
 /// Calls the library's disconnect; true when the window may close.
 bool Disconnect(sndmain& window);
-/// Hands a file to the device at the document's device path. False when the library refuses.
-bool UploadFile(sndmain& window, const std::wstring& file_path);
 
 } // namespace tonex

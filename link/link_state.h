@@ -20,7 +20,6 @@ struct LinkState {
     std::wstring SystemIniPath; ///< held for the link operations
     std::wstring HelpFilePath;
     bool device_work = false;                ///< a document was saved to the device in this run
-    bool upload_refused = false;             ///< the device refused what the last save handed over
     std::vector<std::wstring> device_sounds; ///< device paths, listed only for the suite's viewer
 };
 

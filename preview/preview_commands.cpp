@@ -9,8 +9,8 @@
 #include "platform/temporary_files.h"
 #include "preview/synthesis.h"
 #include "preview/wav_file_services.h"
-#include "score/document_commands.h"
 #include "score/file_services.h"
+#include "score/message_services.h"
 #include "view/tempo_commands.h"
 
 #include <algorithm>
@@ -71,7 +71,6 @@ void BeginConversion(void* context, int note_count) {
     const int top = (window.screen.height - converting.Height) / 2;
     if (left > 0) converting.Left = left;
     if (top > 0) converting.Top = top;
-    converting.Min = 0;
     converting.Max = note_count;
     converting.Value = 0;
     converting.Loaded = true;
@@ -157,35 +156,21 @@ void PlayConverted(sndmain& window, const std::wstring& wav_path) {
     BringMainWindowToForeground();
 }
 
-// Writes the list to a SND file on the PC, wherever the document lives: a preview is never uploaded.
-SndResult WritePreviewFile(sndmain& window, const FileList& list, const std::wstring& path,
-                           std::int16_t& entries_written) {
-    const bool upload_requested = window.document.upload_requested;
-    window.document.upload_requested = false;
-    std::wstring written_path = path;
-    const SndResult result =
-        SoundDataToFile(window, TempoForWriting(window), list, written_path, entries_written);
-    window.document.upload_requested = upload_requested;
-    return result;
-}
-
 void PreviewList(sndmain& window, const FileList& list) {
     const std::optional<std::wstring> snd_path = ClaimTemporaryFile(L".snd");
     if (!snd_path) {
-        ShowMessage(L"Write error!");
+        TellWriteError();
         return;
     }
     std::int16_t entries_written = 0;
-    const SndResult result = WritePreviewFile(window, list, *snd_path, entries_written);
-    if (result != kSndDone && result != kSndFull) {
-        ShowMessage(L"Write error!");
+    const SndResult result =
+        SoundDataToFile(window.tables, TempoForWriting(window), list, *snd_path, entries_written);
+    if (!IsWritten(result)) {
+        TellWriteError();
         DeleteTemporaryFile(*snd_path);
         return;
     }
-    if (result == kSndFull) {
-        ShowMessage(L"Cannot input the last" + std::to_wstring(CountEntries(list) - entries_written) +
-                    L"music notes.");
-    }
+    if (result == kSndFull) TellHowManyDidNotFit(CountEntries(list) - entries_written);
     PlayWavPreview(window, *snd_path, true);
     DeleteTemporaryFile(*snd_path);
     FocusScoreGrid();
@@ -218,7 +203,6 @@ FileList BuildPreviewList(const Score& score, const ScoreGrid& grid) {
         if (count == kPreviewEntries) break;
         list[static_cast<std::size_t>(count++)] = ToFileEntry(entry);
     }
-    list[static_cast<std::size_t>(count)] = {kEmpty, 0};
     return list;
 }
 
@@ -237,11 +221,11 @@ void mnuPreview_Click(sndmain& window) {
 void PlayWavPreview(sndmain& window, const std::wstring& snd_path, bool show_progress) {
     const std::optional<std::wstring> wav_path = ClaimTemporaryFile(L".wav");
     if (!wav_path) {
-        ShowMessage(L"Write error!");
+        TellWriteError();
         return;
     }
     if (Convert(window, snd_path, *wav_path, show_progress) != 0) {
-        ShowMessage(L"Write error!");
+        TellWriteError();
     } else {
         PlayConverted(window, *wav_path);
     }

@@ -6,30 +6,19 @@
 #include "link/paths.h"
 #include "link/settings_commands.h"
 #include "platform/file_dialogs.h"
-#include "platform/files.h"
 #include "platform/message_box.h"
-#include "platform/temporary_files.h"
-#include "platform/text.h"
 #include "score/file_services.h"
+#include "score/message_services.h"
 #include "view/drawing_commands.h"
 #include "view/tempo_commands.h"
 
 #include <algorithm>
-#include <utility>
-#include <vector>
 
 namespace tonex {
 
 namespace {
 
 constexpr std::wstring_view kProgramTitle = L"Sound Editor";
-constexpr std::wstring_view kExtension = L".SND";
-constexpr std::size_t kNameBytes = 8;
-
-void TellHowManyDidNotFit(int entries) {
-    // The number stands between the words with nothing around it; kept as it is.
-    ShowMessage(L"Cannot input the last" + std::to_wstring(entries) + L"music notes.");
-}
 
 /// The open dialog with what it always shows; the folder and the name change.
 void PrepareOpenDialog(sndmain& window) {
@@ -61,21 +50,10 @@ std::wstring ChooseNameOnPc(sndmain& window) {
     return {};
 }
 
-/// Saves as a PC file. The location is set first, because setting the title stores it; a disk that refuses
-/// gets the old one back.
-SndResult SaveOnPc(sndmain& window, const std::wstring& path) {
-    const std::int16_t location = std::exchange(window.document.location_flag, kOnPc);
-    window.document.upload_requested = false;
-    const SndResult result = SaveDocument(window, path, kSuffixPc);
-    if (result == kSndWriteError) window.document.location_flag = location;
-    if (result == kSndDone || result == kSndFull) SweepAbandonedSaves(FolderOfPath(path));
-    return result;
-}
-
-/// As SaveOnPc, for the PC commands: any outcome but an unwritten disk clears the changed flag, a tempo that
-/// is not in the list too (kept as it is).
+/// As SaveDocument, for the PC commands: any outcome but an unwritten disk clears the changed flag, a tempo
+/// that is not in the list too (kept as it is).
 void SaveByCommand(sndmain& window, const std::wstring& path) {
-    if (SaveOnPc(window, path) == kSndWriteError) return;
+    if (SaveDocument(window, path) == kSndWriteError) return;
     window.score.changed = false;
 }
 
@@ -98,9 +76,9 @@ bool SaveBeforeGoingOn(sndmain& window) {
     } else if (document.location_flag != kOnPc) {
         return SaveToDevice(window);
     }
-    const SndResult result = SaveOnPc(window, path);
+    const SndResult result = SaveDocument(window, path);
     if (result == kSndDone) window.score.changed = false;
-    return result == kSndDone || result == kSndFull;
+    return IsWritten(result);
 }
 
 void ShowLoadedScore(sndmain& window) {
@@ -118,22 +96,6 @@ void StartUntitled(sndmain& window) {
     SetTitle(window, kSuffixUntitled);
 }
 
-/// Writes a temporary file and hands it to the device. False when no such file could be made; a device that
-/// refuses is told to the user and remembered in the record, and leaves the result as it is.
-bool WriteAndUpload(sndmain& window, const std::vector<std::uint8_t>& bytes, std::wstring& path) {
-    const std::wstring folder = TemporaryFolder();
-    if (folder.empty()) return false;
-    const std::wstring temporary = CreateTemporaryFile(folder, L"Snd");
-    if (temporary.empty()) return false;
-    const std::wstring device_file = std::exchange(path, temporary);
-    const bool written = SaveWholeFile(path, bytes);
-    window.link.upload_refused = written && !UploadFile(window, path);
-    if (window.link.upload_refused) ShowMessage(L"File translate error when upload to Veloxa!");
-    DeleteFileIfExists(path);
-    path = device_file;
-    return written;
-}
-
 } // namespace
 
 void SetTitle(sndmain& window, std::wstring_view suffix) {
@@ -141,21 +103,6 @@ void SetTitle(sndmain& window, std::wstring_view suffix) {
     window.Caption += suffix;
     window.Caption += FileNameOfPath(window.document.current_path);
     if (suffix != kSuffixUntitled) StoreLastDocument(window);
-}
-
-bool CheckSndExtension(const std::wstring& path) {
-    // A text shorter than four characters is compared whole by HasExtension and is never ".SND".
-    if (HasExtension(path, kExtension)) return true;
-    ShowMessage(L"This is not a sound file.");
-    return false;
-}
-
-bool CheckNameLength(const std::wstring& path) {
-    std::wstring name = FileNameOfPath(path);
-    if (UpperCase(name).ends_with(kExtension)) name.resize(name.size() - kExtension.size());
-    if (ToAnsi(name).size() <= kNameBytes) return true;
-    ShowMessage(L"File name cannot exceed 8 characters.  Change the file name.");
-    return false;
 }
 
 bool AskToSaveChanges(sndmain& window) {
@@ -170,13 +117,13 @@ bool AskToSaveChanges(sndmain& window) {
 }
 
 bool LoadDocument(sndmain& window, std::wstring_view suffix) {
-    ClearAll(window);
+    ClearAll(window); // the changed flag too; nothing below sets it
     std::int16_t tempo = 0;
     FileList list{};
     const bool failed = FileToSoundData(tempo, list, window.document.current_path) != kSndDone;
     int left_out = 0;
     if (failed) {
-        ShowMessage(L"Read error!");
+        TellReadError();
         StartUntitled(window);
     } else {
         left_out = FillFromFileList(window.score, list, window.StaffOffset);
@@ -186,46 +133,30 @@ bool LoadDocument(sndmain& window, std::wstring_view suffix) {
     }
     RefreshNoteDisplay(window);
     RefreshEnabling(window);
-    window.score.changed = false;
     if (left_out > 0) TellHowManyDidNotFit(left_out);
     return failed;
 }
 
-SndResult SaveDocument(sndmain& window, const std::wstring& path, std::wstring_view suffix) {
-    const FileList list = BuildSaveList(window.score);
-    std::wstring target = path;
-    std::int16_t entries_written = 0;
-    const std::int16_t tempo = TempoForWriting(window);
-    const SndResult result = SoundDataToFile(window, tempo, list, target, entries_written);
-    if (result == kSndWriteError) {
-        ShowMessage(L"Write error!");
-        return result;
+void EndSave(sndmain& window, SndResult result, int entries_left_out, const std::wstring& path,
+             std::int16_t location) {
+    switch (result) {
+    case kSndWriteError: return TellWriteError();
+    case kSndNotFound:
+    case kSndBadFormat: TellReadError(); break;
+    case kSndFull: TellHowManyDidNotFit(entries_left_out); break;
+    case kSndDone: break;
     }
-    if (result == kSndNotFound || result == kSndBadFormat) ShowMessage(L"Read error!");
-    if (result == kSndFull) TellHowManyDidNotFit(CountEntries(list) - entries_written);
-    window.document.current_path = target;
-    SetTitle(window, suffix);
+    window.document.current_path = path;
+    window.document.location_flag = location; // before the title, which stores it
+    SetTitle(window, location == kOnPc ? kSuffixPc : kSuffixVeloxa);
+}
+
+SndResult SaveDocument(sndmain& window, const std::wstring& path) {
+    const SndEncoding melody = EncodeSnd(window.tables, TempoForWriting(window), BuildSaveList(window.score));
+    const SndResult result = SaveSndFile(melody, path);
+    EndSave(window, result, melody.entries_left_out, path, kOnPc);
+    if (IsWritten(result)) SweepAbandonedSaves(FolderOfPath(path));
     return result;
-}
-
-SndResult SoundDataToFile(sndmain& window, std::int16_t tempo, const FileList& list, std::wstring& path,
-                          std::int16_t& entries_written) {
-    const SndEncoding encoding = EncodeSnd(window.tables, tempo, list);
-    entries_written = encoding.entries_written;
-    // The request holds for one save, whatever becomes of it: no later file may be uploaded by mistake.
-    const bool upload = std::exchange(window.document.upload_requested, false);
-    window.link.upload_refused = false;
-    if (encoding.result != kSndDone && encoding.result != kSndFull) return encoding.result;
-    const bool written =
-        upload ? WriteAndUpload(window, encoding.bytes, path) : SaveWholeFile(path, encoding.bytes);
-    return written ? encoding.result : kSndWriteError;
-}
-
-SndResult FileToSoundData(std::int16_t& tempo, FileList& list, const std::wstring& path) {
-    if (!FileExists(path)) return kSndNotFound;
-    std::vector<std::uint8_t> bytes;
-    if (!ReadWholeFile(path, bytes, 2 * kSndBlockSize)) return kSndNotFound;
-    return DecodeSnd(bytes, tempo, list);
 }
 
 void mnuNewFile_Click(sndmain& window) {

@@ -16,26 +16,19 @@ inline constexpr std::wstring_view kSuffixVeloxa = L" - Veloxa:";
 
 /// Writes the caption "Sound Editor" + suffix + file name; unless untitled, stores the last document.
 void SetTitle(sndmain& window, std::wstring_view suffix);
-/// True for a path ending in ".SND" in any letter case; otherwise tells the user and gives false.
-bool CheckSndExtension(const std::wstring& path);
-/// True when the file name without ".SND" has at most 8 bytes in the ANSI code page; otherwise tells the
-/// user.
-bool CheckNameLength(const std::wstring& path);
 /// Asks to save a changed score. True = go on.
 bool AskToSaveChanges(sndmain& window);
-/// Loads the document at the current path. True when it failed: the user was told, the score is empty.
+/// Loads the document at the current path. True when it failed: the user was told, the score is empty. The
+/// changed flag is off either way.
 bool LoadDocument(sndmain& window, std::wstring_view suffix);
-/// Saves the score at `path`, which becomes the current path, sets the title, and tells the user of a tempo
-/// that is not in the list ("Read error!") or a full play block. kSndWriteError: the user was told "Write
-/// error!"; path, title and changed flag are as they were.
-SndResult SaveDocument(sndmain& window, const std::wstring& path, std::wstring_view suffix);
-
-/// Writes a list as a SND file at the path, or uploads it when the document asks for that. `path` is in and
-/// out. Results as EncodeSnd; kSndWriteError also when the disk refused (the old file is then whole).
-SndResult SoundDataToFile(sndmain& window, std::int16_t tempo, const FileList& list, std::wstring& path,
-                          std::int16_t& entries_written);
-/// Reads a SND file. Results: kSndDone, kSndNotFound, kSndBadFormat.
-SndResult FileToSoundData(std::int16_t& tempo, FileList& list, const std::wstring& path);
+/// Saves the score as a PC file, as EndSave says. The changed flag stays as it is.
+SndResult SaveDocument(sndmain& window, const std::wstring& path);
+/// Ends a save, on the PC or the device, with what became of it. kSndWriteError: the user is told "Write
+/// error!"; path, location and title stay. Otherwise `path` becomes the current path, `location` (kOnPc or
+/// kOnDevice) its place, and the title is set; the user is told of a tempo that is not in the list ("Read
+/// error!") and of entries left out.
+void EndSave(sndmain& window, SndResult result, int entries_left_out, const std::wstring& path,
+             std::int16_t location);
 
 /// New: an empty untitled score.
 void mnuNewFile_Click(sndmain& window);

@@ -91,6 +91,25 @@ bool SaveWholeFile(const std::wstring& path, std::span<const std::uint8_t> bytes
     return false;
 }
 
+SndResult SaveSndFile(const SndEncoding& melody, const std::wstring& path) {
+    if (!IsWritten(melody.result)) return melody.result;
+    return SaveWholeFile(path, melody.bytes) ? melody.result : kSndWriteError;
+}
+
+SndResult SoundDataToFile(const TimingTables& tables, std::int16_t tempo, const FileList& list,
+                          const std::wstring& path, std::int16_t& entries_written) {
+    const SndEncoding melody = EncodeSnd(tables, tempo, list);
+    entries_written = melody.entries_written;
+    return SaveSndFile(melody, path);
+}
+
+SndResult FileToSoundData(std::int16_t& tempo, FileList& list, const std::wstring& path) {
+    if (!FileExists(path)) return kSndNotFound;
+    std::vector<std::uint8_t> bytes;
+    if (!ReadWholeFile(path, bytes, 2 * kSndBlockSize)) return kSndNotFound;
+    return DecodeSnd(bytes, tempo, list);
+}
+
 void SweepAbandonedSaves(const std::wstring& folder) {
     const std::wstring home = WithoutTrailingBackslash(folder) + L"\\";
     for (const std::wstring& name : ListFiles(folder, L"~snd*.tmp")) {

@@ -219,6 +219,8 @@ SndEncoding EncodeSnd(const TimingTables& tables, std::int16_t tempo, const File
     }
 
     encoding.entries_written = static_cast<std::int16_t>((writer.edit.size - kBlockHeader) / 2);
+    if (encoding.result == kSndFull)
+        encoding.entries_left_out = CountEntries(list) - encoding.entries_written;
     AddPair(writer.play, kEndByte, kEndByte);
     AddPair(writer.edit, kEndByte, kEndByte);
     encoding.bytes.reserve(writer.play.size + writer.edit.size);

@@ -26,11 +26,17 @@ enum SndResult : std::int16_t {
     kSndWriteError = -4, ///< writer: a pitch or code outside the file's tables, or the disk refused
 };
 
+/// Whether a result of the writer means that there is a file: with the whole melody or as much as fits.
+constexpr bool IsWritten(SndResult result) {
+    return result == kSndDone || result == kSndFull;
+}
+
 /// What EncodeSnd made.
 struct SndEncoding {
     SndResult result = kSndDone;
     std::vector<std::uint8_t> bytes;  ///< the whole file; empty unless result is kSndDone or kSndFull
     std::int16_t entries_written = 0; ///< entries of the list that are in the file
+    int entries_left_out = 0;         ///< kSndFull: the entries behind them, which are not
     int fault_entry = -1;             ///< kSndWriteError: index of the entry that no file can hold
 };
 

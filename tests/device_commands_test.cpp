@@ -66,7 +66,6 @@ struct Device : ::testing::Test {
         EXPECT_EQ(window.document.current_path, path);
         EXPECT_EQ(window.document.location_flag, location);
         EXPECT_EQ(window.Caption, L"before");
-        EXPECT_FALSE(window.document.upload_requested);
         EXPECT_FALSE(desk.settings.contains(kLastFile));
     }
 };
@@ -99,7 +98,6 @@ TEST_F(Device, SaveDeletesTheCacheCopyConvertsAndHandsOver) {
               L"0,Veloxa:TUNE.SND,C:\\Link\\pcferry\\cache\\System\\sound\\TUNE.SND");
     EXPECT_EQ(window.document.device_path, L"\\System\\sound\\TUNE.SND");
     EXPECT_FALSE(window.score.changed);
-    EXPECT_FALSE(window.document.upload_requested);
     EXPECT_TRUE(window.link.device_work);
     EXPECT_EQ(TemporaryFiles(), 0);
     EXPECT_TRUE(desk.messages.empty());
@@ -171,7 +169,6 @@ TEST_F(Device, ARefusedUploadLeavesTheMelodyAndKeepsAsking) {
     EXPECT_TRUE(window.score.changed);
     EXPECT_EQ(window.document.current_path, kCacheTune);
     EXPECT_EQ(window.Caption, L"Sound Editor - Veloxa:TUNE.SND");
-    EXPECT_FALSE(window.document.upload_requested);
     EXPECT_FALSE(window.link.device_work);
     EXPECT_EQ(TemporaryFiles(), 0);
 
@@ -198,6 +195,90 @@ TEST_F(Device, ATempoOutsideTheListUploadsNothingAndKeepsTheChangedFlag) {
     EXPECT_EQ(Told(), Texts{L"Read error!"});
     EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
     EXPECT_TRUE(window.score.changed);
+}
+
+TEST_F(Device, ATempoOutsideTheListMakesNoTemporaryFile) {
+    ComposeOnDevice();
+    window.TempoCombo.Text = L"121";
+    desk.temporary_folder.clear(); // the tempo counts for more than what the disk would refuse
+    mnuFileOverWriteZ730_Click(window);
+    EXPECT_EQ(Told(), Texts{L"Read error!"});
+    EXPECT_FALSE(desktop::Asked("CreateTemporaryFile"));
+}
+
+TEST_F(Device, APitchThatNoFileHoldsIsAWriteErrorThatUploadsNothing) {
+    ComposeOnDevice();
+    window.score.sound[1].pitch = 257;
+    mnuFileOverWriteZ730_Click(window);
+    EXPECT_EQ(Told(), Texts{L"Write error!"});
+    EXPECT_FALSE(desktop::Asked("CreateTemporaryFile"));
+    EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
+    ExpectUntouched(kCacheTune, 0);
+}
+
+TEST_F(Device, AMelodyThatDoesNotFitIsHandedOverAsFarAsItFits) {
+    // 56 units are four records of two bytes: 127 such notes fit the play block.
+    ComposeOnDevice();
+    FillScore(window, 300);
+    for (std::size_t i = 0; i < 300; ++i)
+        window.score.sound[i] = MakeNote(window, 20, 40);
+    mnuFileOverWriteZ730_Click(window);
+    EXPECT_EQ(Told(), Texts{L"Cannot input the last173music notes."});
+    EXPECT_EQ(desk.link.uploads.at(kDeviceTune), EncodedScore());
+    EXPECT_FALSE(window.score.changed);
+    EXPECT_EQ(TemporaryFiles(), 0);
+}
+
+TEST_F(Device, AnUploadGoesThroughATemporaryFileWithThePrefixSnd) {
+    ComposeOnDevice();
+    mnuFileOverWriteZ730_Click(window);
+    EXPECT_TRUE(desktop::Asked("CreateTemporaryFile C:\\Temp\\ Snd"));
+    EXPECT_TRUE(desktop::Asked("Cor_PutFile \\System\\sound\\TUNE.SND C:\\Temp\\Snd1.tmp 0"));
+    EXPECT_FALSE(desktop::Asked("CreateOutput C:\\Link")) << "the cache is the library's to fill";
+    EXPECT_EQ(TemporaryFiles(), 0);
+}
+
+TEST_F(Device, NoTemporaryFolderIsAWriteError) {
+    ComposeOnDevice();
+    desk.temporary_folder.clear();
+    mnuFileOverWriteZ730_Click(window);
+    EXPECT_EQ(Told(), Texts{L"Write error!"});
+    EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
+    ExpectUntouched(kCacheTune, 0);
+}
+
+TEST_F(Device, AFullDiskIsAWriteErrorWithNothingLeft) {
+    ComposeOnDevice();
+    desk.disk_space = 5;
+    mnuFileOverWriteZ730_Click(window);
+    EXPECT_EQ(Told(), Texts{L"Write error!"});
+    EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
+    EXPECT_EQ(TemporaryFiles(), 0);
+    ExpectUntouched(kCacheTune, 0);
+}
+
+TEST_F(Device, NoFailingDiskOperationLeavesATemporaryFileBehind) {
+    for (int fail_at = 0; fail_at < 15; ++fail_at) {
+        ComposeOnDevice();
+        desk.messages.clear();
+        desk.link.uploads.clear();
+        desk.fail_at = desk.file_operations + fail_at;
+        const bool taken = SaveToDevice(window);
+        desk.fail_at = -1;
+        EXPECT_EQ(Told(), taken ? Texts{} : Texts{L"Write error!"}) << "operation " << fail_at;
+        EXPECT_EQ(desk.link.uploads.size(), taken ? 1u : 0u) << "operation " << fail_at;
+        EXPECT_EQ(window.score.changed, !taken) << "operation " << fail_at;
+        EXPECT_EQ(window.document.current_path, kCacheTune);
+        // A scanner that blocks the deletion for a moment is waited for; only a listing that fails hides the
+        // file.
+        const auto last = std::find_if(desk.log.rbegin(), desk.log.rend(), [](const std::string& line) {
+            return line.starts_with("FileExists C:\\Temp") || line.starts_with("RemoveFile C:\\Temp");
+        });
+        const bool hidden = last != desk.log.rend() && last->starts_with("FileExists");
+        EXPECT_EQ(TemporaryFiles(), hidden ? 1 : 0) << "operation " << fail_at;
+        std::erase_if(desk.files, [](const auto& file) { return file.first.starts_with(L"C:\\Temp\\"); });
+        desk.log.clear();
+    }
 }
 
 TEST_F(Device, SaveToDeviceSaysWhetherTheDeviceTookTheScore) {

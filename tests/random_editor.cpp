@@ -240,7 +240,7 @@ void RunSave(Editor& editor, bool load_again) {
     sndmain& window = *editor.window;
     Model& model = editor.model;
     desktop::Current().files.erase(kPath);
-    const SndResult result = SaveDocument(window, kPath, kSuffixPc);
+    const SndResult result = SaveDocument(window, kPath);
     const bool in_list = std::find(std::begin(kTempos), std::end(kTempos), model.tempo) != std::end(kTempos);
     if ((result == kSndNotFound) != !in_list) editor.fault = "saving took a tempo that is not in the list";
     if (result == kSndDone && model.Unwritable()) editor.fault = "saving took what no file can hold";

@@ -4,6 +4,7 @@
 #include "platform/text.h"
 #include "platform/windows/dialog_template.h"
 #include "platform/windows/window_place.h"
+#include "score/message_services.h"
 
 #include <algorithm>
 #include <array>
@@ -215,9 +216,7 @@ bool AcceptTypedName(HWND dialog, DeviceDialog& shown) {
         Complain(dialog, L"This can not be the name of a melody. A name has none of the characters\r\n"
                          L"\\ / : * ? \" < > |");
         return false;
-    case NameVerdict::MoreThanEight:
-        Complain(dialog, L"File name cannot exceed 8 characters.  Change the file name.");
-        return false;
+    case NameVerdict::MoreThanEight: Complain(dialog, kNameTooLong); return false;
     case NameVerdict::TooLong: Complain(dialog, L"This name is too long."); return false;
     }
     if (DeviceFileExists(*shown.device, shown.folder + L"\\" + name)) {
