@@ -14,14 +14,11 @@ import sys
 import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "resources", "scripts"))
+from wine_paths import windows_path  # noqa: E402
 from xscreen import Screen, wait_until  # noqa: E402
 
 PLAYER_TITLE = "Sound Player"
 EDITOR_TITLE = "Sound Editor - "
-
-
-def windows_path(path):
-    return "Z:" + os.path.abspath(path).replace("/", "\\")
 
 
 def quiet(command):

@@ -3,7 +3,7 @@
 import time
 
 from PIL import Image
-from Xlib import X, XK, Xatom, display, error
+from Xlib import X, XK, display, error
 from Xlib.ext import xtest
 
 # Key symbols whose names differ from what a reader would write.
@@ -36,21 +36,14 @@ class Screen:
         self.display = display.Display(name)
         self.root = self.display.screen().root
         self._net_name = self.display.intern_atom("_NET_WM_NAME")
-        self._utf8 = self.display.intern_atom("UTF8_STRING")
 
     # --- windows
 
     def title_of(self, window):
         try:
-            value = window.get_full_property(self._net_name, self._utf8)
-            if value:
-                return value.value.decode("utf-8", "replace")
-            value = window.get_full_property(Xatom.WM_NAME, X.AnyPropertyType)
-            if value:
-                return value.value.decode("latin-1") if isinstance(value.value, bytes) else str(value.value)
+            return window.get_full_text_property(self._net_name) or window.get_wm_name() or ""
         except (error.BadWindow, error.BadAtom):
-            pass
-        return ""
+            return ""
 
     def windows(self):
         """All mapped client windows as (title, window), outermost first."""
@@ -129,7 +122,7 @@ class Screen:
         while time.monotonic() < end:
             time.sleep(0.05)
             now = self.picture_of(window, frame)
-            if now.size != last.size or now.tobytes() != last.tobytes():
+            if now != last:
                 last, since = now, time.monotonic()
             elif time.monotonic() - since >= quiet and len(now.resize((64, 64)).getcolors(5000) or [0] * 9) > 2:
                 return now

@@ -13,7 +13,9 @@ import subprocess
 
 import pytest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+from building import NATIVE_BUILD, WINDOWS_BUILD
+from xscreen import Screen
+
 TIMEOUT = 60  # seconds; a cold Wine takes several to start
 
 
@@ -23,12 +25,8 @@ def programs():
         wrapper = shlex.split(os.environ.get("SNDTOOL_WRAPPER", ""))
         name = "windows" if wrapper else "native"
         return {name: (wrapper, pathlib.Path(os.environ["SNDTOOL"]).resolve())}
-    return {"native": ([], ROOT / "build/native/tools/sndtool/sndtool"),
-            "windows": (["wine"], ROOT / "build/windows/tools/sndtool/sndtool.exe")}
-
-
-def pytest_configure(config):
-    config.addinivalue_line("markers", "native: needs a POSIX system under the program; not run under Wine")
+    return {"native": ([], NATIVE_BUILD / "tools/sndtool/sndtool"),
+            "windows": (["wine"], WINDOWS_BUILD / "tools/sndtool/sndtool.exe")}
 
 
 def pytest_generate_tests(metafunc):
@@ -78,6 +76,12 @@ class Sndtool:
         done = self(*arguments, stdin=stdin)
         assert done.returncode == status, done
         return done.stderr.decode()
+
+
+@pytest.fixture(scope="module")
+def screen():
+    """The caller's."""
+    return Screen()
 
 
 @pytest.fixture(scope="session")

@@ -2,19 +2,17 @@
 what it does not understand."""
 
 import html.parser
-import pathlib
 import re
 import subprocess
 import sys
 
+import guide as guides
 import pytest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+from building import ROOT
+
 TOOLS = ROOT / "tools" / "help"
 SOURCE = ROOT / "help" / "guide.md"
-sys.path.insert(0, str(TOOLS))
-
-import guide as guides  # noqa: E402
 
 VOID = {"meta", "br", "hr", "img", "link", "input"}
 

@@ -1,20 +1,20 @@
 """The help file, read back by a reader of its own: every part of the format that a help reader follows, and every
 word of the guide."""
 
-import pathlib
+import random
 import re
 import struct
 import subprocess
 import sys
 
+import guide as guides
+import make_hlp
 import pytest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+from building import ROOT
+
 TOOLS = ROOT / "tools" / "help"
 SOURCE = ROOT / "help" / "guide.md"
-sys.path.insert(0, str(TOOLS))
-
-import guide as guides  # noqa: E402
 
 UNPACKED = 0x4000
 
@@ -166,7 +166,7 @@ class HelpFile:
         assert cursor.at == font_offset
         found = []
         for _ in range(fonts):
-            attributes, half_points, family, face = cursor.number("B"), cursor.number("B"), cursor.number("B"), \
+            attributes, half_points, _, face = cursor.number("B"), cursor.number("B"), cursor.number("B"), \
                 cursor.number("H")
             cursor.take(6)
             found.append((names[face], half_points, bool(attributes & 1)))
@@ -358,8 +358,6 @@ def test_keywords_lead_to_their_topics(help_file, guide, topics):
 
 
 def test_known_numbers_of_topic_names():
-    sys.path.insert(0, str(TOOLS))
-    import make_hlp
     # value * 43 + place of each letter: a is 17, 1 is 1, 0 is 10.
     assert make_hlp.hash_of("a") == 17
     assert make_hlp.hash_of("A1") == 17 * 43 + 1
@@ -368,8 +366,6 @@ def test_known_numbers_of_topic_names():
 
 
 def test_packing_gives_the_same_back():
-    import make_hlp
-    import random
     chance = random.Random(7)
     for size in (0, 1, 2, 3, 17, 18, 19, 500, 9000):
         for letters in (b"a", b"ab", bytes(range(256))):

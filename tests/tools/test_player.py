@@ -4,20 +4,16 @@ its exit status. Runs in the caller's Wine prefix and on the caller's screen."""
 import os
 import pathlib
 import subprocess
-import sys
 import time
 
 import pytest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "resources" / "scripts"))
-sys.path.insert(0, str(ROOT / "tests" / "tools"))
+from building import WINDOWS_BUILD
+from sound_device import Device, NoDevice, assert_heard, noise, wav_bytes
+from wine_paths import windows_path
+from xscreen import wait_until
 
-from sound_device import Device, NoDevice, assert_heard, noise, wav_bytes, windows_path  # noqa: E402
-from xscreen import Screen, wait_until  # noqa: E402
-
-PLAYER = pathlib.Path(os.environ.get("TONEX_PLAYER",
-                                     ROOT / "build" / "windows" / "platform" / "windows" / "sndrec32.exe"))
+PLAYER = pathlib.Path(os.environ.get("TONEX_PLAYER", WINDOWS_BUILD / "platform" / "windows" / "sndrec32.exe"))
 TITLE = "Sound Player"
 PLAYED, STOPPED, BAD_FILE, NO_DEVICE, WRONG_USAGE = range(5)
 
@@ -36,11 +32,6 @@ def play(device, path, *options, timeout=60):
 @pytest.fixture
 def device(tmp_path):
     return Device(tmp_path)
-
-
-@pytest.fixture(scope="module")
-def screen():
-    return Screen()
 
 
 @pytest.fixture
@@ -222,8 +213,9 @@ def test_position_bar_moves(player, screen):
 
     def filled():
         picture = screen.picture_of(window, frame=False)
-        row = [picture.getpixel((x, int(picture.height * 0.40))) for x in range(picture.width)]
-        return sum(1 for red, _, blue in row if blue > red + 60)  # the bar's blue
+        middle = int(picture.height * 0.40)
+        row = picture.crop((0, middle, picture.width, middle + 1))
+        return sum(count for count, (red, _, blue) in row.getcolors(row.width) if blue > red + 60)  # the bar's blue
 
     first = filled()
     time.sleep(3)

@@ -4,8 +4,9 @@ import pathlib
 import re
 import subprocess
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-PROGRAM = pathlib.Path(os.environ.get("POSIX_TESTS", ROOT / "build/native/tests/posix/posix_tests"))
+from building import NATIVE_BUILD
+
+PROGRAM = pathlib.Path(os.environ.get("POSIX_TESTS", NATIVE_BUILD / "tests/posix/posix_tests"))
 
 
 def test_posix_tests():

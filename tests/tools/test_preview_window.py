@@ -4,15 +4,11 @@ that keeps the samples. Runs in the caller's Wine prefix and on the caller's scr
 import os
 import pathlib
 import subprocess
-import sys
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tests" / "tools"))
+from building import WINDOWS_BUILD
+from sound_device import Device
 
-from sound_device import Device  # noqa: E402
-
-PROGRAM = pathlib.Path(os.environ.get("TONEX_WINDOWS_TESTS",
-                                      ROOT / "build" / "windows" / "tests" / "windows" / "windows_tests.exe"))
+PROGRAM = pathlib.Path(os.environ.get("TONEX_WINDOWS_TESTS", WINDOWS_BUILD / "tests/windows/windows_tests.exe"))
 
 
 def samples(seconds):

@@ -1,13 +1,13 @@
 """The checks of the house's floors and of the sources' form: each rule is broken once, in a copy, and must say so."""
 
-import pathlib
 import shutil
 import subprocess
 import sys
 
 import pytest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+from building import ROOT
+
 HOUSE = ["score", "preview", "view", "link", "app", "pictures", "platform"]
 
 

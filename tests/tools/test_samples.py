@@ -1,14 +1,14 @@
 """The sample melodies: what they must hold, and that their bars add up."""
 import io
 import json
-import pathlib
 import re
 import wave
 from fractions import Fraction
 
 import pytest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+from building import ROOT
+
 SAMPLES = sorted((ROOT / "samples").glob("*.txt"))
 LENGTH = re.compile(r"1/(\d+)(\.{0,2})(t?)$")
 FACTORS = {"": Fraction(1), ".": Fraction(3, 2), "..": Fraction(7, 4)}

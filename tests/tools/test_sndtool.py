@@ -11,8 +11,8 @@ import wave
 
 import pytest
 
-from melodies import (EMPTY_SND, EXAMPLE_EDIT, EXAMPLE_PLAY, EXAMPLE_SECONDS, EXAMPLE_SND, EXAMPLE_TEXT,
-                      EXAMPLE_UNITS, snd)
+from building import ROOT
+from melodies import EMPTY_SND, EXAMPLE_PLAY, EXAMPLE_SECONDS, EXAMPLE_SND, EXAMPLE_TEXT, snd
 
 RATE = 22050
 
@@ -59,8 +59,8 @@ def test_help_names_every_command(sndtool):
 
 
 def test_version_is_that_of_the_project(sndtool):
-    root = os.path.join(os.path.dirname(__file__), "../../CMakeLists.txt")
-    project = next(line for line in open(root, encoding="utf-8") if line.startswith("project("))
+    lines = (ROOT / "CMakeLists.txt").read_text(encoding="utf-8").splitlines()
+    project = next(line for line in lines if line.startswith("project("))
     assert sndtool.good("--version").split() == [b"sndtool", project.split()[2].encode()]
 
 

@@ -4,34 +4,29 @@ import os
 import re
 import shutil
 import subprocess
-import sys
-import pathlib
 
 import pytest
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
-
-from editor import BUILD, Editor, Melody, Prefix, SCREENS, Screen  # noqa: E402
+import link_libraries
+from building import BUILD
+from editor import SCREENS, Editor
+from melody import FIVE, Melody
+from prefix import SCREEN_SIZE, Prefix, virtual_screen
+from sound_device import Device
+from wine_paths import windows_path
+from xscreen import Screen
 
 
 @pytest.fixture(scope="session")
 def screen():
-    """A screen of 1920 by 1200 with a window manager, on a free display number."""
-    read, write = os.pipe()
-    os.set_inheritable(write, True)
-    xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "1920x1200x24", "-nolisten", "tcp"],
-                            pass_fds=[write], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    os.close(write)
-    with os.fdopen(read) as pipe:
-        number = pipe.readline().strip()
-    assert number, "the virtual screen did not start"
-    os.environ["DISPLAY"] = ":" + number
-    os.environ.pop("WAYLAND_DISPLAY", None)
-    manager = subprocess.Popen(["openbox", "--sm-disable"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    yield Screen()
-    for process in (manager, xvfb):
-        process.terminate()
-        process.wait(10)
+    """A screen with a window manager."""
+    with virtual_screen() as name:
+        os.environ["DISPLAY"] = name
+        os.environ.pop("WAYLAND_DISPLAY", None)
+        manager = subprocess.Popen(["openbox", "--sm-disable"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        yield Screen()
+        manager.terminate()
+        manager.wait(10)
 
 
 @pytest.fixture(scope="module")
@@ -58,7 +53,7 @@ def start(prefix, screen, request):
     if failed:
         SCREENS.mkdir(parents=True, exist_ok=True)
         name = re.sub(r"\W+", "-", request.node.name).strip("-")
-        screen.picture(0, 0, 1920, 1200).save(SCREENS / f"failed-{name}.png")
+        screen.picture(0, 0, *SCREEN_SIZE).save(SCREENS / f"failed-{name}.png")
     for editor in running:
         editor.kill()
 
@@ -82,6 +77,46 @@ def melody(tmp_path):
     def make(name, text):
         return Melody.build(tmp_path / name, text)
     return make
+
+
+@pytest.fixture
+def five(start, melody):
+    """An editor with five entries, the cursor on the first."""
+    editor = start(windows_path(melody("FIVE.SND", FIVE)))
+    editor.screen.key("home")
+    editor.wait_selected([0])
+    return editor
+
+
+@pytest.fixture(params=["own device", "link libraries"])
+def link(request, prefix, tmp_path):
+    """An empty organiser, without the link libraries or with them."""
+    with_libraries = request.param == "link libraries"
+    link_libraries.remove(prefix)
+    if with_libraries:
+        link_libraries.install(prefix)
+    shutil.rmtree(prefix.cache_dir)
+    prefix.cache_dir.mkdir()
+    yield link_libraries.Link(tmp_path / "calls.log", with_libraries)
+    link_libraries.remove(prefix)
+
+
+@pytest.fixture
+def sound(prefix, tmp_path, monkeypatch):
+    """A sound device that keeps what it is given, at some times the pace of real time."""
+    device = Device(tmp_path)
+    for name, value in device.variables().items():
+        monkeypatch.setitem(prefix.environment, name, value)
+    return device
+
+
+@pytest.fixture
+def slow_sound(prefix, tmp_path, monkeypatch):
+    """The same in real time."""
+    device = Device(tmp_path, real_time=22050)
+    for name, value in device.variables().items():
+        monkeypatch.setitem(prefix.environment, name, value)
+    return device
 
 
 @pytest.fixture

@@ -5,13 +5,16 @@ import subprocess
 
 import pytest
 
-from editor import BUILD, Editor, Melody, Prefix, SETTINGS, WINDOWS_BUILD, program, wait_until, windows_path
-from test_compose import names, wait_names
-from test_organiser import ASK, REMINDER, TUNE, cache, link, only_libraries, temporary_files  # noqa: F401
+import link_libraries
+from building import BUILD, WINDOWS_BUILD
+from editor import Editor
+from link_libraries import only_libraries
+from melody import TUNE, Melody
+from prefix import DEVICE_FOLDER, SETTINGS, SOUND_FOLDER, UPLOADS, Prefix
+from words import ASK, REFUSED, REMINDER, TOO_LONG, UNTITLED
+from xscreen import wait_until
 
-LONG_NAME = "File name cannot exceed 8 characters.  Change the file name."
-REFUSED = "File translate error when upload to Veloxa!"
-DEVICE_FOLDER = "C:\\Link\\pcferry\\cache\\System\\sound\\"
+
 LIST, NAME = 1002, 1004
 
 
@@ -70,7 +73,7 @@ def test_the_open_dialogs_keys(start, prefix, link):
         wait_until(lambda: editor.focus()["text"] == text, 5, text)
     editor.screen.key("enter")
     wait_until(lambda: not editor.dialogs(), 5, "the dialog's end")
-    assert editor.caption() == "Sound Editor - Untitled"
+    assert editor.caption() == UNTITLED
     assert not editor.main()["text"].endswith("SND") and editor.main()["enabled"]
     editor.choose("Open on Velo&xa...")
     dialog = editor.wait_dialog("Open on Veloxa")
@@ -89,7 +92,7 @@ def test_an_empty_organiser_can_only_be_cancelled(start, link):
     editor.screen.key("enter")
     editor.screen.key("escape")
     wait_until(lambda: not editor.dialogs(), 5, "the dialog's end")
-    assert editor.caption() == "Sound Editor - Untitled"
+    assert editor.caption() == UNTITLED
 
 
 def test_opening_asks_for_unsaved_changes_first(start, prefix, link):
@@ -99,7 +102,7 @@ def test_opening_asks_for_unsaved_changes_first(start, prefix, link):
     editor.choose("Open on Velo&xa...")
     editor.message(ASK, "Cancel")
     editor.no_dialog()
-    assert names(editor) == ["c4, Quarter note", "End"]
+    assert editor.names() == ["c4, Quarter note", "End"]
 
 
 # The save dialog.
@@ -108,14 +111,14 @@ def test_a_name_of_nine_characters_is_refused_and_asked_for_again(start, prefix,
     editor = start(environment=link.environment())
     editor.click_key("c4")
     dialog = save_as_on_device(editor, "NINECHARS")
-    editor.answer(box_with(editor, LONG_NAME), "OK")
-    assert cache(prefix) == []
+    editor.answer(box_with(editor, TOO_LONG), "OK")
+    assert prefix.on_device() == []
     wait_until(lambda: editor.focus() and editor.focus()["id"] == NAME, 5, "the keyboard in the name field")
     assert part(editor, dialog, NAME)["text"] == "NINECHARS"
     editor.prefix.ask("settext", part(editor, dialog, NAME)["hwnd"], "EIGHTCHR.snd")
     editor.prefix.ask("press", dialog["hwnd"], 1)
     wait_device_caption(editor, "EIGHTCHR.SND")
-    assert cache(prefix) == ["EIGHTCHR.SND"]
+    assert prefix.on_device() == ["EIGHTCHR.SND"]
 
 
 def test_an_existing_melody_is_only_replaced_after_a_question(start, prefix, link):
@@ -139,7 +142,7 @@ def test_an_existing_melody_is_only_replaced_after_a_question(start, prefix, lin
     wait_until(lambda: editor.screen.focused_title().upper() == editor.caption().upper(), 5, "the keyboard's focus")
     editor.screen.key("home")
     editor.screen.key("delete")
-    wait_names(editor, ["End"])
+    editor.wait_names(["End"])
 
 
 def test_the_proposed_name_is_the_current_files(start, prefix, link):
@@ -150,14 +153,14 @@ def test_the_proposed_name_is_the_current_files(start, prefix, link):
     editor.screen.key("escape")
     wait_until(lambda: not editor.dialogs(), 5, "the dialog's end")
     path = Melody.build(prefix.sound_dir / "MINE.SND", TUNE)
-    editor.prefix.ask("drop", editor.hwnd, "C:\\Link\\userdata\\sound\\" + path.name)
+    editor.prefix.ask("drop", editor.hwnd, SOUND_FOLDER + path.name)
     editor.wait_caption("Sound Editor - PC:MINE.SND")
     editor.choose("Save to Ve&loxa")  # a PC file: a place on the device is asked for
     dialog = editor.wait_dialog("Save to Veloxa as")
     assert part(editor, dialog, NAME)["text"] == "MINE.SND"
     editor.screen.key("enter")
     editor.wait_caption("Sound Editor - Veloxa:MINE.SND")
-    assert cache(prefix) == ["MINE.SND"]
+    assert prefix.on_device() == ["MINE.SND"]
 
 
 def test_a_device_file_of_another_folder_makes_that_folder_the_dialogs(start, prefix, link):
@@ -198,8 +201,8 @@ def test_an_upload_that_the_folder_refuses(start, prefix, link, mended):
     break_device(prefix)
     editor.choose("Save to Ve&loxa")
     editor.message(REFUSED)
-    wait_names(editor, ["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
-    assert temporary_files(prefix) == []
+    editor.wait_names(["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
+    assert prefix.temporary_files(UPLOADS) == []
     editor.close()
     editor.message(ASK, "No")
     editor.wait_end()  # nothing was transferred: no reminder
@@ -222,9 +225,9 @@ def test_after_a_refused_upload_closing_asks_and_never_loses_the_melody_by_yes(s
     editor.message(REFUSED)
     editor.no_dialog()
     assert editor.process.poll() is None and editor.main()["visible"]
-    wait_names(editor, ["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
-    assert temporary_files(prefix) == []
-    assert not any(line.startswith("Cor_DoDisconnect") for line in link.calls())
+    editor.wait_names(["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
+    assert prefix.temporary_files(UPLOADS) == []
+    assert not link.calls("Cor_DoDisconnect")
 
 
 @only_libraries
@@ -238,13 +241,13 @@ def test_a_path_that_can_not_be_converted_ends_the_save_with_the_copy_gone(start
     editor.choose("Save to Ve&loxa")
     wait_until(lambda: not path.exists(), 5, "the copy's end")
     editor.no_dialog()
-    assert not any(line.startswith("Cor_PutFile") for line in link.calls())
+    assert not link.calls("Cor_PutFile")
     for caption in ("Save &to Veloxa as...", "Open on Velo&xa..."):
         editor.choose(caption)
         if caption.startswith("Open"):
             editor.message(ASK, "No")
         editor.no_dialog()
-    wait_names(editor, ["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
+    editor.wait_names(["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
     editor.close()
     editor.message(ASK, "Cancel")
     assert editor.process.poll() is None
@@ -260,7 +263,7 @@ def test_a_last_device_document_that_the_library_does_not_give(start, prefix, li
     editor.wait_end()
     again = start(environment=link.environment(fault))
     again.no_dialog()
-    assert again.caption() == "Sound Editor - Untitled"
+    assert again.caption() == UNTITLED
     again.click_key("c4")
     again.choose("Save to Ve&loxa")  # with no path it is Save as
     if fault == "conv0":
@@ -279,21 +282,19 @@ def test_a_device_document_is_reopened_by_asking_for_it_and_fetching_it(start, p
     link.log.unlink()
     again = start(environment=link.environment())
     assert again.caption() == "Sound Editor - Veloxa:LAST.SND"
-    order = [line.split(" ")[0] for line in link.calls()]
-    assert order == ["Cor_IsOnPcFile", "Cor_ConvPathCacheToCorvane", "Cor_IsExist", "Cor_GetFile", "Cor_IsOnPcFile"]
+    assert link.functions() == ["Cor_IsOnPcFile", "Cor_ConvPathCacheToCorvane", "Cor_IsExist", "Cor_GetFile",
+                                "Cor_IsOnPcFile"]
 
 
 @pytest.mark.parametrize("shape", ["decorated", "partial"])
 def test_libraries_of_another_shape(start, prefix, tmp_path, shape):
     """Decorated names are found; what a library lacks the editor's own device does."""
-    log = tmp_path / "calls.log"
-    libraries = [prefix.install_dir / path.name for path in (WINDOWS_BUILD / "link" / shape).glob("*.dll")]
-    assert libraries
-    for library in libraries:
-        shutil.copy(WINDOWS_BUILD / "link" / shape / library.name, library)
+    link = link_libraries.Link(tmp_path / "calls.log", True)
+    link_libraries.remove(prefix)
+    link_libraries.install(prefix, WINDOWS_BUILD / "link" / shape)
     try:
         Melody.build(prefix.cache_dir / "SHAPE.SND", TUNE)
-        editor = start(environment={"TONEX_LINK_LOG": windows_path(log), "TONEX_LINK_FAULT": ""})
+        editor = start(environment=link.environment())
         editor.choose("Open on Velo&xa...")
         editor.wait_dialog("Open on Veloxa")
         editor.screen.key("end")
@@ -304,14 +305,13 @@ def test_libraries_of_another_shape(start, prefix, tmp_path, shape):
         editor.close()
         editor.message(REMINDER)
         editor.wait_end()
-        called = {line.split(" ")[0] for line in log.read_text().splitlines()}
+        called = set(link.functions())
         if shape == "partial":
             assert called == {"Cor_DoDisconnect"}
         else:
             assert called >= {"Cor_PIMOpenFileDialog", "Cor_PutFile", "Cor_DoDisconnect"}
     finally:
-        for library in libraries:
-            library.unlink(missing_ok=True)
+        link_libraries.remove(prefix)
 
 
 # Japanese names.
@@ -332,11 +332,9 @@ def japanese(screen):
 # 表 and ソ have a backslash as their second byte.
 @pytest.mark.parametrize("name", ["音符.SND", "表ソ.SND", "ﾒﾛﾃﾞｨｰ.SND", "ソソソソ.SND"])
 def test_japanese_names_on_the_device(japanese, screen, name, libraries):
-    for library in ("CorCalen.dll", "Corfldlg.dll"):
-        target = japanese.install_dir / library
-        target.unlink(missing_ok=True)
-        if libraries:
-            shutil.copy(program(WINDOWS_BUILD / "link", library), target)
+    link_libraries.remove(japanese)
+    if libraries:
+        link_libraries.install(japanese)
     for path in japanese.cache_dir.iterdir():
         path.unlink()
     japanese.forget_settings()
@@ -370,10 +368,10 @@ def test_a_japanese_name_of_nine_bytes(japanese, screen):
     editor = Editor(japanese, screen, DEVICE_FOLDER + path.name).wait_ready()
     try:
         editor.choose("Save to Ve&loxa")
-        editor.message(LONG_NAME)
+        editor.message(TOO_LONG)
         dialog = editor.wait_dialog("Save to Veloxa as")
         editor.screen.key("enter")
-        editor.answer(box_with(editor, LONG_NAME), "OK")
+        editor.answer(box_with(editor, TOO_LONG), "OK")
         editor.prefix.ask("settext", part(editor, dialog, NAME)["hwnd"], "ソソソa")
         editor.prefix.ask("press", dialog["hwnd"], 1)
         editor.wait_caption("Sound Editor - Veloxa:ソソソa.snd")

@@ -5,35 +5,15 @@ import time
 
 import pytest
 
-from editor import Melody, wait_until, windows_path
-from test_compose import names, wait_names, wait_selected
-from test_edit import C, D, E, FIVE, G, PAIRS, R, by_menu, by_popup, by_shortcut, by_toolbar
-from test_preview import sound  # noqa: F401  (a fixture)
+from commands import by_menu, by_popup, by_shortcut, by_strip_popup, by_toolbar
+from melody import C, D, E, FIVE, G, R, Melody
+from wine_paths import windows_path
+from words import ASK, PAIRS, PREVIEW_TOOL
+from xscreen import wait_until
+
 
 MOST_ENTRIES = 509
 BLANK = "Separator"
-
-
-@pytest.fixture
-def five(start, melody):
-    """An editor with five entries, the cursor on the first."""
-    editor = start(windows_path(melody("FIVE.SND", FIVE)))
-    editor.screen.key("home")
-    wait_selected(editor, [0])
-    return editor
-
-
-def wait_popup(editor):
-    wait_until(lambda: any(w["class"] == "#32768" and w["visible"] for w in editor.windows()), 5, "the pop-up menu")
-    time.sleep(0.15)
-
-
-def by_strip_popup(editor, caption, _tooltip=None, _shortcut=None):
-    """The right button on the strip's first picture, then the item's letter."""
-    picture = editor.accessible("TonexStaff")["children"][0]
-    editor.screen.click(*editor.centre(picture["rect"]), 3)
-    wait_popup(editor)
-    editor.screen.key(caption[caption.index("&") + 1].lower())
 
 
 def shifted(steps):
@@ -45,29 +25,29 @@ def shifted(steps):
 
 def test_strip_popup_cuts_and_pastes(five):
     five.screen.key("shift+right")
-    wait_selected(five, [0, 1])
+    five.wait_selected([0, 1])
     by_strip_popup(five, "Cu&t")
-    wait_names(five, [E, R, G, "End"])
+    five.wait_names([E, R, G, "End"])
     by_strip_popup(five, "&Paste")
-    wait_until(lambda: len(names(five)) == 6, 5, "the pasted entries")
-    assert names(five) == [C, D, E, R, G, "End"]
+    wait_until(lambda: len(five.names()) == 6, 5, "the pasted entries")
+    assert five.names() == [C, D, E, R, G, "End"]
 
 
 def test_strip_popup_copies_inserts_deletes_and_undoes(five):
     by_strip_popup(five, "&Copy")
     wait_until(lambda: five.menu()["&Paste"]["enabled"], 5, "something to paste")
     by_strip_popup(five, "&Insert")
-    wait_names(five, [BLANK, C, D, E, R, G, "End"])
+    five.wait_names([BLANK, C, D, E, R, G, "End"])
     five.screen.key("home")
-    wait_selected(five, [0])
+    five.wait_selected([0])
     five.screen.key("right")
-    wait_selected(five, [1])
+    five.wait_selected([1])
     by_strip_popup(five, "&Delete")
-    wait_names(five, [BLANK, D, E, R, G, "End"])
+    five.wait_names([BLANK, D, E, R, G, "End"])
     by_strip_popup(five, "&Undo")
-    wait_names(five, [BLANK, C, D, E, R, G, "End"])
+    five.wait_names([BLANK, C, D, E, R, G, "End"])
     by_strip_popup(five, "&Undo")
-    wait_names(five, [BLANK, D, E, R, G, "End"])
+    five.wait_names([BLANK, D, E, R, G, "End"])
 
 
 TRANSPOSITIONS = [("Up &an octave", ("c5", "d5", "e5")), ("Up &half a tone", ("c4#", "d4#", "f4")),
@@ -77,14 +57,14 @@ TRANSPOSITIONS = [("Up &an octave", ("c5", "d5", "e5")), ("Up &half a tone", ("c
 @pytest.mark.parametrize("way", [by_menu, by_popup, by_strip_popup])
 @pytest.mark.parametrize("caption, steps", TRANSPOSITIONS)
 def test_transposition_and_undo(five, way, caption, steps):
-    before = names(five)
+    before = five.names()
     way(five, caption, None, None)
-    wait_until(lambda: names(five)[:3] == shifted(steps), 5, f"{steps}, not {names(five)[:3]}")
-    assert names(five)[3] == R
+    wait_until(lambda: five.names()[:3] == shifted(steps), 5, f"{steps}, not {five.names()[:3]}")
+    assert five.names()[3] == R
     way(five, "&Undo", None, None)
-    wait_names(five, before)
+    five.wait_names(before)
     way(five, "&Undo", None, None)
-    wait_until(lambda: names(five)[:3] == shifted(steps), 5, "the shifted melody again")
+    wait_until(lambda: five.names()[:3] == shifted(steps), 5, "the shifted melody again")
 
 
 # --- ranges
@@ -93,40 +73,40 @@ def test_transposition_and_undo(five, way, caption, steps):
 @pytest.mark.parametrize("way", [by_menu, by_toolbar, by_shortcut, by_popup, by_strip_popup])
 def test_range_selected_with_the_mouse_is_deleted_and_comes_back(five, way):
     five.select_columns(3, 1)
-    wait_selected(five, [1, 2, 3])
+    five.wait_selected([1, 2, 3])
     way(five, "&Delete", "Delete", "delete")
-    wait_names(five, [C, G, "End"])
+    five.wait_names([C, G, "End"])
     five.screen.key("ctrl+z")
-    wait_names(five, [C, D, E, R, G, "End"])
-    wait_selected(five, [1, 2, 3])
+    five.wait_names([C, D, E, R, G, "End"])
+    five.wait_selected([1, 2, 3])
 
 
 def test_range_that_ends_on_the_end_column_is_copied_up_to_the_entry_before_it(five):
     five.screen.key("end")
-    wait_selected(five, [5])
+    five.wait_selected([5])
     five.screen.key("shift+left")
-    wait_selected(five, [4, 5])
+    five.wait_selected([4, 5])
     five.screen.key("ctrl+c")
     wait_until(lambda: five.menu()["&Paste"]["enabled"], 5, "something to paste")
     five.screen.key("home")
-    wait_selected(five, [0])
+    five.wait_selected([0])
     five.screen.key("ctrl+v")
-    wait_names(five, [G, C, D, E, R, G, "End"])
+    five.wait_names([G, C, D, E, R, G, "End"])
 
 
 def test_octave_up_of_rests_only_changes_nothing_but_the_undo_copy(start, melody):
     editor = start(windows_path(melody("RESTS.SND", "tempo 120\nr 1/4\nr 1/4\nr 1/4\n")))
     editor.screen.key("home")
-    wait_selected(editor, [0])
+    editor.wait_selected([0])
     editor.screen.key("delete")
     rests = ["Quarter rest"] * 2 + ["End"]
-    wait_names(editor, rests)
+    editor.wait_names(rests)
     editor.choose("Up &an octave")
     time.sleep(0.3)
-    assert names(editor) == rests
+    assert editor.names() == rests
     editor.screen.key("ctrl+z")  # back to before the octave, not to before the deletion
     time.sleep(0.3)
-    assert names(editor) == rests
+    assert editor.names() == rests
 
 
 # --- enabling, menu and toolbar together
@@ -135,7 +115,7 @@ def test_octave_up_of_rests_only_changes_nothing_but_the_undo_copy(start, melody
 def may_be_used(entries, clipboard):
     """The commands that a score of so many entries allows, by tooltip."""
     end_count = entries + 1
-    allowed = {"Cut", "Copy", "Delete", "Preview Sound"} if entries else set()
+    allowed = {"Cut", "Copy", "Delete", PREVIEW_TOOL} if entries else set()
     if entries and end_count < 509:
         allowed.add("Insert")
     if clipboard and end_count <= 509:
@@ -186,11 +166,11 @@ def test_enabling_after_every_command(sound, start, melody):  # noqa: F811
         act()
         try:
             wait_usable(editor, entries, clipboard)
-            wait_until(lambda: len(names(editor)) == entries + 1, 5, f"{entries} entries")
+            wait_until(lambda: len(editor.names()) == entries + 1, 5, f"{entries} entries")
         except AssertionError as failure:
             raise AssertionError(f"after {what}: {failure}") from failure
     editor.click_tool("New")
-    editor.message("Do you want to save the changes?", "No")
+    editor.message(ASK, "No")
     wait_usable(editor, 0, True)
     editor.prefix.ask("drop", editor.hwnd, windows_path(melody("FIVE.SND", FIVE)))
     editor.wait_caption("Sound Editor - PC:FIVE.SND")
@@ -202,7 +182,7 @@ def test_enabling_of_a_nearly_full_score(sound, start, melody, entries):  # noqa
     editor = start(windows_path(melody("LONG.SND", long_score(entries))))
     wait_usable(editor, entries, False)
     editor.screen.key("home")
-    wait_selected(editor, [0])
+    editor.wait_selected([0])
     editor.screen.key("ctrl+c")
     wait_usable(editor, entries, True)
 
@@ -228,9 +208,9 @@ def saved(editor, path):
 
 def select_first(editor, count):
     editor.screen.key("home")
-    wait_selected(editor, [0])
+    editor.wait_selected([0])
     editor.select_columns(0, count - 1)
-    wait_selected(editor, list(range(count)))
+    editor.wait_selected(list(range(count)))
 
 
 def test_insert_of_20_at_end_count_500_makes_9_separators(start, melody, tmp_path):
@@ -238,7 +218,7 @@ def test_insert_of_20_at_end_count_500_makes_9_separators(start, melody, tmp_pat
     editor = start(windows_path(melody("BEFORE.SND", before)))
     select_first(editor, 20)
     editor.screen.key("ctrl+i")
-    wait_until(lambda: names(editor)[:9] == [BLANK] * 9, 5, "the separators")
+    wait_until(lambda: editor.names()[:9] == [BLANK] * 9, 5, "the separators")
     assert not editor.toolbar()["Insert"]["enabled"]
     assert saved(editor, tmp_path / "AFTER.SND") == ["|"] * 9 + lines_of(before)
 
@@ -258,11 +238,11 @@ def test_full_score_shows_no_end_column_and_its_last_entry_can_be_deleted(start,
     full = long_score(MOST_ENTRIES)
     editor = start(windows_path(melody("FULL.SND", full)))
     editor.screen.key("end")
-    wait_until(lambda: len(names(editor)) == 30, 5, "the last columns")
-    assert "End" not in names(editor)
+    wait_until(lambda: len(editor.names()) == 30, 5, "the last columns")
+    assert "End" not in editor.names()
     editor.screen.key("delete")
-    wait_until(lambda: names(editor)[-1] == "End", 5, "the end column")
+    wait_until(lambda: editor.names()[-1] == "End", 5, "the end column")
     assert saved(editor, tmp_path / "AFTER.SND") == lines_of(full)[:-1]
     editor.screen.key("ctrl+z")
-    wait_until(lambda: "End" not in names(editor), 5, "the full score again")
+    wait_until(lambda: "End" not in editor.names(), 5, "the full score again")
     assert saved(editor, tmp_path / "AGAIN.SND") == lines_of(full)

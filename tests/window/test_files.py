@@ -2,19 +2,17 @@
 
 import os
 
-from editor import Melody, SETTINGS, wait_until, windows_path
-from test_compose import names, wait_names
-
-ASK = "Do you want to save the changes?"
-TOO_LONG = "File name cannot exceed 8 characters.  Change the file name."
-NOT_SOUND = "This is not a sound file."
-UNTITLED = "Sound Editor - Untitled"
+from melody import Melody
+from prefix import SETTINGS
+from wine_paths import windows_path
+from words import ASK, NOT_SOUND, READ_ERROR, TOO_LONG, UNTITLED
+from xscreen import wait_until
 
 
 def write_notes(editor, *keys):
     for key in keys or ("c4", "e4", "g4"):
         editor.click_key(key)
-    wait_until(lambda: "End" == names(editor)[-1] and len(names(editor)) > 1, 5, "the notes")
+    wait_until(lambda: "End" == editor.names()[-1] and len(editor.names()) > 1, 5, "the notes")
 
 
 def test_new_score_is_untitled(editor):
@@ -24,7 +22,7 @@ def test_new_score_is_untitled(editor):
 def test_command_line_file_is_opened(start, melody):
     editor = start(windows_path(melody("CMDLINE.SND", "tempo 96\nc4 1/4\nr 1/8\n|\nd5# 1/2.\n")))
     assert editor.caption() == "Sound Editor - PC:CMDLINE.SND"
-    wait_names(editor, ["c4, Quarter note", "Eighth rest", "Separator", "d5#, Dotted half note", "End"])
+    editor.wait_names(["c4, Quarter note", "Eighth rest", "Separator", "d5#, Dotted half note", "End"])
     assert editor.tempo_box()["text"].strip() == "96"
 
 
@@ -144,7 +142,7 @@ def test_open_by_the_dialog(editor, melody):
     editor.screen.key("ctrl+o")
     editor.file_dialog("Open on PC", windows_path(melody("OPENED.SND", "tempo 240\na5 1/16\n")))
     editor.wait_caption("Sound Editor - PC:OPENED.SND")
-    wait_names(editor, ["a5, Sixteenth note", "End"])
+    editor.wait_names(["a5, Sixteenth note", "End"])
     assert editor.tempo_box()["text"].strip() == "240"
 
 
@@ -154,7 +152,7 @@ def test_open_cancelled_does_nothing(editor):
     editor.message(ASK, "No")
     editor.file_dialog("Open on PC")
     assert editor.caption() == UNTITLED
-    assert names(editor) == ["c4, Quarter note", "End"]
+    assert editor.names() == ["c4, Quarter note", "End"]
 
 
 def test_open_starts_in_the_sound_folder_and_then_in_the_last_one(editor, melody, prefix):
@@ -185,19 +183,19 @@ def test_a_broken_file_leaves_an_untitled_score(start, melody, tmp_path):
     (tmp_path / "BROKEN.SND").write_bytes(b"\x00" * 7)
     editor.screen.key("ctrl+o")
     editor.file_dialog("Open on PC", windows_path(tmp_path / "BROKEN.SND"))
-    editor.message("Read error!")
+    editor.message(READ_ERROR)
     editor.wait_caption(UNTITLED)
-    assert names(editor) == ["End"]
+    assert editor.names() == ["End"]
 
 
 def test_new_asks_and_cancel_keeps_the_score(editor):
     write_notes(editor, "c4")
     editor.choose("&New")
     editor.message(ASK, "Cancel")
-    assert names(editor) == ["c4, Quarter note", "End"]
+    assert editor.names() == ["c4, Quarter note", "End"]
     editor.choose("&New")
     editor.message(ASK, "No")
-    wait_names(editor, ["End"])
+    editor.wait_names(["End"])
     assert editor.caption() == UNTITLED
 
 
@@ -252,11 +250,11 @@ def test_separators_alone_are_never_asked_about(editor):
     write_notes(editor, "c4")
     editor.screen.key("home")
     editor.screen.key("ctrl+i")
-    wait_names(editor, ["Separator", "c4, Quarter note", "End"])
+    editor.wait_names(["Separator", "c4, Quarter note", "End"])
     editor.screen.key("end")
     editor.screen.key("left")
     editor.screen.key("delete")
-    wait_names(editor, ["Separator", "End"])
+    editor.wait_names(["Separator", "End"])
     editor.close()
     assert editor.wait_end() == 0
 
@@ -264,14 +262,14 @@ def test_separators_alone_are_never_asked_about(editor):
 def test_a_dropped_file_is_opened(editor, melody):
     assert editor.prefix.ask("drop", editor.hwnd, windows_path(melody("DROP.SND", "tempo 120\nb4 1/1\n")))
     editor.wait_caption("Sound Editor - PC:DROP.SND")
-    wait_names(editor, ["b4, Whole note", "End"])
+    editor.wait_names(["b4, Whole note", "End"])
 
 
 def test_of_several_dropped_files_the_first_is_opened(editor, melody):
     editor.prefix.ask("drop", editor.hwnd, windows_path(melody("ONE.SND", "tempo 120\nb4 1/1\n")),
                       windows_path(melody("TWO.SND", "tempo 120\nc4 1/1\n")))
     editor.wait_caption("Sound Editor - PC:ONE.SND")
-    wait_names(editor, ["b4, Whole note", "End"])
+    editor.wait_names(["b4, Whole note", "End"])
     editor.no_dialog()
 
 
@@ -281,7 +279,7 @@ def test_a_dropped_file_of_another_kind_is_refused(start, melody, tmp_path):
     editor.prefix.ask("drop", editor.hwnd, windows_path(tmp_path / "PICTURE.BMP"))
     editor.message(NOT_SOUND)
     assert editor.caption() == "Sound Editor - PC:STAYS.SND"
-    assert names(editor) == ["c4, Quarter note", "End"]
+    assert editor.names() == ["c4, Quarter note", "End"]
 
 
 def test_a_drop_on_a_changed_score_asks_first(editor, melody):
@@ -289,7 +287,7 @@ def test_a_drop_on_a_changed_score_asks_first(editor, melody):
     path = windows_path(melody("DROPASK.SND", "tempo 120\nb4 1/1\n"))
     editor.prefix.ask("drop", editor.hwnd, path)
     editor.message(ASK, "Cancel")
-    assert names(editor) == ["c4, Quarter note", "End"]
+    assert editor.names() == ["c4, Quarter note", "End"]
     editor.prefix.ask("drop", editor.hwnd, path)
     editor.message(ASK, "No")
     editor.wait_caption("Sound Editor - PC:DROPASK.SND")
@@ -303,7 +301,7 @@ def test_the_last_document_is_opened_again(start, prefix, melody):
     editor.wait_end()
     again = start()
     assert again.caption() == "Sound Editor - PC:LAST.SND"
-    wait_names(again, ["f5#, Quarter note", "End"])
+    again.wait_names(["f5#, Quarter note", "End"])
     again.close()
     again.wait_end()
     path.unlink()

@@ -2,7 +2,9 @@
 
 import pytest
 
-from editor import WINDOWS_BUILD, program, wait_until
+from building import WINDOWS_BUILD, program
+from xscreen import wait_until
+
 
 
 @pytest.mark.parametrize("way", ["f1", "menu"])

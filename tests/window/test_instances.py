@@ -4,16 +4,12 @@ import time
 
 import pytest
 
-from editor import Melody, SETTINGS, wait_until, windows_path
-from test_compose import wait_names
-
-ASK = "Do you want to save the changes?"
-MINIMISE = (0x112, 0xF020, 0)  # the system menu's command
-
-
-def minimise(editor):
-    editor.prefix.ask("post", editor.hwnd, *MINIMISE)
-    wait_until(lambda: editor.main()["minimised"], 5, "the minimised window")
+from editor import MINIMISE
+from melody import Melody
+from prefix import SETTINGS
+from wine_paths import windows_path
+from words import ASK, UNTITLED
+from xscreen import wait_until
 
 
 def in_front(editor):
@@ -42,7 +38,7 @@ def decoy(prefix, screen, tmp_path):
 
 def test_an_unowned_window_with_the_caption_is_not_taken(start, prefix, decoy):
     first = start()
-    minimise(first)
+    first.minimise()
     prefix.ask("post", decoy["hwnd"], *MINIMISE)
     minimised = lambda: prefix.ask("windows", "notepad.exe")[0]["minimised"]  # noqa: E731
     wait_until(minimised, 5, "the other program's minimised window")
@@ -54,7 +50,7 @@ def test_an_unowned_window_with_the_caption_is_not_taken(start, prefix, decoy):
 
 def test_the_decoy_alone_does_not_keep_a_copy_from_running(start, decoy):
     first = start()
-    wait_until(lambda: first.caption() == "Sound Editor - Untitled", 8, "a working copy")
+    wait_until(lambda: first.caption() == UNTITLED, 8, "a working copy")
 
 
 def test_a_second_copy_leaves_unsaved_changes_and_settings_alone(start, prefix, melody):
@@ -62,7 +58,7 @@ def test_a_second_copy_leaves_unsaved_changes_and_settings_alone(start, prefix, 
     first = start(windows_path(kept))
     first.screen.key("end")
     first.click_key("d4")
-    wait_names(first, ["c5, Quarter note", "d4, Quarter note", "End"])
+    first.wait_names(["c5, Quarter note", "d4, Quarter note", "End"])
     stored = prefix.ask("getreg", SETTINGS, "File1")
     assert stored.startswith("1,PC:KEPT.SND,")
     second = start(windows_path(melody("OTHER.SND", "tempo 60\ne5 1/2\n")), ready=False)
@@ -71,7 +67,7 @@ def test_a_second_copy_leaves_unsaved_changes_and_settings_alone(start, prefix, 
     assert first.caption() == "Sound Editor - PC:KEPT.SND"
     assert prefix.ask("getreg", SETTINGS, "File1") == stored
     assert prefix.ask("getreg", SETTINGS, "WindwInformation") is None
-    wait_names(first, ["c5, Quarter note", "d4, Quarter note", "End"])
+    first.wait_names(["c5, Quarter note", "d4, Quarter note", "End"])
     assert Melody.text(kept)[1:] == ["c5 1/4"]
     first.close()
     first.message(ASK, "No")  # still unsaved, still asked for
@@ -87,7 +83,7 @@ def test_a_second_copy_brings_the_box_that_waits_for_an_answer(start, decoy, pre
     wait_until(lambda: first.screen.focused_title() == "Sound Editor", 5, "the box in front")
     first.answer(box, "Cancel")
     assert first.process.poll() is None
-    wait_names(first, ["c4, Quarter note", "End"])
+    first.wait_names(["c4, Quarter note", "End"])
 
 
 def test_a_second_copy_ends_within_a_moment(start):
@@ -102,7 +98,7 @@ def test_after_a_copy_was_killed_the_next_one_runs(start):
     first = start()
     first.kill()
     again = start()
-    assert again.caption() == "Sound Editor - Untitled"
+    assert again.caption() == UNTITLED
 
 
 def test_many_copies_started_at_once_leave_one(start):

@@ -1,10 +1,14 @@
 """How the window looks: nothing overlapping or clipped at any scale, pictures of it for the eye, the smallest size."""
 
-import collections
-
 import pytest
 
-from editor import Editor, Melody, Prefix, wait_until, windows_path
+from editor import Editor
+from melody import Melody
+from prefix import Prefix
+from wine_paths import windows_path
+from words import DOREMI
+from xscreen import wait_until
+
 
 # Every length and rest, a separator, sharps, and pitches over the whole keyboard.
 SHOWCASE = ("tempo 120\nc4 1/4\nd4# 1/8\ne4 1/8.\nf4# 1/16\ng4 1/16..\na4# 1/32\nb4 1/8t\nc5 1/8t\nd5 1/8t\n|\n"
@@ -48,7 +52,7 @@ def place_of(editor, control):
     """Where a control shows something: the lengths' panel reaches round the tempo box to the current length."""
     if control["class"] != "TonexLengths":
         return control["rect"]
-    rects = [item["rect"] for item in editor.accessible("TonexLengths")["children"]]
+    rects = [item["rect"] for item in editor.items("TonexLengths")]
     return [min(r[0] for r in rects), min(r[1] for r in rects), max(r[2] for r in rects), max(r[3] for r in rects)]
 
 
@@ -65,7 +69,7 @@ def test_no_controls_overlap_and_all_lie_inside_the_window(scaled):
 def test_items_lie_inside_their_panels_and_beside_each_other(scaled):
     for kind in PANELS:
         panel = scaled.child(kind)["client"]
-        items = scaled.accessible(kind)["children"]
+        items = scaled.items(kind)
         assert items, kind
         for item in items:
             assert inside(item["rect"], panel), f"{kind}: {item['name']} {item['rect']} leaves {panel}"
@@ -76,13 +80,13 @@ def test_items_lie_inside_their_panels_and_beside_each_other(scaled):
 
 
 def test_grid_columns_stand_under_the_strip(scaled):
-    cells, pictures = (scaled.accessible(kind)["children"] for kind in ("TonexGrid", "TonexStaff"))
+    cells, pictures = (scaled.items(kind) for kind in ("TonexGrid", "TonexStaff"))
     for cell, picture in zip(cells, pictures):
         assert abs(cell["rect"][0] - picture["rect"][0]) <= 2
 
 
 def test_white_keys_share_one_width_and_touch(scaled):
-    keys = [item for item in scaled.accessible("TonexPiano")["children"] if not item["name"].endswith("#")]
+    keys = [item for item in scaled.items("TonexPiano") if not item["name"].endswith("#")]
     assert len(keys) == 29
     widths = {key["rect"][2] - key["rect"][0] for key in keys}
     assert max(widths) - min(widths) <= 1
@@ -97,16 +101,16 @@ def test_every_control_shows_something(scaled):
     for kind in PANELS + ["ToolbarWindow32", "ComboBox"]:
         left, top, right, bottom = scaled.child(kind)["rect"]
         part = picture.crop((left - frame[0], top - frame[1], right - frame[0], bottom - frame[1]))
-        colours = collections.Counter(part.getdata())
-        assert len(colours) > 2, f"{kind} is of {len(colours)} colours"
+        colours = len(part.getcolors(part.width * part.height))
+        assert colours > 2, f"{kind} is of {colours} colours"
 
 
 def test_doremi_names_fit_their_cells_and_keys(scaled):
-    scaled.choose("ﾄﾞﾚﾐ表示(&D)")
+    scaled.choose(DOREMI)
     wait_until(lambda: scaled.cells()[0]["name"].startswith("ド"), 5, "the names")
     scaled.picture(f"doremi-{scaled.dpi}.png")
     test_no_controls_overlap_and_all_lie_inside_the_window(scaled)
-    scaled.choose("ﾄﾞﾚﾐ表示(&D)")
+    scaled.choose(DOREMI)
     wait_until(lambda: scaled.cells()[0]["name"].startswith("c4"), 5, "the letters")
 
 
@@ -157,12 +161,11 @@ def test_only_what_changed_is_drawn_again(start, melody):
 def test_high_contrast_colours_are_respected(screen, tmp_path):
     prefix = Prefix("high-contrast")
     try:
-        with open(prefix.path / "user.reg", "a", encoding="ascii") as registry:
-            registry.write('\n[Control Panel\\\\Colors] 1700000000\n"Window"="0 0 0"\n"WindowText"="255 255 255"\n'
-                           '"ButtonFace"="0 0 0"\n"ButtonText"="255 255 0"\n"Hilight"="0 255 0"\n'
-                           '"HilightText"="0 0 0"\n"GrayText"="0 255 0"\n"Menu"="0 0 0"\n"MenuText"="255 255 255"\n'
-                           '"MenuBar"="0 0 0"\n'
-                           '\n[Control Panel\\\\Accessibility\\\\HighContrast] 1700000000\n"Flags"="127"\n')
+        prefix.register("Control Panel\\Colors", {
+            "Window": "0 0 0", "WindowText": "255 255 255", "ButtonFace": "0 0 0", "ButtonText": "255 255 0",
+            "Hilight": "0 255 0", "HilightText": "0 0 0", "GrayText": "0 255 0", "Menu": "0 0 0",
+            "MenuText": "255 255 255", "MenuBar": "0 0 0"})
+        prefix.register("Control Panel\\Accessibility\\HighContrast", {"Flags": "127"})
         editor = Editor(prefix, screen, windows_path(Melody.build(tmp_path / "DARK.SND", SHOWCASE))).wait_ready()
         picture = editor.picture("high-contrast.png")
         frame = screen.rect_of(screen.frame_of(screen.find("Sound Editor - ")))
@@ -175,8 +178,6 @@ def test_high_contrast_colours_are_respected(screen, tmp_path):
         editor.kill()
     finally:
         prefix.end()
-
-
 
 
 def test_a_much_larger_window_magnifies_its_content(start, melody):

@@ -1,69 +1,20 @@
 """The device commands in the real program: without the link libraries, and with them installed."""
 
-import os
-import shutil
 import time
 
 import pytest
 
-from editor import GLOBAL_SETTINGS, Melody, SETTINGS, WINDOWS_BUILD, wait_until, windows_path
-from test_compose import names, wait_names
-
-ASK = "Do you want to save the changes?"
-REMINDER = "Transfer all data by PC Ferry to Corvane after close\r\n[Sound Editor]"
-TUNE = "tempo 120\nc5 1/4\ne5 1/8\n"
-
-
-@pytest.fixture(params=["own device", "link libraries"])
-def link(request, prefix, tmp_path):
-    """Starts editors with or without the libraries in the installation folder. link.calls: what the libraries saw."""
-    class Link:
-        with_libraries = request.param == "link libraries"
-        log = tmp_path / "calls.log"
-
-        def environment(self, *faults):
-            return {"TONEX_LINK_LOG": windows_path(self.log), "TONEX_LINK_FAULT": ",".join(faults)}
-
-        def calls(self):
-            return self.log.read_text(errors="replace").splitlines() if self.log.exists() else []
-
-    names_of_libraries = ("CorCalen.dll", "Corfldlg.dll")
-    for name in names_of_libraries:
-        target = prefix.install_dir / name
-        target.unlink(missing_ok=True)
-        if Link.with_libraries:
-            shutil.copy(WINDOWS_BUILD / "link" / name, target)
-    shutil.rmtree(prefix.cache_dir)
-    prefix.cache_dir.mkdir()
-    yield Link()
-    for name in names_of_libraries:
-        (prefix.install_dir / name).unlink(missing_ok=True)
-
-
-def cache(prefix):
-    return sorted(name.upper() for name in os.listdir(prefix.cache_dir))
+from link_libraries import only_libraries
+from melody import TUNE, Melody
+from prefix import DEVICE_FOLDER, GLOBAL_SETTINGS, SETTINGS, UPLOADS
+from wine_paths import windows_path
+from words import ASK, REFUSED, REMINDER_ITEM, TOO_LONG, UNTITLED
+from xscreen import wait_until
 
 
 def used(link, function):
     """With the libraries the function was called in them; without, nothing was."""
-    found = any(line.startswith(function) for line in link.calls())
-    assert found == link.with_libraries, f"{function}: {link.calls()}"
-
-
-def temporary_files(prefix):
-    folder = prefix.path / "drive_c" / "users"
-    return [path for path in folder.rglob("Snd*") if path.is_file()]
-
-
-def close_with_reminder(editor, tick=False):
-    editor.close()
-    box = editor.wait_message(REMINDER)
-    if tick:
-        check = next(c for c in editor.children(box["hwnd"]) if c["text"] == "Do not show this dialog in the next time.")
-        editor.screen.click(*editor.centre(check["rect"]))
-    button = next(c for c in editor.children(box["hwnd"]) if c["class"] == "Button" and c["text"].strip("&") == "OK")
-    editor.screen.click(*editor.centre(button["rect"]))
-    editor.wait_end()
+    assert bool(link.calls(function)) == link.with_libraries, f"{function}: {link.calls()}"
 
 
 def test_open_from_the_organiser(start, prefix, link):
@@ -73,7 +24,7 @@ def test_open_from_the_organiser(start, prefix, link):
     editor.wait_dialog("Open on Veloxa")
     editor.screen.key("enter")
     editor.wait_caption("Sound Editor - Veloxa:TUNE.SND")
-    wait_names(editor, ["c5, Quarter note", "e5, Eighth note", "End"])
+    editor.wait_names(["c5, Quarter note", "e5, Eighth note", "End"])
     used(link, "Cor_PIMOpenFileDialog")
     stored = prefix.ask("getreg", SETTINGS, "File1")
     assert stored.startswith("0,Veloxa:TUNE.SND,C:\\Link\\")
@@ -88,7 +39,7 @@ def test_open_from_the_organiser_by_the_second_name_and_toolbar(start, prefix, l
     editor.screen.key("down")
     editor.screen.key("enter")
     editor.wait_caption("Sound Editor - Veloxa:B.SND")
-    wait_names(editor, ["b4, Quarter note", "End"])
+    editor.wait_names(["b4, Quarter note", "End"])
 
 
 def test_open_from_the_organiser_cancelled(start, prefix, link):
@@ -98,8 +49,8 @@ def test_open_from_the_organiser_cancelled(start, prefix, link):
     editor.wait_dialog("Open on Veloxa")
     editor.screen.key("escape")
     editor.no_dialog()
-    assert editor.caption() == "Sound Editor - Untitled"
-    assert names(editor) == ["End"]
+    assert editor.caption() == UNTITLED
+    assert editor.names() == ["End"]
 
 
 def test_save_to_the_organiser_as_then_save_again(start, prefix, link):
@@ -111,15 +62,15 @@ def test_save_to_the_organiser_as_then_save_again(start, prefix, link):
     editor.screen.type_text("FRESH")
     editor.screen.key("enter")
     wait_until(lambda: editor.caption().upper() == "SOUND EDITOR - VELOXA:FRESH.SND", 8, "the title")
-    assert cache(prefix) == ["FRESH.SND"]
+    assert prefix.on_device() == ["FRESH.SND"]
     saved = next(prefix.cache_dir.iterdir())
     assert Melody.text(saved)[1:] == ["c4 1/4"]
     used(link, "Cor_PutFile")
     editor.click_key("d4")
     editor.click_tool("Save to Veloxa")
     wait_until(lambda: saved.exists() and Melody.text(saved)[1:] == ["c4 1/4", "d4 1/4"], 8, "the second save")
-    assert temporary_files(prefix) == []
-    close_with_reminder(editor)
+    assert prefix.temporary_files(UPLOADS) == []
+    editor.close_with_reminder()
 
 
 def test_save_to_the_organiser_on_an_untitled_score_asks_for_a_name(start, prefix, link):
@@ -129,7 +80,7 @@ def test_save_to_the_organiser_on_an_untitled_score_asks_for_a_name(start, prefi
     editor.wait_dialog("Save to Veloxa as")
     editor.screen.key("escape")
     editor.no_dialog()
-    assert editor.caption() == "Sound Editor - Untitled" and cache(prefix) == []
+    assert editor.caption() == UNTITLED and prefix.on_device() == []
 
 
 def test_a_name_of_nine_characters_is_asked_for_again_at_the_next_save(start, prefix, link):
@@ -142,19 +93,19 @@ def test_a_name_of_nine_characters_is_asked_for_again_at_the_next_save(start, pr
     editor.screen.key("end")
     editor.click_key("c4")
     editor.choose("Save to Ve&loxa")
-    editor.message("File name cannot exceed 8 characters.  Change the file name.")
+    editor.message(TOO_LONG)
     editor.wait_dialog("Save to Veloxa as")
     editor.screen.key("ctrl+a")
     editor.screen.type_text("EIGHTCHR")
     editor.screen.key("enter")
     wait_until(lambda: editor.caption().upper() == "SOUND EDITOR - VELOXA:EIGHTCHR.SND", 8, "the title")
-    assert cache(prefix) == ["EIGHTCHR.SND", "NINECHARS.SND"]
+    assert prefix.on_device() == ["EIGHTCHR.SND", "NINECHARS.SND"]
 
 
 def test_the_device_commands_of_a_dropped_device_file(start, prefix, link):
     path = Melody.build(prefix.cache_dir / "DROPPED.SND", TUNE)
     editor = start(environment=link.environment())
-    editor.prefix.ask("drop", editor.hwnd, "C:\\Link\\pcferry\\cache\\System\\sound\\DROPPED.SND")
+    editor.prefix.ask("drop", editor.hwnd, DEVICE_FOLDER + "DROPPED.SND")
     editor.wait_caption("Sound Editor - Veloxa:DROPPED.SND")
     editor.screen.key("end")
     editor.click_key("c4")
@@ -166,7 +117,7 @@ def test_the_last_device_document_is_opened_again(start, prefix, link):
     path = Melody.build(prefix.cache_dir / "AGAIN.SND", TUNE)
     prefix.ask("delreg", SETTINGS, "File1")
     editor = start(environment=link.environment())
-    editor.prefix.ask("drop", editor.hwnd, "C:\\Link\\pcferry\\cache\\System\\sound\\AGAIN.SND")
+    editor.prefix.ask("drop", editor.hwnd, DEVICE_FOLDER + "AGAIN.SND")
     editor.wait_caption("Sound Editor - Veloxa:AGAIN.SND")
     editor.close()
     editor.wait_end()
@@ -177,7 +128,7 @@ def test_the_last_device_document_is_opened_again(start, prefix, link):
     again.wait_end()
     path.unlink()
     gone = start(environment=link.environment())
-    assert gone.caption() == "Sound Editor - Untitled"
+    assert gone.caption() == UNTITLED
     gone.no_dialog()
 
 
@@ -185,23 +136,22 @@ def test_the_reminder_is_shown_after_device_work_until_it_is_not_wanted(start, p
     Melody.build(prefix.cache_dir / "WORK.SND", TUNE)
     prefix.ask("delreg", GLOBAL_SETTINGS, "MsgDsp")
     editor = start(environment=link.environment())
-    item = "&Verify to transfer all data"
-    assert editor.menu()[item]["checked"]
-    editor.prefix.ask("drop", editor.hwnd, "C:\\Link\\pcferry\\cache\\System\\sound\\WORK.SND")
+    assert editor.menu()[REMINDER_ITEM]["checked"]
+    editor.prefix.ask("drop", editor.hwnd, DEVICE_FOLDER + "WORK.SND")
     editor.wait_caption("Sound Editor - Veloxa:WORK.SND")
     editor.choose("Save to Ve&loxa")
     editor.no_dialog(0.3)
-    close_with_reminder(editor, tick=True)
+    editor.close_with_reminder(tick=True)
     assert prefix.ask("getreg", GLOBAL_SETTINGS, "MsgDsp").strip() == "1"
-    editor = start("C:\\Link\\pcferry\\cache\\System\\sound\\WORK.SND", environment=link.environment())
-    assert not editor.menu()[item]["checked"]
+    editor = start(DEVICE_FOLDER + "WORK.SND", environment=link.environment())
+    assert not editor.menu()[REMINDER_ITEM]["checked"]
     editor.choose("Save to Ve&loxa")
     editor.no_dialog(0.3)
     editor.close()
     editor.wait_end()  # nothing is shown
     editor = start(environment=link.environment())
-    editor.choose(item)
-    wait_until(lambda: editor.menu()[item]["checked"], 5, "the tick")
+    editor.choose(REMINDER_ITEM)
+    wait_until(lambda: editor.menu()[REMINDER_ITEM]["checked"], 5, "the tick")
     assert prefix.ask("getreg", GLOBAL_SETTINGS, "MsgDsp").strip() == "0"
 
 
@@ -213,21 +163,17 @@ def test_no_reminder_without_device_work(start, link):
 
 # Faults that only the libraries can be told to have.
 
-only_libraries = pytest.mark.parametrize("link", ["link libraries"], indirect=True)
-
-
 @only_libraries
 def test_a_refused_upload_leaves_the_melody_in_the_editor(start, prefix, link):
     Melody.build(prefix.cache_dir / "REFUSED.SND", TUNE)
-    editor = start("C:\\Link\\pcferry\\cache\\System\\sound\\REFUSED.SND",
-                   environment=link.environment("putfile"))
+    editor = start(DEVICE_FOLDER + "REFUSED.SND", environment=link.environment("putfile"))
     editor.wait_caption("Sound Editor - Veloxa:REFUSED.SND")
     editor.screen.key("end")
     editor.click_key("g4")
     editor.choose("Save to Ve&loxa")
-    editor.message("File translate error when upload to Veloxa!")
-    wait_names(editor, ["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
-    assert temporary_files(prefix) == []
+    editor.message(REFUSED)
+    editor.wait_names(["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
+    assert prefix.temporary_files(UPLOADS) == []
     editor.close()
     editor.message(ASK, "Cancel")
     assert editor.main()["visible"]
@@ -238,12 +184,12 @@ def test_a_refused_disconnect_keeps_the_window_open(start, prefix, link):
     editor = start(environment=link.environment("disconnect"))
     before = prefix.ask("getreg", SETTINGS, "WindwInformation")
     editor.close()
-    wait_until(lambda: any(line.startswith("Cor_DoDisconnect") for line in link.calls()), 5, "the call")
+    wait_until(lambda: link.calls("Cor_DoDisconnect"), 5, "the call")
     editor.no_dialog()
     assert editor.process.poll() is None and editor.main()["visible"]
     assert prefix.ask("getreg", SETTINGS, "WindwInformation") == before
     editor.click_key("c4")
-    wait_names(editor, ["c4, Quarter note", "End"])
+    editor.wait_names(["c4, Quarter note", "End"])
 
 
 @only_libraries
@@ -264,14 +210,14 @@ def test_whatever_a_library_answers_the_editor_lives(start, prefix, link, fault)
     assert editor.main()["visible"] and editor.process.poll() is None
     editor.screen.key("end")
     editor.click_key("e4")
-    wait_until(lambda: "e4, Quarter note" in names(editor), 5, "a working window")
+    wait_until(lambda: "e4, Quarter note" in editor.names(), 5, "a working window")
 
 
 @only_libraries
 def test_disconnection_setup_is_the_librarys(start, link):
     editor = start(environment=link.environment("setup"))
     editor.choose("Dis&connection Setup...")
-    wait_until(lambda: any(line.startswith("Cor_SetupDisconnection") for line in link.calls()), 5, "the call")
+    wait_until(lambda: link.calls("Cor_SetupDisconnection"), 5, "the call")
 
 
 @only_libraries
@@ -283,4 +229,4 @@ def test_a_pc_document_is_reopened_with_no_other_call_than_the_question_where_it
     link.log.unlink()
     again = start(environment=link.environment())
     assert again.caption() == "Sound Editor - PC:PCFILE.SND"
-    assert {line.split("\t")[0].split(" ")[0].split("(")[0] for line in link.calls()} == {"Cor_IsOnPcFile"}
+    assert set(link.functions()) == {"Cor_IsOnPcFile"}

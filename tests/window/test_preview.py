@@ -5,18 +5,20 @@ import pathlib
 import shutil
 import signal
 import subprocess
-import sys
 import threading
 import time
 
 import pytest
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tools"))
-
-from editor import Melody, NATIVE_BUILD, WINDOWS_BUILD, WM_CLOSE, program, wait_until, windows_path  # noqa: E402
-from sound_device import Device, assert_heard  # noqa: E402
-from test_compose import names, wait_selected  # noqa: E402
-from Xlib import X  # noqa: E402
+from Xlib import X
+from building import WINDOWS_BUILD, program
+from editor import WM_CLOSE
+from melody import Melody
+from prefix import PREVIEWS, SCREEN_SIZE
+from sound_device import NoDevice, assert_heard
+from wine_paths import windows_path
+from words import ASK, PREVIEW_ITEM, PREVIEW_TOOL, WRITE_ERROR
+from xscreen import wait_until
 
 PLAYER = "sndrec32.exe"
 PLAYER_TITLE = "Sound Player"
@@ -30,14 +32,6 @@ SHORT = ["c5 1/16", "e5 1/16", "g5 1/16"]
 
 def text_of(lines, tempo=128):
     return "\n".join([f"tempo {tempo}", *lines]) + "\n"
-
-
-def samples_of(path):
-    """What the console companion makes of a melody: the WAV file's samples."""
-    tool = program(NATIVE_BUILD, "sndtool")
-    wav = subprocess.run([str(tool), "wav", str(path), "-o", "-"], check=True, stdout=subprocess.PIPE).stdout
-    assert wav[:4] == b"RIFF" and wav[36:40] == b"data"
-    return wav[44:]
 
 
 class Folder:
@@ -69,26 +63,8 @@ class Folder:
 @pytest.fixture(autouse=True)
 def no_files_left_from_before(prefix):
     """What an editor that was killed has left behind."""
-    for path in temporary_files(prefix):
+    for path in prefix.temporary_files(PREVIEWS):
         path.unlink()
-
-
-@pytest.fixture
-def sound(prefix, tmp_path):
-    """A sound device that keeps what it is given, at some times the pace of real time."""
-    device = Device(tmp_path)
-    prefix.environment["ALSA_CONFIG_PATH"] = str(device.config)
-    yield device
-    del prefix.environment["ALSA_CONFIG_PATH"]
-
-
-@pytest.fixture
-def slow_sound(prefix, tmp_path):
-    """The same in real time."""
-    device = Device(tmp_path, real_time=22050)
-    prefix.environment["ALSA_CONFIG_PATH"] = str(device.config)
-    yield device
-    del prefix.environment["ALSA_CONFIG_PATH"]
 
 
 @pytest.fixture
@@ -123,23 +99,13 @@ def play_verb(prefix):
     reg("delete", kind, "/f")
 
 
-def temporary_files(prefix):
-    """The preview's files in all folders of a prefix that may be the temporary one."""
-    return sorted(path for folder in temporary_folders(prefix) for path in folder.glob("$$*"))
-
-
-def temporary_folders(prefix):
-    users, windows = prefix.path / "drive_c" / "users", prefix.path / "drive_c" / "windows"
-    return [*users.glob("*/Temp"), *users.glob("*/AppData/Local/Temp"), *windows.glob("temp")]
-
-
 def enabled(editor):
     window = editor.main()
     return bool(window) and window["enabled"]
 
 
 def preview(editor):
-    editor.click_tool("Preview Sound")
+    editor.click_tool(PREVIEW_TOOL)
 
 
 def wait_playing(editor):
@@ -149,7 +115,7 @@ def wait_playing(editor):
 def wait_back(editor, timeout=30):
     """Enabled, in front, the keyboard on the grid, no file left."""
     wait_until(lambda: enabled(editor) and editor.screen.find(CONVERTING) is None, timeout, "the window to be enabled")
-    wait_until(lambda: not temporary_files(editor.prefix), 5, "the temporary files to be gone")
+    wait_until(lambda: not editor.prefix.temporary_files(PREVIEWS), 5, "the temporary files to be gone")
     try:
         wait_until(lambda: editor.screen.focused_title().startswith("Sound Editor - "), 5)
     except AssertionError:
@@ -160,26 +126,12 @@ def wait_back(editor, timeout=30):
 def still_works(editor):
     """The editor takes keys and edits."""
     editor.screen.key("home")
-    wait_selected(editor, [0])
-    before = names(editor)
+    editor.wait_selected([0])
+    before = editor.names()
     editor.screen.key("delete")
-    wait_until(lambda: names(editor) == before[1:], 5, "the deleted entry")
+    wait_until(lambda: editor.names() == before[1:], 5, "the deleted entry")
     editor.screen.key("ctrl+z")
-    wait_until(lambda: names(editor) == before, 5, "the entry again")
-
-
-def process_of(prefix, name):
-    """The running process of a program in this prefix, or None."""
-    for path in pathlib.Path("/proc").glob("[0-9]*"):
-        try:
-            line = (path / "cmdline").read_bytes().split(b"\0")
-            if not line[0].endswith((name.encode(), name.removesuffix(".exe").encode())):
-                continue
-            if f"WINEPREFIX={prefix.path}\0".encode() in (path / "environ").read_bytes():
-                return int(path.name)
-        except (FileNotFoundError, ProcessLookupError, PermissionError):
-            continue
-    return None
+    wait_until(lambda: editor.names() == before, 5, "the entry again")
 
 
 # --- what is heard
@@ -190,14 +142,14 @@ def test_whole_melody_is_heard_sample_by_sample(sound, start, melody, way):
     path = melody("TUNE.SND", text_of(TUNE))
     editor = start(windows_path(path))
     editor.screen.key("home")
-    wait_selected(editor, [0])
+    editor.wait_selected([0])
     if way == "toolbar":
         preview(editor)
     else:
-        editor.choose("Pre&view")
+        editor.choose(PREVIEW_ITEM)
     wait_playing(editor)
     wait_back(editor)
-    samples = samples_of(path)
+    samples = Melody.samples(path)
     assert len(samples) > 22050
     assert_heard(sound, samples)
     still_works(editor)
@@ -207,12 +159,12 @@ def test_whole_melody_is_heard_sample_by_sample(sound, start, melody, way):
 def test_selection_is_heard_sample_by_sample(sound, start, melody, tmp_path, backwards):
     editor = start(windows_path(melody("TUNE.SND", text_of(TUNE))))
     editor.select_columns(*((6, 1) if backwards else (1, 6)))
-    wait_selected(editor, list(range(1, 7)))
+    editor.wait_selected(list(range(1, 7)))
     preview(editor)
     wait_playing(editor)
     wait_back(editor)
-    assert_heard(sound, samples_of(Melody.build(tmp_path / "PART.SND", text_of(TUNE[1:7]))))
-    wait_selected(editor, list(range(1, 7)))
+    assert_heard(sound, Melody.samples(Melody.build(tmp_path / "PART.SND", text_of(TUNE[1:7]))))
+    editor.wait_selected(list(range(1, 7)))
 
 
 def test_separators_are_left_out(stand_in, start, melody, tmp_path):
@@ -223,20 +175,17 @@ def test_separators_are_left_out(stand_in, start, melody, tmp_path):
     wait_until(stand_in.starts, 20, "the player")
     wait_back(editor)
     notes = Melody.build(tmp_path / "NOTES.SND", text_of([line for line in lines if line != "|"]))
-    assert stand_in.heard() == samples_of(notes)
+    assert stand_in.heard() == Melody.samples(notes)
 
 
 def test_chosen_tempo_is_heard(stand_in, start, melody, tmp_path):
     stand_in.end()
     editor = start(windows_path(melody("SLOW.SND", text_of(SHORT, 60))), program_path=stand_in.editor)
-    box = editor.child("ComboBox")
-    editor.screen.click(box["rect"][0] + 20, (box["rect"][1] + box["rect"][3]) // 2)
-    editor.screen.key("ctrl+a")
-    editor.screen.type_text("240")
+    editor.type_tempo("240")
     preview(editor)
     wait_until(stand_in.starts, 20, "the player")
     wait_back(editor)
-    assert stand_in.heard() == samples_of(Melody.build(tmp_path / "FAST.SND", text_of(SHORT, 240)))
+    assert stand_in.heard() == Melody.samples(Melody.build(tmp_path / "FAST.SND", text_of(SHORT, 240)))
 
 
 def test_unsaved_changes_are_heard_and_stay_unsaved(stand_in, start, melody, tmp_path):
@@ -249,11 +198,11 @@ def test_unsaved_changes_are_heard_and_stay_unsaved(stand_in, start, melody, tmp
     wait_until(stand_in.starts, 20, "the player")
     wait_back(editor)
     shifted = [line.replace("5 ", "6 ") for line in SHORT]
-    assert stand_in.heard() == samples_of(Melody.build(tmp_path / "UP.SND", text_of(shifted)))
+    assert stand_in.heard() == Melody.samples(Melody.build(tmp_path / "UP.SND", text_of(shifted)))
     assert path.read_bytes() == saved
     assert editor.caption() == "Sound Editor - PC:SAVED.SND"
     editor.close()
-    editor.message("Do you want to save the changes?", "No")
+    editor.message(ASK, "No")
 
 
 # --- the player
@@ -274,7 +223,7 @@ def test_player_gets_its_documented_command_line(stand_in, start, melody):
     name = path.rsplit("\\", 1)[1]
     assert name.startswith("$$") and name.endswith(".wav") and len(name) == len("$$hhmmss.wav")
     assert name[2:8].isdigit()
-    files = [file.name for file in temporary_files(editor.prefix)]
+    files = [file.name for file in editor.prefix.temporary_files(PREVIEWS)]
     assert name in files and len(files) == 2 and any(file.endswith(".snd") for file in files)
     stand_in.end()
     wait_back(editor)
@@ -282,22 +231,22 @@ def test_player_gets_its_documented_command_line(stand_in, start, melody):
 
 def test_main_window_is_disabled_while_the_player_runs(stand_in, start, melody):
     editor = start(windows_path(melody("SHORT.SND", text_of(SHORT))), program_path=stand_in.editor)
-    before = names(editor)
+    before = editor.names()
     preview(editor)
     wait_playing(editor)
     wait_until(stand_in.starts, 20, "the player")
     editor.click_key("c4")
     editor.screen.key("delete")
     editor.screen.key("ctrl+z")
-    rect = editor.toolbar()["Preview Sound"]["rect"]
+    rect = editor.toolbar()[PREVIEW_TOOL]["rect"]
     editor.screen.click(*editor.centre(rect))
     time.sleep(0.5)
-    assert names(editor) == before
+    assert editor.names() == before
     assert not enabled(editor)
     stand_in.end()
     wait_back(editor)
     assert len(stand_in.starts()) == 1
-    assert names(editor) == before, "nothing that was pressed meanwhile is done afterwards"
+    assert editor.names() == before, "nothing that was pressed meanwhile is done afterwards"
 
 
 def test_preview_again_after_preview(stand_in, start, melody):
@@ -315,7 +264,7 @@ def test_killed_player(slow_sound, start, melody):
     preview(editor)
     wait_playing(editor)
     wait_until(slow_sound.sound, 20, "the sound")
-    process = wait_until(lambda: process_of(editor.prefix, PLAYER), 10, "the player's process")
+    process = wait_until(lambda: editor.prefix.process_of(PLAYER), 10, "the player's process")
     os.kill(process, signal.SIGKILL)
     wait_back(editor, 10)
     still_works(editor)
@@ -339,7 +288,7 @@ def test_player_that_runs_long_past_its_sound_is_waited_for(stand_in, start, mel
     wait_playing(editor)
     wait_until(stand_in.starts, 20, "the player")
     time.sleep(5)
-    assert not enabled(editor) and len(temporary_files(editor.prefix)) == 2
+    assert not enabled(editor) and len(editor.prefix.temporary_files(PREVIEWS)) == 2
     stand_in.end()
     wait_back(editor, 5)
     still_works(editor)
@@ -350,7 +299,7 @@ def test_player_that_never_ends_does_not_lock_the_user_out(stand_in, start, melo
     preview(editor)
     wait_playing(editor)
     wait_back(editor, KEPT_WAITING)
-    assert process_of(editor.prefix, PLAYER) is not None, "the player runs on"
+    assert editor.prefix.process_of(PLAYER) is not None, "the player runs on"
     still_works(editor)
 
 
@@ -374,7 +323,7 @@ def test_play_verb_where_there_is_no_player(alone, stand_in, start, melody, play
     wait_playing(editor)
     time.sleep(1)
     assert not enabled(editor), "its end is waited for as well"
-    assert stand_in.heard() == samples_of(path)
+    assert stand_in.heard() == Melody.samples(path)
     stand_in.end()
     wait_back(editor)
     still_works(editor)
@@ -396,7 +345,7 @@ def test_score_of_separators_has_no_notes(stand_in, start, melody):
     preview(editor)
     editor.message("Cannot find music notes.")
     wait_until(lambda: enabled(editor), 5, "the window")
-    assert temporary_files(editor.prefix) == [] and stand_in.starts() == []
+    assert editor.prefix.temporary_files(PREVIEWS) == [] and stand_in.starts() == []
     still_works(editor)
 
 
@@ -404,22 +353,19 @@ def test_selection_of_separators_has_no_notes(stand_in, start, melody):
     editor = start(windows_path(melody("BARS.SND", text_of(["c5 1/4", "|", "|", "d5 1/4"]))),
                    program_path=stand_in.editor)
     editor.select_columns(1, 2)
-    wait_selected(editor, [1, 2])
+    editor.wait_selected([1, 2])
     preview(editor)
     editor.message("Cannot find music notes.")
-    assert temporary_files(editor.prefix) == [] and stand_in.starts() == []
+    assert editor.prefix.temporary_files(PREVIEWS) == [] and stand_in.starts() == []
 
 
 def test_tempo_that_no_file_can_hold(stand_in, start, melody):
     editor = start(windows_path(melody("SHORT.SND", text_of(SHORT))), program_path=stand_in.editor)
-    box = editor.child("ComboBox")
-    editor.screen.click(box["rect"][0] + 20, (box["rect"][1] + box["rect"][3]) // 2)
-    editor.screen.key("ctrl+a")
-    editor.screen.type_text("7")
+    editor.type_tempo("7")
     preview(editor)
-    editor.message("Write error!")
+    editor.message(WRITE_ERROR)
     wait_until(lambda: enabled(editor), 5, "the window")
-    assert temporary_files(editor.prefix) == [] and stand_in.starts() == []
+    assert editor.prefix.temporary_files(PREVIEWS) == [] and stand_in.starts() == []
 
 
 def test_notes_that_do_not_fit_are_told_and_the_rest_is_heard(stand_in, start, melody):
@@ -432,7 +378,7 @@ def test_notes_that_do_not_fit_are_told_and_the_rest_is_heard(stand_in, start, m
     editor.screen.key("ctrl+v")
     wait_until(lambda: editor.toolbar()["Paste"]["enabled"], 5, "300 notes")
     editor.screen.key("home")
-    wait_selected(editor, [0])
+    editor.wait_selected([0])
     preview(editor)
     box = editor.wait_dialog("Sound Editor")
     shown = " ".join(child["text"] for child in editor.children(box["hwnd"]))
@@ -442,33 +388,29 @@ def test_notes_that_do_not_fit_are_told_and_the_rest_is_heard(stand_in, start, m
     editor.answer(box, "OK")
     wait_until(stand_in.starts, 60, "the player")
     wait_back(editor, 60)
-    note = samples_of(Melody.build(stand_in.path / "ONE.SND", text_of(["c5 1/1."], 640)))
+    note = Melody.samples(Melody.build(stand_in.path / "ONE.SND", text_of(["c5 1/1."], 640)))
     assert len(stand_in.heard()) == (300 - left_out) * len(note)
 
 
 def test_empty_score_has_nothing_to_preview(sound, start):
     editor = start()
-    assert not editor.menu()["Pre&view"]["enabled"]
-    assert not editor.toolbar()["Preview Sound"]["enabled"]
+    assert not editor.menu()[PREVIEW_ITEM]["enabled"]
+    assert not editor.toolbar()[PREVIEW_TOOL]["enabled"]
     editor.click_key("c4")
-    wait_until(lambda: editor.toolbar()["Preview Sound"]["enabled"], 5, "Preview")
-    assert editor.menu()["Pre&view"]["enabled"]
+    wait_until(lambda: editor.toolbar()[PREVIEW_TOOL]["enabled"], 5, "Preview")
+    assert editor.menu()[PREVIEW_ITEM]["enabled"]
 
 
-def test_no_sound_device(prefix, start, melody):
-    prefix.environment["ALSA_CONFIG_PATH"] = "/nonexistent/asound.conf"
-    try:
-        editor = start(windows_path(melody("SHORT.SND", text_of(SHORT))))
-        for _ in range(2):
-            assert not editor.menu()["Pre&view"]["enabled"]
-            assert not editor.toolbar()["Preview Sound"]["enabled"]
-            editor.click_key("c4")
-            wait_until(lambda: "c4, Quarter note" in names(editor), 5, "the note")
-        editor.screen.click(*editor.centre(editor.toolbar()["Preview Sound"]["rect"]))
-        time.sleep(0.5)
-        assert enabled(editor) and temporary_files(editor.prefix) == []
-    finally:
-        del prefix.environment["ALSA_CONFIG_PATH"]
+def test_no_sound_device(start, melody):
+    editor = start(windows_path(melody("SHORT.SND", text_of(SHORT))), environment=NoDevice().variables())
+    for _ in range(2):
+        assert not editor.menu()[PREVIEW_ITEM]["enabled"]
+        assert not editor.toolbar()[PREVIEW_TOOL]["enabled"]
+        editor.click_key("c4")
+        wait_until(lambda: "c4, Quarter note" in editor.names(), 5, "the note")
+    editor.screen.click(*editor.centre(editor.toolbar()[PREVIEW_TOOL]["rect"]))
+    time.sleep(0.5)
+    assert enabled(editor) and editor.prefix.temporary_files(PREVIEWS) == []
 
 
 # --- the converting window
@@ -479,7 +421,7 @@ def longest(stand_in, start, melody):
     """An editor with the longest melody: 509 half notes at the slowest tempo."""
     editor = start(windows_path(melody("LONGEST.SND", text_of(["c5 1/2"] * 509, 30))), program_path=stand_in.editor)
     editor.screen.key("home")
-    wait_selected(editor, [0])
+    editor.wait_selected([0])
     return editor
 
 
@@ -487,9 +429,9 @@ def longest(stand_in, start, melody):
 def slow_disk(longest):
     """Every note of the next previews takes milliseconds to write, so that there is time to look and to click."""
     now = time.time()
-    paths = [option for folder in temporary_folders(longest.prefix) for second in range(60)
+    paths = [option for folder in longest.prefix.temporary_folders() for second in range(60)
              for option in ("-P", str(folder / time.strftime("$$%H%M%S.wav", time.localtime(now + second))))]
-    process = process_of(longest.prefix, "Tonex.exe")
+    process = longest.prefix.process_of("Tonex.exe")
     strace = subprocess.Popen(["strace", "-o", "/dev/null", "-p", str(process), *paths, "-e", "trace=write",
                                "-e", "inject=write:delay_enter=4000"], stdin=subprocess.DEVNULL,
                               stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
@@ -540,7 +482,7 @@ class Watch:
 def preview_and_watch(editor, screen):
     """Clicks Preview; gives the moment of the click and what was seen until the converting window was gone."""
     watch = Watch(type(screen))
-    screen.move(*editor.centre(editor.toolbar()["Preview Sound"]["rect"]))
+    screen.move(*editor.centre(editor.toolbar()[PREVIEW_TOOL]["rect"]))
     time.sleep(0.3)
     screen.button(True)
     clicked = time.monotonic()
@@ -573,7 +515,7 @@ def test_converting_window_says_what_happens_in_the_middle_of_the_screen(slow_di
     texts = [child["text"] for child in slow_disk.children(window["hwnd"])]
     assert "Now converting Veloxa Sound to WAV..." in texts and "Wait for a moment." in texts
     left, top, right, bottom = window["rect"]
-    assert abs((left + right) / 2 - 960) < 20 and abs((top + bottom) / 2 - 600) < 30
+    assert [left + right, top + bottom] == pytest.approx(SCREEN_SIZE, abs=60)
     wait_until(stand_in.starts, 60, "the player")
     assert screen.find(CONVERTING) is None
     stand_in.end()
@@ -604,7 +546,7 @@ def test_main_window_repaints_while_converting(slow_disk, stand_in, screen):
     own = type(screen)()
     cover = Cover(own, *place)
     wait_until(lambda: own.picture(*place).getpixel((5, 5)) == (255, 0, 255), 5, "the cover")
-    x, y = slow_disk.centre(slow_disk.toolbar()["Preview Sound"]["rect"])
+    x, y = slow_disk.centre(slow_disk.toolbar()[PREVIEW_TOOL]["rect"])
     screen.click(x, y)
     wait_until(lambda: own.find(CONVERTING), 10, "the converting window", step=0.002)
     cover.lift()
@@ -616,7 +558,7 @@ def test_main_window_repaints_while_converting(slow_disk, stand_in, screen):
 
 def test_preview_while_converting_does_nothing(slow_disk, stand_in, screen):
     stand_in.end()
-    x, y = slow_disk.centre(slow_disk.toolbar()["Preview Sound"]["rect"])
+    x, y = slow_disk.centre(slow_disk.toolbar()[PREVIEW_TOOL]["rect"])
     screen.click(x, y)
     wait_until(lambda: screen.find(CONVERTING), 10, "the converting window", step=0.002)
     screen.click(x, y)
@@ -634,14 +576,14 @@ def test_preview_while_converting_does_nothing(slow_disk, stand_in, screen):
 def test_closing_while_converting_is_refused(slow_disk, stand_in, screen):
     stand_in.end()
     slow_disk.prefix.ask("post", slow_disk.hwnd, WM_NULL, 0, 0)
-    screen.click(*slow_disk.centre(slow_disk.toolbar()["Preview Sound"]["rect"]))
+    screen.click(*slow_disk.centre(slow_disk.toolbar()[PREVIEW_TOOL]["rect"]))
     wait_until(lambda: screen.find(CONVERTING), 10, "the converting window", step=0.002)
     slow_disk.close()
     assert screen.find(CONVERTING) is not None, "the close came too late to be a test"
     wait_until(stand_in.starts, 60, "the player")
     wait_back(slow_disk, 60)
     slow_disk.screen.key("shift+right")
-    wait_selected(slow_disk, [0, 1])
+    slow_disk.wait_selected([0, 1])
 
 
 @pytest.mark.parametrize("way", ["message", "key"])
@@ -661,9 +603,9 @@ def test_closing_while_the_player_runs_is_refused(stand_in, start, melody, way):
     wait_back(editor)
     still_works(editor)
     editor.close()
-    editor.message("Do you want to save the changes?", "No")
+    editor.message(ASK, "No")
     editor.wait_end()
-    assert temporary_files(editor.prefix) == []
+    assert editor.prefix.temporary_files(PREVIEWS) == []
 
 
 def test_closing_the_converting_window_is_refused(slow_disk, stand_in, screen):

@@ -6,8 +6,13 @@ import time
 
 import pytest
 
-from editor import Editor, Melody, Prefix, SETTINGS, wait_until, windows_path
-from test_compose import wait_names
+from editor import Editor
+from melody import Melody
+from prefix import SETTINGS, Prefix
+from wine_paths import windows_path
+from words import UNTITLED
+from xscreen import wait_until
+
 
 
 def test_a_second_copy_brings_the_first_to_the_front_and_ends(start, melody):
@@ -22,16 +27,15 @@ def test_a_second_copy_brings_the_first_to_the_front_and_ends(start, melody):
     wait_until(lambda: first.prefix.ask("foreground") == first.hwnd, 8, "the first copy in front")
     # The file of the second copy's command line is not handed over; nothing was asked.
     first.no_dialog()
-    wait_names(first, ["c4, Quarter note", "End"])
-    assert first.caption() == "Sound Editor - Untitled"
+    first.wait_names(["c4, Quarter note", "End"])
+    assert first.caption() == UNTITLED
     other.kill()
     other.wait(10)
 
 
 def test_a_second_copy_restores_a_minimised_first(start):
     first = start()
-    first.prefix.ask("post", first.hwnd, 0x112, 0xF020, 0)  # the system menu's Minimise
-    wait_until(lambda: first.main()["minimised"], 5, "the minimised window")
+    first.minimise()
     second = start(ready=False)
     assert second.wait_end() == 0
     wait_until(lambda: not first.main()["minimised"], 5, "the restored window")
@@ -73,7 +77,7 @@ def test_the_placement_is_kept_over_a_restart(screen, dpi):
         stored = prefix.ask("getreg", SETTINGS, "WindwInformation").split(",")
         assert [int(field) for field in stored] == [1, before[3], before[0], before[2], before[1]]
         again = Editor(prefix, screen).wait_ready()
-        wait_until(lambda: [abs(a - b) <= 2 for a, b in zip(again.main()["rect"], before)] == [True] * 4, 5,
+        wait_until(lambda: again.main()["rect"] == pytest.approx(before, abs=2), 5,
                    f"{again.main()['rect']} to become {before}")
         again.kill()
     finally:
@@ -95,20 +99,9 @@ def test_any_stored_placement_gives_a_window_on_the_screen(screen, prefix, store
         editor.kill()
 
 
-def help_opened(prefix, tmp_path):
-    """Lets the system's browser be a script that keeps what it is given, and takes the help reader away."""
-    (prefix.path / "drive_c" / "windows" / "winhlp32.exe").unlink(missing_ok=True)
-    note = tmp_path / "opened"
-    script = tmp_path / "browser"
-    script.write_text(f'#!/bin/sh\nprintf "%s\\n" "$1" >>{note}\n')
-    script.chmod(0o755)
-    prefix.ask("setreg", "Software\\Wine\\WineBrowser", "Browsers", str(script))
-    return note
-
-
 @pytest.mark.parametrize("way", ["f1", "menu"])
 def test_f1_and_the_menu_open_the_guide_where_there_is_no_help_reader(start, prefix, tmp_path, way):
-    note = help_opened(prefix, tmp_path)
+    note = prefix.opened_pages(tmp_path)
     editor = start()
     if way == "f1":
         editor.screen.key("f1")

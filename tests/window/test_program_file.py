@@ -4,7 +4,8 @@ import pathlib
 import re
 import subprocess
 
-from editor import WINDOWS_BUILD, program
+from building import WINDOWS_BUILD, program
+
 
 HERE = pathlib.Path(__file__).parent
 KNOWN_IMPORTS = HERE / "imports_of_windows_xp.txt"

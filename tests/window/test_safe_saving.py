@@ -7,10 +7,10 @@ import signal
 import subprocess
 import time
 
-from editor import Melody, wait_until, windows_path
-from test_compose import wait_names
-
-ASK = "Do you want to save the changes?"
+from melody import Melody
+from wine_paths import windows_path
+from words import ASK, UNTITLED, WRITE_ERROR
+from xscreen import wait_until
 
 
 def fill(folder):
@@ -32,7 +32,7 @@ def test_on_a_full_disk_the_old_file_stays_whole(start, small_disk):
     fill(small_disk)
     caption = editor.caption()
     editor.screen.key("ctrl+s")
-    editor.message("Write error!")
+    editor.message(WRITE_ERROR)
     assert path.read_bytes() == before
     assert sorted(os.listdir(small_disk)) == ["FULL.SND", "filler"], "no temporary file is left"
     assert editor.caption() == caption
@@ -52,9 +52,9 @@ def test_on_a_full_disk_a_new_file_leaves_nothing(start, small_disk):
     editor.click_key("c4")
     fill(small_disk)
     editor.save_as(small_disk / "NEW.SND")
-    editor.message("Write error!")
+    editor.message(WRITE_ERROR)
     assert os.listdir(small_disk) == ["filler"]
-    assert editor.caption() == "Sound Editor - Untitled"
+    assert editor.caption() == UNTITLED
 
 
 def test_a_folder_that_is_gone_is_a_write_error(start, tmp_path):
@@ -63,10 +63,10 @@ def test_a_folder_that_is_gone_is_a_write_error(start, tmp_path):
     editor = start(windows_path(Melody.build(folder / "GONE.SND", "tempo 120\nc4 1/4\n")))
     editor.screen.key("end")
     editor.click_key("d4")
-    wait_names(editor, ["c4, Quarter note", "d4, Quarter note", "End"])
+    editor.wait_names(["c4, Quarter note", "d4, Quarter note", "End"])
     shutil.rmtree(folder)
     editor.screen.key("ctrl+s")
-    editor.message("Write error!")
+    editor.message(WRITE_ERROR)
     assert editor.caption() == "Sound Editor - PC:GONE.SND"
     editor.close()
     editor.message(ASK, "Cancel")
@@ -140,7 +140,7 @@ def test_a_write_error_of_the_system_is_told(start, tmp_path):
                5, "the tracer")
     try:
         editor.screen.key("ctrl+s")
-        editor.message("Write error!")
+        editor.message(WRITE_ERROR)
         assert path.read_bytes() == before
     finally:
         tracer.terminate()

@@ -1,27 +1,20 @@
 """What the program keeps between two runs, help and the small windows, in the real program."""
 
-import os
-import subprocess
 import time
 
 import pytest
 
-from editor import Editor, GLOBAL_SETTINGS, Melody, Prefix, SETTINGS, WINDOWS_BUILD, program, wait_until, \
-    windows_path
-from test_compose import names, wait_names
-from test_organiser import REMINDER, close_with_reminder, link  # noqa: F401
-from test_program import help_opened
+from building import WINDOWS_BUILD, program
+from editor import MAXIMISE, RESTORE, WM_CLOSE, Editor
+from link_libraries import only_libraries
+from melody import Melody
+from prefix import DEVICE_FOLDER, GLOBAL_SETTINGS, LINK_ENTRY, SCREEN_SIZE, SETTINGS, Prefix, virtual_screen
+from wine_paths import windows_path
+from words import ASK, DOREMI, NOT_AGAIN, READ_ERROR, REMINDER, REMINDER_ITEM, UNTITLED
+from xscreen import wait_until
 
-WM_CLOSE = 0x10
-MINIMISE = (0x112, 0xF020, 0)
-MAXIMISE = (0x112, 0xF030, 0)
+
 WS_MAXIMIZE = 0x01000000
-REMINDER_ITEM = "&Verify to transfer all data"
-DOREMI = "ﾄﾞﾚﾐ表示(&D)"
-DEVICE_FOLDER = "C:\\Link\\pcferry\\cache\\System\\sound\\"
-SCREEN = (1920, 1200)
-
-
 def stored_placement(prefix):
     return [int(field) for field in prefix.ask("getreg", SETTINGS, "WindwInformation").split(",")]
 
@@ -30,8 +23,8 @@ def maximised(editor):
     return editor.main()["style"] & WS_MAXIMIZE != 0
 
 
-def near(rect, wanted, slack=2):
-    return all(abs(a - b) <= slack for a, b in zip(rect, wanted))
+def near(rect, slack=2):
+    return pytest.approx(list(rect), abs=slack)
 
 
 @pytest.fixture(params=[96, 144])
@@ -61,18 +54,10 @@ def start_with(prefix, screen):
 @pytest.fixture(scope="module")
 def bare():
     """A prefix on a screen without a window manager, which would bring stray windows back by itself."""
-    read, write = os.pipe()
-    os.set_inheritable(write, True)
-    xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "1920x1200x24", "-nolisten", "tcp"],
-                            pass_fds=[write], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    os.close(write)
-    with os.fdopen(read) as pipe:
-        number = pipe.readline().strip()
-    prefix = Prefix("bare-screen", environment={"DISPLAY": ":" + number})
-    yield prefix
-    prefix.end()
-    xvfb.terminate()
-    xvfb.wait(10)
+    with virtual_screen() as name:
+        prefix = Prefix("bare-screen", environment={"DISPLAY": name})
+        yield prefix
+        prefix.end()
 
 
 # Placement.
@@ -87,29 +72,28 @@ def test_a_maximised_window_comes_back_maximised_over_the_same_normal_place(scal
     first.wait_end()
     stored = stored_placement(scaled)
     assert stored[0] == 3
-    assert near([stored[2], stored[4], stored[3], stored[1]], normal)
+    assert [stored[2], stored[4], stored[3], stored[1]] == near(normal)
     again = Editor(scaled, screen).wait_ready()
     wait_until(lambda: maximised(again), 5, "the maximised window")
     again.close()
     again.wait_end()
     assert stored_placement(scaled)[0] == 3
     again = Editor(scaled, screen).wait_ready()
-    scaled.ask("post", again.hwnd, 0x112, 0xF120, 0)  # the system menu's Restore
-    wait_until(lambda: near(again.main()["rect"], normal), 5, f"{again.main()['rect']} to become {normal}")
+    scaled.ask("post", again.hwnd, *RESTORE)
+    wait_until(lambda: again.main()["rect"] == near(normal), 5, f"{again.main()['rect']} to become {normal}")
     again.kill()
 
 
 def test_a_window_closed_while_minimised_comes_back_normal(scaled, screen):
     first = Editor(scaled, screen).wait_ready()
     normal = first.main()["rect"]
-    scaled.ask("post", first.hwnd, *MINIMISE)
-    wait_until(lambda: first.main()["minimised"], 5, "the minimised window")
+    first.minimise()
     first.close()
     first.wait_end()
     assert stored_placement(scaled)[0] == 2
     again = Editor(scaled, screen).wait_ready()
     assert not again.main()["minimised"] and not maximised(again)
-    wait_until(lambda: near(again.main()["rect"], normal), 5, f"{again.main()['rect']} to become {normal}")
+    wait_until(lambda: again.main()["rect"] == near(normal), 5, f"{again.main()['rect']} to become {normal}")
     again.kill()
 
 
@@ -119,7 +103,7 @@ def test_a_window_closed_while_minimised_comes_back_normal(scaled, screen):
 def test_a_damaged_placement_centres_the_window(start_with, stored):
     editor = start_with(SETTINGS, "WindwInformation", stored)
     left, top, right, bottom = editor.main()["rect"]
-    assert near([left + right, top + bottom], SCREEN, 70), "the centre of the screen, but for the frame"
+    assert [left + right, top + bottom] == near(SCREEN_SIZE, 70), "the centre of the screen, but for the frame"
 
 
 @pytest.mark.parametrize("stored", [
@@ -134,7 +118,7 @@ def test_a_placement_outside_the_screens_is_brought_onto_one(bare, stored):
     try:
         wait_until(lambda: editor.main() and editor.main()["visible"], 20, "the main window")
         left, top, right, bottom = editor.main()["rect"]
-        assert left >= 0 and top >= 0 and right <= SCREEN[0] and bottom <= SCREEN[1], editor.main()["rect"]
+        assert left >= 0 and top >= 0 and right <= SCREEN_SIZE[0] and bottom <= SCREEN_SIZE[1], editor.main()["rect"]
         assert right - left >= 600 and bottom - top >= 300
         assert not editor.main()["minimised"]
     finally:
@@ -144,32 +128,25 @@ def test_a_placement_outside_the_screens_is_brought_onto_one(bare, stored):
 def test_a_stored_minimised_state_restores_the_place_as_normal(start_with):
     editor = start_with(SETTINGS, "WindwInformation", "2,1000,100,1300,200")
     assert not editor.main()["minimised"]
-    assert near(editor.main()["rect"], [100, 200, 1300, 1000])
+    assert editor.main()["rect"] == near([100, 200, 1300, 1000])
 
 
 # The order of close.
-
-def calls_of(link, function):
-    return [line for line in link.calls() if line.startswith(function)]
-
-
-only_libraries = pytest.mark.parametrize("link", ["link libraries"], indirect=True)
-
 
 @only_libraries
 def test_a_cancelled_close_neither_disconnects_nor_stores(start, prefix, link):
     editor = start(environment=link.environment())
     editor.click_key("c4")
     editor.close()
-    editor.message("Do you want to save the changes?", "Cancel")
+    editor.message(ASK, "Cancel")
     editor.no_dialog()
-    assert calls_of(link, "Cor_DoDisconnect") == []
+    assert link.calls("Cor_DoDisconnect") == []
     assert prefix.ask("getreg", SETTINGS, "WindwInformation") is None
-    wait_names(editor, ["c4, Quarter note", "End"])
+    editor.wait_names(["c4, Quarter note", "End"])
     editor.close()
-    editor.message("Do you want to save the changes?", "No")
+    editor.message(ASK, "No")
     editor.wait_end()
-    assert len(calls_of(link, "Cor_DoDisconnect")) == 1
+    assert len(link.calls("Cor_DoDisconnect")) == 1
     assert len(stored_placement(prefix)) == 5
 
 
@@ -178,10 +155,10 @@ def test_the_reminder_comes_after_disconnecting_and_before_the_place_is_stored(s
     Melody.build(prefix.cache_dir / "WORK.SND", "tempo 120\nc5 1/4\n")
     editor = start(DEVICE_FOLDER + "WORK.SND", environment=link.environment())
     editor.choose("Save to Ve&loxa")
-    wait_until(lambda: calls_of(link, "Cor_PutFile"), 5, "the upload")
+    wait_until(lambda: link.calls("Cor_PutFile"), 5, "the upload")
     editor.close()
     box = editor.wait_message(REMINDER)
-    assert len(calls_of(link, "Cor_DoDisconnect")) == 1
+    assert len(link.calls("Cor_DoDisconnect")) == 1
     assert prefix.ask("getreg", SETTINGS, "WindwInformation") is None
     assert editor.main()["visible"] and not editor.main()["enabled"]
     editor.answer(box, "Cancel")
@@ -215,14 +192,14 @@ def test_the_reminder_by_keyboard_alone(start, prefix, link):
     editor = work_on_device(start, prefix, link)
     editor.close()
     box = editor.wait_message(REMINDER)
-    assert editor.focus()["text"] == "Do not show this dialog in the next time."
+    assert editor.focus()["text"] == NOT_AGAIN
     editor.screen.key("space")
     editor.screen.key("tab")
     wait_until(lambda: editor.focus()["text"] == "OK", 5, "the button with the keyboard")
     editor.screen.key("tab")
     wait_until(lambda: editor.focus()["text"].startswith("Do not"), 5, "the check box with the keyboard")
     left, top, right, bottom = box["rect"]
-    assert near([left + right, top + bottom], SCREEN, 70)
+    assert [left + right, top + bottom] == near(SCREEN_SIZE, 70)
     editor.screen.key("enter")
     editor.wait_end()
     assert prefix.ask("getreg", GLOBAL_SETTINGS, "MsgDsp") == "1"
@@ -242,7 +219,7 @@ def test_escape_closes_the_reminder_and_keeps_the_mark(start, prefix, link, tick
 
 
 def test_f1_in_the_reminder_opens_the_guide(start, prefix, link, tmp_path):
-    note = help_opened(prefix, tmp_path)
+    note = prefix.opened_pages(tmp_path)
     editor = work_on_device(start, prefix, link)
     editor.close()
     box = editor.wait_message(REMINDER)
@@ -283,18 +260,18 @@ def test_the_tick_follows_what_another_program_of_the_suite_stores(start, prefix
 def test_do_re_mi_is_kept_over_a_restart(start, prefix, melody):
     path = windows_path(melody("NAMES.SND", "tempo 120\nc5 1/4\n"))
     editor = start(path)
-    letters = names(editor)
+    letters = editor.names()
     editor.screen.key("alt+v")
     time.sleep(0.15)
     editor.screen.key("d")
-    wait_until(lambda: names(editor) != letters, 5, "do-re-mi names")
-    doremi = names(editor)
+    wait_until(lambda: editor.names() != letters, 5, "do-re-mi names")
+    doremi = editor.names()
     stored = prefix.ask("getreg", SETTINGS, "DoremiFlag")
     assert stored == "-1"
     editor.close()
     editor.wait_end()
     again = start(path)
-    assert names(again) == doremi
+    assert again.names() == doremi
     assert again.menu()[DOREMI]["checked"]
 
 
@@ -311,7 +288,7 @@ def test_the_last_pc_document_is_opened_again(start_with, melody):
     path = melody("LAST.SND", "tempo 96\nc5 1/4\ne5 1/8\n")
     editor = start_with(SETTINGS, "File1", "1,PC:LAST.SND," + windows_path(path))
     assert editor.caption() == "Sound Editor - PC:LAST.SND"
-    wait_names(editor, ["c5, Quarter note", "e5, Eighth note", "End"])
+    editor.wait_names(["c5, Quarter note", "e5, Eighth note", "End"])
     editor.close()  # nothing has changed
     editor.wait_end()
 
@@ -323,8 +300,8 @@ def test_the_last_pc_document_is_opened_again(start_with, melody):
 def test_a_last_document_that_is_gone_gives_an_untitled_start(start_with, stored):
     editor = start_with(SETTINGS, "File1", stored)
     editor.no_dialog()
-    assert editor.caption() == "Sound Editor - Untitled"
-    assert names(editor) == ["End"]
+    assert editor.caption() == UNTITLED
+    assert editor.names() == ["End"]
     editor.click_key("c4")
     editor.choose("&Save to PC")
     editor.wait_dialog("Save to PC")  # no path is left: a name is asked for
@@ -335,9 +312,9 @@ def test_a_last_document_that_is_no_melody_tells_so(start_with, prefix):
     path = prefix.sound_dir / "BROKEN.SND"
     path.write_bytes(b"\x07\x00\x21\x00")
     editor = start_with(SETTINGS, "File1", "1,PC:BROKEN.SND,C:\\Link\\userdata\\sound\\BROKEN.SND", ready=False)
-    editor.message("Read error!")
+    editor.message(READ_ERROR)
     editor.wait_ready()
-    assert editor.caption() == "Sound Editor - Untitled"
+    assert editor.caption() == UNTITLED
     assert prefix.ask("getreg", SETTINGS, "File1") == "1,PC:,"
 
 
@@ -352,7 +329,7 @@ def test_the_command_line_wins_over_the_last_document(start_with, melody):
 
 @pytest.mark.parametrize("chord", ["shift+f1", "ctrl+f1"])
 def test_f1_with_a_shift_key_opens_nothing(start, prefix, tmp_path, chord):
-    note = help_opened(prefix, tmp_path)
+    note = prefix.opened_pages(tmp_path)
     editor = start()
     editor.screen.key(chord)
     time.sleep(1.5)
@@ -363,7 +340,7 @@ def test_f1_with_a_shift_key_opens_nothing(start, prefix, tmp_path, chord):
 
 def test_f1_from_every_control(start, prefix, tmp_path):
     """The tempo box, the piano and the toolbar pass F1 on."""
-    note = help_opened(prefix, tmp_path)
+    note = prefix.opened_pages(tmp_path)
     editor = start()
     for stop in range(1, 7):
         editor.screen.key("f1")
@@ -399,10 +376,8 @@ def test_details_show_the_programs_own_about_window_in_the_middle_of_the_screen(
     own = wait_until(lambda: next((d for d in editor.dialogs() if d["hwnd"] != box["hwnd"]), None), 5, "the details")
     texts = [child["text"] for child in editor.children(own["hwnd"])]
     assert any(text.startswith("Version ") for text in texts)
-    geometry = editor.screen.root.get_geometry()
     left, top, right, bottom = own["rect"]
-    assert abs((left + right) - geometry.width) <= 4
-    assert abs((top + bottom) - geometry.height) <= 4
+    assert [left + right, top + bottom] == near(SCREEN_SIZE, 4)
     editor.screen.key("enter")
     wait_until(lambda: len(editor.dialogs()) == 1, 5, "the details' end")
     editor.screen.key("escape")
@@ -413,7 +388,7 @@ def test_the_silent_end_with_an_empty_entry(screen):
     prefix = Prefix("empty-entry")
     try:
         for value in ("", "\\"):
-            prefix.ask("setreg", "Software\\QMT\\Corvane-e\\PC", "InstallDir", value)
+            prefix.ask("setreg", LINK_ENTRY, "InstallDir", value)
             editor = Editor(prefix, screen)
             assert editor.wait_end(20) == 0
             assert editor.windows() == []
@@ -425,7 +400,7 @@ def test_the_silent_end_with_an_empty_entry(screen):
 def test_an_entry_with_a_backslash_at_its_end(screen):
     prefix = Prefix("backslash-entry")
     try:
-        prefix.ask("setreg", "Software\\QMT\\Corvane-e\\PC", "InstallDir", "C:\\Link\\")
+        prefix.ask("setreg", LINK_ENTRY, "InstallDir", "C:\\Link\\")
         path = Melody.build(prefix.cache_dir / "TUNE.SND", "tempo 120\nc5 1/4\n")
         editor = Editor(prefix, screen, DEVICE_FOLDER + path.name).wait_ready()
         assert editor.caption() == "Sound Editor - Veloxa:TUNE.SND"

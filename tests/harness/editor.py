@@ -1,147 +1,33 @@
 """Drives the real Tonex.exe: starts it under Wine, presses real keys and buttons, and looks inside by the probe."""
 
-import json
-import os
-import pathlib
-import random
 import re
-import shutil
 import signal
-import subprocess
-import sys
 import time
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-sys.path.insert(0, str(ROOT / "resources" / "scripts"))
+from building import BUILD, WINDOWS_BUILD, program
+from wine_paths import windows_path
+from words import NOT_AGAIN, REMINDER
+from xscreen import wait_until
 
-from xscreen import Screen, wait_until  # noqa: E402
-
-BUILD = ROOT / "build"
-WINDOWS_BUILD = pathlib.Path(os.environ.get("TONEX_WINDOWS_BUILD", BUILD / "windows"))
-NATIVE_BUILD = pathlib.Path(os.environ.get("TONEX_NATIVE_BUILD", BUILD / "native"))
 SCREENS = BUILD / "screens"
-INSTALL_DIR = "C:\\Link"
-SETTINGS = "Software\\VB and VBA Program Settings\\Corvane\\Tonex"
-GLOBAL_SETTINGS = "Software\\VB and VBA Program Settings\\Corvane\\Global"
 
-WM_CLOSE = 0x10
-IDOK, IDCANCEL, IDYES, IDNO = 1, 2, 6, 7
-ANSWERS = {"OK": IDOK, "Cancel": IDCANCEL, "Yes": IDYES, "No": IDNO}
-
-
-def program(folder, name):
-    """The newest built program of a name."""
-    found = sorted(folder.rglob(name), key=lambda path: path.stat().st_mtime)
-    assert found, f"{name} has not been built in {folder}"
-    return found[-1]
+WM_CLOSE, WM_SYSCOMMAND = 0x10, 0x112
+# The system menu's commands.
+MINIMISE = WM_SYSCOMMAND, 0xF020, 0
+MAXIMISE = WM_SYSCOMMAND, 0xF030, 0
+RESTORE = WM_SYSCOMMAND, 0xF120, 0
+MENU_CLASS, DIALOG_CLASS = "#32768", "#32770"
+ANSWERS = {"OK": 1, "Cancel": 2, "Yes": 6, "No": 7}
+STATE_SELECTED, STATE_FOCUSED = 0x2, 0x4
+TITLE = "Sound Editor - "
 
 
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
-
-
-def registry_text(path, values):
-    """Lines for a prefix's user.reg: numbers become dwords, the rest text."""
-    lines = ["", "[" + path.replace("\\", "\\\\") + "] 1700000000"]
-    for name, value in values.items():
-        if isinstance(value, int):
-            lines.append(f'"{name}"=dword:{value:08x}')
-        else:
-            escaped = value.replace("\\", "\\\\").replace('"', '\\"')
-            lines.append(f'"{name}"="{escaped}"')
-    return "\n".join(lines) + "\n"
-
-
-def sweep(folder):
-    """Removes the prefixes of test runs that were killed; their names end in the process that made them."""
-    for path in folder.iterdir():
-        maker = path.name.rpartition("-")[2]
-        if maker.isdigit() and not os.path.exists(f"/proc/{maker}"):
-            shutil.rmtree(path, ignore_errors=True)
-
-
-class Prefix:
-    """A Wine prefix of its own with the link software's entry and folders, and a probe inside it."""
-
-    def __init__(self, name, dpi=96, environment=None, link_entry=True):
-        folder = BUILD / "wine-window"
-        folder.mkdir(parents=True, exist_ok=True)
-        sweep(folder)
-        self.path = folder / f"{name}-{os.getpid()}"
-        subprocess.run(["cp", "-a", str(BUILD / "wine-template"), str(self.path)], check=True)
-        with open(self.path / "user.reg", "a", encoding="ascii") as registry:
-            if link_entry:
-                registry.write(registry_text("Software\\QMT\\Corvane-e\\PC", {"InstallDir": INSTALL_DIR}))
-            registry.write(registry_text("Control Panel\\Desktop", {"LogPixels": dpi}))
-            registry.write(registry_text("Software\\Wine\\Fonts", {"LogPixels": dpi}))
-        self.install_dir = self.path / "drive_c" / "Link"
-        self.sound_dir = self.install_dir / "userdata" / "sound"
-        self.cache_dir = self.install_dir / "pcferry" / "cache" / "System" / "sound"
-        self.sound_dir.mkdir(parents=True)
-        self.cache_dir.mkdir(parents=True)
-        self.environment = dict(os.environ, WINEARCH="win32", WINEPREFIX=str(self.path), WINEDEBUG="-all",
-                                WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d", **(environment or {}))
-        self._probe = None
-
-    def start(self, command, environment=None, **options):
-        return subprocess.Popen(command, env={**self.environment, **(environment or {})}, stdin=subprocess.DEVNULL,
-                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **options)
-
-    def ask(self, *words):
-        """Sends the probe a command and gives its answer."""
-        if self._probe is None or self._probe.poll() is not None:
-            path = program(WINDOWS_BUILD, "probe.exe")
-            self._probe = subprocess.Popen(["wine", str(path)], env=self.environment, cwd=path.parent,
-                                           stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                           stderr=subprocess.DEVNULL)
-        self._probe.stdin.write(("\t".join(str(word) for word in words) + "\n").encode())
-        self._probe.stdin.flush()
-        line = self._probe.stdout.readline()
-        assert line, f"the probe ended at {words}"
-        answer = json.loads(line.decode("utf-8"))
-        if isinstance(answer, dict) and "error" in answer:
-            raise AssertionError(f"probe: {words}: {answer['error']}")
-        return answer
-
-    def forget_settings(self):
-        for name in ("DoremiFlag", "WindwInformation", "File1"):
-            self.ask("delreg", SETTINGS, name)
-        self.ask("delreg", GLOBAL_SETTINGS, "MsgDsp")
-
-    def end(self):
-        if self._probe is not None and self._probe.poll() is None:
-            self._probe.stdin.close()
-        subprocess.run(["wineserver", "-k"], env=self.environment, timeout=30, check=False,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        if self._probe is not None:
-            self._probe.wait(20)
-        shutil.rmtree(self.path, ignore_errors=True)
-
-
-class Melody:
-    """SND files as text and back, by the console companion."""
-
-    @staticmethod
-    def build(path, text):
-        tool = program(NATIVE_BUILD, "sndtool")
-        subprocess.run([str(tool), "build", "-", "-o", str(path)], input=text.encode(), check=True)
-        return path
-
-    @staticmethod
-    def text(path):
-        """The lines of the melody text, the comments left out."""
-        tool = program(NATIVE_BUILD, "sndtool")
-        result = subprocess.run([str(tool), "text", str(path)], check=True, stdout=subprocess.PIPE)
-        lines = [re.sub(r"(^|\s)#.*", "", line).strip() for line in result.stdout.decode().splitlines()]
-        return [line for line in lines if line]
-
-    @staticmethod
-    def scale(entries, tempo=120):
-        names = ["c", "d", "e", "f", "g", "a", "b"]
-        lines = [f"tempo {tempo}"]
-        for i in range(entries):
-            lines.append(f"{names[i % 7]}{4 + (i // 7) % 4} 1/{(4, 8, 2)[i % 3]}")
-        return "\n".join(lines) + "\n"
+def wait_equal(read, expected, what, timeout=5):
+    """Waits until what is read is what is expected; a failure tells both."""
+    try:
+        wait_until(lambda: read() == expected, timeout)
+    except AssertionError:
+        raise AssertionError(f"{what} {read()!r}, wanted {expected!r}") from None
 
 
 class Editor:
@@ -161,7 +47,7 @@ class Editor:
 
     def main(self):
         for window in self.windows():
-            if window["text"].startswith("Sound Editor - ") and window["class"] != "#32770":
+            if window["text"].startswith(TITLE) and window["class"] != DIALOG_CLASS:
                 return window
         return None
 
@@ -174,7 +60,7 @@ class Editor:
         window = wait_until(shown, timeout, "the main window")
         self.hwnd = window["hwnd"]
         wait_until(lambda: self.focus() is not None, timeout, "the keyboard in the main window")
-        wait_until(lambda: self.screen.focused_title().startswith("Sound Editor - "), timeout, "the keyboard's focus")
+        wait_until(lambda: self.screen.focused_title().startswith(TITLE), timeout, "the keyboard's focus")
         return self
 
     def caption(self):
@@ -182,10 +68,11 @@ class Editor:
         return window["text"] if window else None
 
     def wait_caption(self, caption, timeout=8):
-        try:
-            wait_until(lambda: self.caption() == caption, timeout)
-        except AssertionError:
-            raise AssertionError(f"caption {self.caption()!r}, wanted {caption!r}") from None
+        wait_equal(self.caption, caption, "caption", timeout)
+
+    def minimise(self):
+        self.prefix.ask("post", self.hwnd, *MINIMISE)
+        wait_until(lambda: self.main()["minimised"], 5, "the minimised window")
 
     def children(self, hwnd=None):
         return self.prefix.ask("children", hwnd or self.hwnd)
@@ -202,12 +89,34 @@ class Editor:
     def accessible(self, class_name):
         return self.prefix.ask("accessible", self.child(class_name)["hwnd"])
 
+    def items(self, class_name):
+        return self.accessible(class_name)["children"]
+
     def item(self, class_name, name):
         """What a screen reader is told of the item with a name."""
-        for item in self.accessible(class_name)["children"]:
+        for item in self.items(class_name):
             if item["name"] == name:
                 return item
         raise AssertionError(f"{class_name} has no item {name!r}")
+
+    def selected_items(self, class_name):
+        return [item["name"] for item in self.items(class_name) if item["state"] & STATE_SELECTED]
+
+    def chosen_length(self):
+        return self.selected_items("TonexLengths")
+
+    def lit_keys(self):
+        return self.selected_items("TonexPiano")
+
+    def focused_item(self):
+        """Class of the window with the keyboard and the name of the item that has it."""
+        focus = self.focus()
+        if not focus or not focus["class"].startswith("Tonex"):
+            return (focus or {}).get("class"), None
+        for item in self.prefix.ask("accessible", focus["hwnd"])["children"]:
+            if item["state"] & STATE_FOCUSED:
+                return focus["class"], item["name"]
+        return focus["class"], None
 
     # --- mouse
 
@@ -233,10 +142,23 @@ class Editor:
 
     def cells(self):
         """The grid's visible cells: name, rect and state, in order."""
-        return self.accessible("TonexGrid")["children"]
+        return self.items("TonexGrid")
+
+    def names(self):
+        return [cell["name"] for cell in self.cells()]
+
+    def wait_names(self, expected):
+        wait_equal(self.names, expected, "cells")
 
     def cell_texts(self):
-        return [cell["name"].split(",")[0] for cell in self.cells()]
+        return [name.split(",")[0] for name in self.names()]
+
+    def selected(self):
+        """The visible cells that are selected, counted from the first visible one."""
+        return [i for i, cell in enumerate(self.cells()) if cell["state"] & STATE_SELECTED]
+
+    def wait_selected(self, expected):
+        wait_equal(self.selected, expected, "selected")
 
     def select_columns(self, first, last):
         """Drags over visible cells, counted from the first visible one."""
@@ -264,7 +186,7 @@ class Editor:
     def choose(self, caption):
         """Opens a menu by the keyboard and chooses an item by its underlined letter."""
         # After a dialog the window manager takes a moment to give the keyboard back.
-        wait_until(lambda: self.screen.focused_title().startswith("Sound Editor - "), 8, "the keyboard's focus")
+        wait_until(lambda: self.screen.focused_title().startswith(TITLE), 8, "the keyboard's focus")
         for top in self.prefix.ask("menu", self.hwnd):
             for item in top.get("items", []):
                 if item["text"].split("\t")[0] == caption:
@@ -276,6 +198,11 @@ class Editor:
                     return
         raise AssertionError(f"no menu item {caption}")
 
+    def wait_popup(self):
+        wait_until(lambda: any(window["class"] == MENU_CLASS and window["visible"] for window in self.windows()), 5,
+                   "the pop-up menu")
+        time.sleep(0.15)
+
     def click_tool(self, tooltip):
         button = self.toolbar()[tooltip]
         assert button["enabled"], f"the button {tooltip} is disabled"
@@ -284,7 +211,7 @@ class Editor:
     # --- dialogs
 
     def dialogs(self):
-        return [window for window in self.windows() if window["visible"] and window["class"] == "#32770"]
+        return [window for window in self.windows() if window["visible"] and window["class"] == DIALOG_CLASS]
 
     def wait_dialog(self, title, timeout=8):
         def there():
@@ -360,6 +287,16 @@ class Editor:
     def tempo_box(self):
         return self.prefix.ask("combo", self.child("ComboBox")["hwnd"])
 
+    def click_tempo(self):
+        """Into the box's text."""
+        left, top, _, bottom = self.child("ComboBox")["rect"]
+        self.screen.click(left + 20, (top + bottom) // 2)
+
+    def type_tempo(self, text):
+        self.click_tempo()
+        self.screen.key("ctrl+a")
+        self.screen.type_text(text)
+
     # --- end
 
     def save_as(self, path):
@@ -368,6 +305,17 @@ class Editor:
 
     def close(self):
         self.prefix.ask("post", self.hwnd, WM_CLOSE, 0, 0)
+
+    def close_with_reminder(self, tick=False):
+        """Closes after work on the organiser, with the mark in the reminder or without."""
+        self.close()
+        box = self.wait_message(REMINDER)
+        children = self.children(box["hwnd"])
+        if tick:
+            self.screen.click(*self.centre(next(c for c in children if c["text"] == NOT_AGAIN)["rect"]))
+        button = next(c for c in children if c["class"] == "Button" and c["text"].strip("&") == "OK")
+        self.screen.click(*self.centre(button["rect"]))
+        self.wait_end()
 
     def wait_end(self, timeout=10):
         self.process.wait(timeout)
@@ -379,13 +327,9 @@ class Editor:
         self.process.wait(10)
 
     def picture(self, name=None):
-        window = wait_until(lambda: self.screen.find("Sound Editor - "), 5, "the main window")
+        window = wait_until(lambda: self.screen.find(TITLE), 5, "the main window")
         image = self.screen.settled_picture_of(window)
         if name:
             SCREENS.mkdir(parents=True, exist_ok=True)
             image.save(SCREENS / name)
         return image
-
-
-__all__ = ["ANSWERS", "BUILD", "Editor", "GLOBAL_SETTINGS", "INSTALL_DIR", "Melody", "Prefix", "ROOT", "SCREENS", "SETTINGS", "Screen",
-           "WINDOWS_BUILD", "NATIVE_BUILD", "program", "random", "wait_until", "windows_path"]

@@ -1,16 +1,18 @@
 """A sound device for programs under Wine that keeps every sample it is given."""
 
+import io
 import os
 import pathlib
 import random
-import struct
+import wave
 
 
-def wav_bytes(samples, channels=1, rate=22050, bits=8, extra=b""):
-    frame = channels * bits // 8
-    head = struct.pack("<HHIIHH", 1, channels, rate, rate * frame, frame, bits)
-    body = b"WAVE" + extra + b"fmt " + struct.pack("<I", 16) + head + b"data" + struct.pack("<I", len(samples)) + samples
-    return b"RIFF" + struct.pack("<I", len(body)) + body
+def wav_bytes(samples, channels=1, rate=22050, bits=8):
+    file = io.BytesIO()
+    with wave.open(file, "wb") as sound:
+        sound.setparams((channels, bits // 8, rate, 0, "NONE", ""))
+        sound.writeframes(samples)
+    return file.getvalue()
 
 
 def noise(count, seed=1):
@@ -18,11 +20,15 @@ def noise(count, seed=1):
     return random.Random(seed).randbytes(count)
 
 
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
+class NoDevice:
+    def variables(self):
+        return {"ALSA_CONFIG_PATH": "/nonexistent/asound.conf"}
+
+    def environment(self):
+        return {**os.environ, **self.variables()}
 
 
-class Device:
+class Device(NoDevice):
     """A sound device that keeps what it is given."""
 
     def __init__(self, folder, real_time=None, append=False):
@@ -38,16 +44,11 @@ class Device:
                                f'pcm.!default {{ type file slave.pcm "null" file "{target}" format "raw" }}\n'
                                "ctl.!default { type null }\n")
 
-    def environment(self):
-        return {**os.environ, "ALSA_CONFIG_PATH": str(self.config)}
+    def variables(self):
+        return {"ALSA_CONFIG_PATH": str(self.config)}
 
     def sound(self):
         return self.kept.read_bytes() if self.kept.exists() else b""
-
-
-class NoDevice:
-    def environment(self):
-        return {**os.environ, "ALSA_CONFIG_PATH": "/nonexistent/asound.conf"}
 
 
 def assert_heard(device, samples, silence=b"\x80"):
