@@ -22,8 +22,8 @@ LIBRARIES = {"tonex_rules": {RULES_FLOOR}, "tonex_services": {SERVICES}, "tonex_
 CHANGING_GLOBALS = {
     ("platform/windows/events.cpp", "events_ran_at"): "when waiting messages were last looked at",
     ("platform/windows/files.cpp", "counter"): "no two temporary files of a process have one name",
-    ("platform/windows/link_library.cpp", "folder_device"): "the libraries' functions have no argument for their device",
-    ("platform/windows/link_library.cpp", "loaded"): "the libraries are loaded once; their dialogs call back without one",
+    ("platform/windows/link_library.cpp", "folder_device"): "the libraries' functions name no device",
+    ("platform/windows/link_library.cpp", "loaded"): "loaded once; their dialogs call back without them",
     ("platform/windows/main_window.cpp", "main"): "window procedures have no argument for the program's window",
     ("platform/windows/sound_devices.cpp", "counted_outputs"): "counting loads a library; what was counted is kept",
     ("platform/windows/system_libraries.cpp", "hooks"): "what the other services may ask of the main window",
@@ -117,7 +117,7 @@ NO_VARIABLE = re.compile(r"(using|typedef|template|friend|static_assert|namespac
                          r"break|continue|default|case)\b|(struct|class|union|enum|enum class)\s+\w+(\s*:[^:].*)?$")
 MADE_OF_A_CONSTANT = re.compile(r"\((-?\d|\"|'|true\b|false\b|nullptr\b).*")
 TO_PROCEDURE = re.compile(r"[^(]*\(\s*(?:\w+\s+)?\*([\sa-z]*?)(\w+)\s*\)\s*\(")
-TYPE = re.compile(r"(static\s+|inline\s+|thread_local\s+|const\s+|constexpr\s+)*(struct|class|union|enum)\b[^{;]*\{\}\s*")
+TYPE = re.compile(r"((static|inline|thread_local|const|constexpr)\s+)*(struct|class|union|enum)\b[^{;]*\{\}\s*")
 
 
 def declarations(code):
@@ -217,7 +217,8 @@ def libraries_hold_their_floors():
 def grid():
     """Floor and room of every file in the table of HACKING.md."""
     lines = (ROOT / "HACKING.md").read_text(encoding="utf-8").splitlines()
-    rows = [[cell.strip() for cell in line.strip("|").split("|")] for line in lines if re.match(r"\|[^|]*floor|\| \d ", line)]
+    rows = [[cell.strip() for cell in line.strip("|").split("|")] for line in lines
+            if re.match(r"\| (floor|\d .*) \|", line)]
     if not rows:
         return
     rooms = [cell.strip("`/ ") for cell in rows[0][1:]]
@@ -227,11 +228,11 @@ def grid():
 
 
 def the_grid_shows_the_house():
-    drawn = sorted(grid())
-    there = sorted({(floor_of(path), path.split("/")[0], pathlib.PurePosixPath(path).stem) for path, _ in sources(*ROOMS)})
-    for floor, room, name in sorted(set(there) - set(drawn)):
+    drawn = set(grid())
+    there = {(floor_of(path), path.split("/")[0], pathlib.PurePosixPath(path).stem) for path, _ in sources(*ROOMS)}
+    for floor, room, name in sorted(there - drawn):
         yield f"HACKING.md does not show {room}/{name} on floor {floor}"
-    for floor, room, name in sorted(set(drawn) - set(there)):
+    for floor, room, name in sorted(drawn - there):
         yield f"HACKING.md shows {room}/{name} on floor {floor}, where it is not"
 
 

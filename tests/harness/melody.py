@@ -34,6 +34,15 @@ class Melody:
         return [line for line in lines if line]
 
     @staticmethod
+    def saved_entries(path):
+        """The lines behind the tempo; none while there is no file: a save to the organiser first takes the old one
+        away."""
+        try:
+            return Melody.text(path)[1:]
+        except subprocess.CalledProcessError:
+            return []
+
+    @staticmethod
     def samples(path):
         """What it sounds like: the samples of its WAV file."""
         with wave.open(io.BytesIO(sndtool("wav", path, "-o", "-"))) as sound:

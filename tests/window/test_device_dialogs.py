@@ -137,7 +137,8 @@ def test_an_existing_melody_is_only_replaced_after_a_question(start, prefix, lin
                           "the question")
     editor.answer(question, "Yes")
     wait_device_caption(editor, "TUNE.SND")
-    wait_until(lambda: Melody.text(next(prefix.cache_dir.iterdir()))[1:] == ["c4 1/4"], 5, "the new melody")
+    wait_until(lambda: [Melody.saved_entries(saved) for saved in prefix.cache_dir.iterdir()] == [["c4 1/4"]], 5,
+               "the new melody")
     # Question and dialog have ended together, and the keyboard is back in the window.
     wait_until(lambda: editor.screen.focused_title().upper() == editor.caption().upper(), 5, "the keyboard's focus")
     editor.screen.key("home")
@@ -349,7 +350,7 @@ def test_japanese_names_on_the_device(japanese, screen, name, libraries):
         editor.screen.key("end")
         editor.click_key("g4")
         editor.choose("Save to Ve&loxa")
-        wait_until(lambda: path.exists() and Melody.text(path)[-1] == "g4 1/4", 8, "the saved melody")
+        wait_until(lambda: Melody.saved_entries(path)[-1:] == ["g4 1/4"], 8, "the saved melody")
         assert [entry.name for entry in japanese.cache_dir.iterdir()] == [name]
         editor.close()
         editor.message(REMINDER)

@@ -68,7 +68,7 @@ def test_save_to_the_organiser_as_then_save_again(start, prefix, link):
     used(link, "Cor_PutFile")
     editor.click_key("d4")
     editor.click_tool("Save to Veloxa")
-    wait_until(lambda: saved.exists() and Melody.text(saved)[1:] == ["c4 1/4", "d4 1/4"], 8, "the second save")
+    wait_until(lambda: Melody.saved_entries(saved) == ["c4 1/4", "d4 1/4"], 8, "the second save")
     assert prefix.temporary_files(UPLOADS) == []
     editor.close_with_reminder()
 
@@ -110,7 +110,7 @@ def test_the_device_commands_of_a_dropped_device_file(start, prefix, link):
     editor.screen.key("end")
     editor.click_key("c4")
     editor.choose("Save to Ve&loxa")
-    wait_until(lambda: path.exists() and Melody.text(path)[-1] == "c4 1/4", 8, "the saved file")
+    wait_until(lambda: Melody.saved_entries(path)[-1:] == ["c4 1/4"], 8, "the saved file")
 
 
 def test_the_last_device_document_is_opened_again(start, prefix, link):
