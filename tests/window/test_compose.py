@@ -267,6 +267,22 @@ def test_tab_reaches_everything_and_space_presses_it(editor):
     assert seen[-1][0] == "TonexGrid"
 
 
+def test_f6_goes_from_pane_to_pane_as_tab_does_and_each_keeps_its_place(editor):
+    editor.click_key("c4")  # an entry, so that the strip has something to reach
+    key = editor.screen.key
+    key("tab")
+    key("right")
+    place = "TonexLengths", "Triplet thirty-second note"
+    wait_until(lambda: focused_item(editor) == place, 5, "the second length")
+    for pane in ("Edit", "TonexPiano", "ToolbarWindow32", "TonexStaff", "TonexGrid"):
+        key("F6")
+        wait_until(lambda: focused_item(editor)[0] == pane, 5, pane)
+    key("F6")
+    wait_until(lambda: focused_item(editor) == place, 5, "the second length again")
+    key("shift+F6")
+    wait_until(lambda: focused_item(editor)[0] == "TonexGrid", 5, "the grid")
+
+
 def test_composing_by_keyboard_alone(editor):
     key = editor.screen.key
     key("tab")
