@@ -18,7 +18,8 @@ namespace tonex {
     std::abort();
 }
 
-/// The place `index` of a row of `size` items, as the row wants it. Stops the program when there is no such place.
+/// The place `index` of a row of `size` items, as the row wants it. Stops the program when there is no such
+/// place.
 constexpr std::size_t PlaceIn(std::size_t size, int index) {
     const auto place = static_cast<std::size_t>(index);
     if (place >= size) StopBeyondRow(); // a negative index is a very large place
