@@ -3,6 +3,7 @@
 #include "bench/pairs.h"
 #include "platform/files.h"
 #include "preview/wav_file_services.h"
+#include "tests/plain_synthesis.h"
 
 #include <benchmark/benchmark.h>
 
@@ -33,15 +34,6 @@ const char* const kSox = "sox.wav";
 
 int PitchOf(int record) {
     return kLowestPitch + record * 5 % kPitches;
-}
-
-const WaveTable& Table() {
-    static const WaveTable table = [] {
-        WaveTable built;
-        BuildWaveTable(built, kSampleRate);
-        return built;
-    }();
-    return table;
 }
 
 [[noreturn]] void GiveUp(const char* what) {
@@ -95,7 +87,7 @@ const std::string& SoxCommand() {
         std::string text = "sox -D -n -r 22050 -c 1 -b 8 -e unsigned-integer " + std::string(kSox);
         for (int i = 0; i < kRecords; ++i) {
             const int pitch = PitchOf(i);
-            const double cycle = Table().period[static_cast<std::size_t>(pitch % kPitchClasses)];
+            const double cycle = At(Table().period, pitch % kPitchClasses);
             const double frequency = 22050.0 * (1 << (pitch / kPitchClasses)) / cycle;
             text += (i > 0 ? " : synth 6 sine " : " synth 6 sine ") + std::to_string(frequency) + " pad 0 2";
         }

@@ -29,15 +29,6 @@ bool Take(void* context, const std::uint8_t* bytes, std::size_t count) {
     return true;
 }
 
-const WaveTable& Table() {
-    static const WaveTable table = [] {
-        WaveTable built;
-        BuildWaveTable(built, kSampleRate);
-        return built;
-    }();
-    return table;
-}
-
 void TryNote(std::uint8_t pitch, std::uint8_t length, std::uint8_t tempo) {
     Sink sink;
     const SynthesisResult result = WriteNoteSamples(Table(), {&sink, Take}, pitch, length, tempo);

@@ -34,7 +34,7 @@ void Try(std::span<const std::uint8_t> input) {
     const int count = CountEntries(list);
     if (encoding.result == kSndWriteError) {
         Require(encoding.bytes.empty() && encoding.fault_entry >= 0 && encoding.fault_entry < count);
-        Require(!IsKnown(list[static_cast<std::size_t>(encoding.fault_entry)]));
+        Require(!IsKnown(At(list, encoding.fault_entry)));
         return;
     }
     Require(encoding.result == kSndDone || encoding.result == kSndFull);
@@ -50,8 +50,8 @@ void Try(std::span<const std::uint8_t> input) {
     Require(mode == ChooseTimingMode(tables, list, TempoIndexOf(tables, tempo)));
     Require(CountEntries(again) == encoding.entries_written);
     for (int k = 0; k < encoding.entries_written; ++k) {
-        const FileEntry& before = list[static_cast<std::size_t>(k)];
-        const FileEntry& after = again[static_cast<std::size_t>(k)];
+        const FileEntry& before = At(list, k);
+        const FileEntry& after = At(again, k);
         Require(IsKnown(before) && after.code == before.code);
         if (before.code < 20) Require(after.pitch == before.pitch);
         if (before.code >= 100 && before.code < 120) Require(after.pitch == 86);

@@ -16,7 +16,7 @@ void Require(bool condition) {
 void RequireInvariants(const Score& score) {
     Require(score.end_count >= 1 && score.end_count <= kMaxEndCount);
     for (int slot = 0; slot < kSlots; ++slot) {
-        const Entry& entry = score.sound[static_cast<std::size_t>(slot)];
+        const Entry& entry = At(score.sound, slot);
         Require((entry.code == kEmpty) == (slot >= EndColumn(score)));
         if (entry.code == kEmpty || entry.code == kSeparator) {
             Require(entry.pitch == entry.code && entry.position == entry.code);
@@ -37,8 +37,7 @@ void RequireRoundTrip(const TimingTables& tables, std::int16_t tempo, const Scor
     Require(FillFromFileList(again, list, 15) == 0);
     RequireInvariants(again);
     for (int slot = 0; slot < encoding.entries_written; ++slot) {
-        const auto at = static_cast<std::size_t>(slot);
-        Require(again.sound[at] == score.sound[at]);
+        Require(At(again.sound, slot) == At(score.sound, slot));
     }
     const SndEncoding twice = EncodeSnd(tables, tempo, BuildSaveList(again));
     Require(twice.result == kSndDone || encoding.result == kSndFull);
@@ -63,8 +62,7 @@ void Try(std::span<const std::uint8_t> file) {
     Require(dropped >= 0 && dropped + EndColumn(score) == CountEntries(list));
 
     // A tempo that is not listed would hide the writer from most files.
-    const std::int16_t listed =
-        TempoIndexOf(tables, tempo) >= 0 ? tempo : tables.tempo_list[static_cast<std::size_t>(tempo) % 28];
+    const std::int16_t listed = TempoIndexOf(tables, tempo) >= 0 ? tempo : At(tables.tempo_list, tempo % 28);
     const SndEncoding encoding = EncodeSnd(tables, listed, BuildSaveList(score));
     Require(encoding.result == kSndDone || encoding.result == kSndFull || encoding.result == kSndWriteError);
     Require((encoding.fault_entry >= 0) == (encoding.result == kSndWriteError));

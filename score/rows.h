@@ -14,7 +14,7 @@ namespace tonex {
 /// Where every index beyond a row ends: out of line and once, so that a checked read costs no more than its
 /// comparison.
 [[noreturn, gnu::noinline, gnu::cold]] inline void StopBeyondRow() {
-    assert(!"an index beyond its row");
+    assert(false && "an index beyond its row");
     std::abort();
 }
 

@@ -55,9 +55,9 @@ int NumberBelow(std::mt19937& random, int limit) {
 /// Notes of any pitch a file can hold, rests and separators of any length code.
 Melody RandomMelody(std::mt19937& random, int entries) {
     Melody melody;
-    melody.tempo = Tables().tempo_list[static_cast<std::size_t>(NumberBelow(random, 28))];
+    melody.tempo = At(Tables().tempo_list, NumberBelow(random, 28));
     for (int i = 0; i < entries; ++i) {
-        FileEntry& entry = melody.list[static_cast<std::size_t>(i)];
+        FileEntry& entry = At(melody.list, i);
         const int kind = NumberBelow(random, 10);
         if (kind == 0) {
             entry = {200, 0};
@@ -105,7 +105,7 @@ TEST(MelodyText, NoOtherLengthIsTaken) {
 TEST(MelodyText, ThreeTripletsFillTheLengthTwiceAsLong) {
     const auto units = [](std::string_view length, int mode) {
         const auto entries = EntriesOf(Parsed("tempo 160\nr " + std::string(length) + "\n"));
-        return Tables().length_units[static_cast<std::size_t>(mode)][entries.at(0).code - 100U];
+        return At(At(Tables().length_units, mode), entries.at(0).code - 100);
     };
     for (int mode = 0; mode < kTimingModes; ++mode) {
         EXPECT_FLOAT_EQ(3 * units("1/8t", mode), units("1/4", mode));
@@ -217,7 +217,7 @@ TEST(MelodyText, TheTempoComesFirstOnceAndIsInTheList) {
         EXPECT_NE(fault.reason.find("is not in the tempo list"), std::string::npos) << fault.reason;
     }
     for (int i = 0; i < 28; ++i) {
-        const std::int16_t tempo = Tables().tempo_list[static_cast<std::size_t>(i)];
+        const std::int16_t tempo = At(Tables().tempo_list, i);
         EXPECT_EQ(Parsed("tempo " + std::to_string(tempo) + "\n").tempo, tempo);
     }
 }
@@ -269,7 +269,7 @@ TEST(MelodyText, WhatTheTextCanNotNameIsTold) {
 
     Melody longest{120, {}};
     for (int i = 0; i < 511; ++i)
-        longest.list[static_cast<std::size_t>(i)] = {200, 0};
+        At(longest.list, i) = {200, 0};
     int fault = -2;
     EXPECT_FALSE(FormatMelodyText(longest, fault).has_value());
     EXPECT_EQ(fault, 509);

@@ -10,6 +10,16 @@
 
 namespace tonex {
 
+/// The wave table of the editor's sample rate.
+inline const WaveTable& Table() {
+    static const WaveTable table = [] {
+        WaveTable built;
+        BuildWaveTable(built, kSampleRate);
+        return built;
+    }();
+    return table;
+}
+
 struct PlainNote {
     SynthesisResult result;
     std::vector<std::uint8_t> samples; ///< empty unless the result is Done
@@ -17,7 +27,7 @@ struct PlainNote {
 
 inline PlainNote PlainNoteSamples(const WaveTable& table, int pitch, int length, int tempo) {
     const int octave = pitch / 12;
-    const auto pitch_class = static_cast<std::size_t>(pitch % 12);
+    const int pitch_class = pitch % 12;
     const int units = (length & 15) == 0 ? 16 : length & 15;
     const int quarters = length >> 4;
     if (tempo * units * quarters >= 32768) return {SynthesisResult::Overflow, {}};
@@ -27,7 +37,7 @@ inline PlainNote PlainNoteSamples(const WaveTable& table, int pitch, int length,
     const auto sound_samples =
         static_cast<std::int64_t>(std::floor(static_cast<double>(sound_seconds) * 22050.0));
     const auto last_sample = static_cast<std::int64_t>(std::floor(span_seconds * 22050.0)) - 1;
-    const std::int64_t period = table.period[pitch_class];
+    const std::int64_t period = At(table.period, pitch_class);
     enum { Sounding, Finishing, Silent } mode = sound_samples == 0 ? Silent : Sounding;
     std::int64_t phase = 0;
     std::int64_t counter = 0;
@@ -37,7 +47,7 @@ inline PlainNote PlainNoteSamples(const WaveTable& table, int pitch, int length,
             note.samples.push_back(128);
         } else {
             if (phase >= 384) return {SynthesisResult::PhaseError, {}};
-            note.samples.push_back(table.wave[pitch_class][static_cast<std::size_t>(phase)]);
+            note.samples.push_back(At(At(table.wave, pitch_class), static_cast<int>(phase)));
         }
         phase += std::int64_t{1} << octave;
         if (phase >= period) {

@@ -13,15 +13,6 @@ namespace {
 using namespace tonex;
 using Bytes = std::vector<std::uint8_t>;
 
-const WaveTable& Table() {
-    static const WaveTable table = [] {
-        WaveTable built;
-        BuildWaveTable(built, kSampleRate);
-        return built;
-    }();
-    return table;
-}
-
 struct Collected {
     Bytes bytes;
     std::size_t writes = 0;
@@ -91,8 +82,7 @@ TEST(WaveTable, EveryCycleIsASineAndTheRestStaysZero) {
             const int expected =
                 j < period ? static_cast<int>(std::floor(std::sin(j * 6.283185307 / period) * 127.5 + 128.0))
                            : 0;
-            EXPECT_EQ(Table().wave[i][static_cast<std::size_t>(j)], expected)
-                << "class " << i << ", phase " << j;
+            EXPECT_EQ(At(Table().wave[i], j), expected) << "class " << i << ", phase " << j;
         }
     }
 }

@@ -1,6 +1,7 @@
 #include "preview/wav_file_services.h"
 
 #include "tests/desktop/desktop.h"
+#include "tests/plain_synthesis.h"
 
 #include <gtest/gtest.h>
 
@@ -16,15 +17,6 @@ using Bytes = std::vector<std::uint8_t>;
 
 const std::wstring kSnd = L"C:\\Temp\\$$123456.snd";
 const std::wstring kWav = L"C:\\Temp\\$$123456.wav";
-
-const WaveTable& Table() {
-    static const WaveTable table = [] {
-        WaveTable built;
-        BuildWaveTable(built, kSampleRate);
-        return built;
-    }();
-    return table;
-}
 
 Bytes Melody() {
     return {7, 0, 4, 0, 26, 56, 86, 8, 30, 48, 255, 255, 0, 0, 120, 0, 255, 255};
