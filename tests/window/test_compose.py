@@ -247,15 +247,21 @@ def test_a_tempo_outside_the_list_is_a_read_error_at_saving(editor, tmp_path):
     assert not (tmp_path / "ODD.SND").exists()
 
 
+def after_key(editor, key):
+    """What has the keyboard after a key that moves it."""
+    before = editor.focused_item()
+    editor.screen.key(key)
+    wait_until(lambda: editor.focused_item() != before, 5, f"what follows {before}")
+    return editor.focused_item()
+
+
 def test_tab_reaches_everything_and_space_presses_it(editor):
     editor.click_key("c4")  # an entry, so that the strip has something to reach
     seen = []
     assert editor.focused_item()[0] == "TonexGrid"
     for _ in range(120):
-        editor.screen.key("tab", pause=0.03)
-        at = editor.focused_item()
-        seen.append(at)
-        if at[0] == "TonexGrid":
+        seen.append(after_key(editor, "tab"))
+        if seen[-1][0] == "TonexGrid":
             break
     lengths = [item["name"] for item in editor.items("TonexLengths")]
     keys = [item["name"] for item in editor.items("TonexPiano")]
@@ -269,24 +275,18 @@ def test_tab_reaches_everything_and_space_presses_it(editor):
 
 def test_f6_goes_from_pane_to_pane_as_tab_does_and_each_keeps_its_place(editor):
     editor.click_key("c4")  # an entry, so that the strip has something to reach
-    key = editor.screen.key
-    key("tab")
-    key("right")
-    place = "TonexLengths", "Triplet thirty-second note"
-    wait_until(lambda: focused_item(editor) == place, 5, "the second length")
-    for pane in ("Edit", "TonexPiano", "ToolbarWindow32", "TonexStaff", "TonexGrid"):
-        key("F6")
-        wait_until(lambda: focused_item(editor)[0] == pane, 5, pane)
-    key("F6")
-    wait_until(lambda: focused_item(editor) == place, 5, "the second length again")
-    key("shift+F6")
-    wait_until(lambda: focused_item(editor)[0] == "TonexGrid", 5, "the grid")
+    after_key(editor, "tab")
+    place = after_key(editor, "right")
+    assert place == ("TonexLengths", "Triplet thirty-second note")
+    panes = [after_key(editor, "F6")[0] for _ in range(5)]
+    assert panes == ["Edit", "TonexPiano", "ToolbarWindow32", "TonexStaff", "TonexGrid"]
+    assert after_key(editor, "F6") == place
+    assert after_key(editor, "shift+F6")[0] == "TonexGrid"
 
 
 def test_composing_by_keyboard_alone(editor):
     key = editor.screen.key
-    key("tab")
-    assert editor.focused_item() == ("TonexLengths", "Thirty-second note")
+    assert after_key(editor, "tab") == ("TonexLengths", "Thirty-second note")
     for _ in range(6):
         key("right")
     wait_until(lambda: editor.focused_item()[1] == "Eighth note", 5, "the eighth")
@@ -294,12 +294,10 @@ def test_composing_by_keyboard_alone(editor):
     key("down")
     key("enter")  # an eighth rest at once
     editor.wait_names(["Eighth rest", "End"])
-    key("shift+tab")
-    while editor.focused_item()[0] != "TonexGrid":
-        key("shift+tab", pause=0.03)
-    key("shift+tab")  # backwards from the grid: strip, toolbar, piano
-    while editor.focused_item()[0] != "TonexPiano":
-        key("shift+tab", pause=0.03)
+    while after_key(editor, "shift+tab")[0] != "TonexGrid":
+        pass
+    while after_key(editor, "shift+tab")[0] != "TonexPiano":  # strip and toolbar first
+        pass
     assert editor.focused_item() == ("TonexPiano", "c8")
     key("left")
     key("space")
