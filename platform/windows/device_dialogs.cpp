@@ -8,9 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cassert>
-#include <cstring>
-#include <iterator>
 
 namespace tonex {
 

@@ -5,7 +5,6 @@
 
 #include "score/rows.h"
 #include "view/note_entry_commands.h"
-#include "view/note_names.h"
 
 #include <oleacc.h>
 #include <windowsx.h>

@@ -3,7 +3,6 @@
 #include "platform/windows/main_window.h"
 
 #include "view/note_entry_commands.h"
-#include "view/note_names.h"
 
 #include <oleacc.h>
 

@@ -6,7 +6,6 @@
 #include "pictures/glyphs.h"
 #include "score/rows.h"
 #include "view/note_entry_commands.h"
-#include "view/note_names.h"
 #include "view/staff.h"
 
 #include <oleacc.h>
