@@ -1,6 +1,7 @@
 // Writes one picture with everything that the program draws, at 100, 125, 150 and 200 %, to look at.
 #include "pictures/glyphs.h"
 #include "tools/pictures/png_file.h"
+#include "view/measures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -43,14 +44,18 @@ void Paint(Sheet& sheet, int x, int y, const CoverageMask& mask, std::uint32_t c
                              static_cast<std::size_t>(i)]);
 }
 
+constexpr int kClefEnd = 720; ///< where the first picture's column starts, twips
+constexpr int kInset = (kColumnWidth - kPictureWidth) / 2;
+constexpr int kMiddleLine = kTopStaffLine + 2 * kStaffSpace;
+
 /// One staff with clef and pictures: `first` is the first picture, heads at the given step of 60 twips from
 /// the middle line (up is negative).
 void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
            const std::vector<int>& pictures, const std::vector<int>& steps, bool sharps) {
     const auto px = [&](float twips) { return StaffLineRow(twips * scale); };
     const int line = StaffLinePixels(scale);
-    const int end = left_px + px(720 + 390 * static_cast<float>(pictures.size()));
-    for (const int y : {1170, 1290, 1410, 1530, 1650})
+    const int end = left_px + px(kClefEnd + kColumnWidth * static_cast<float>(pictures.size()));
+    for (int y = kTopStaffLine; y <= kBottomStaffLine; y += kStaffSpace)
         Fill(sheet, left_px, top_px + px(static_cast<float>(y)), end - left_px, line, 0x707070);
     const float cx = kClefBox.left * scale, cy = kClefBox.top * scale;
     Paint(sheet, left_px + static_cast<int>(cx), top_px + static_cast<int>(cy),
@@ -58,13 +63,15 @@ void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
     for (std::size_t k = 0; k < pictures.size(); ++k) {
         const int picture = pictures[k], step = steps[k % steps.size()];
         const bool note = HasRoomForSharp(picture);
-        const int top = picture == 58 ? 1170 : note ? 1140 + 60 * step + staff_offset : 1200;
-        const float x = (720 + 390 * static_cast<float>(k) + 45) * scale, y = static_cast<float>(top) * scale;
+        int top = picture == kLastPicture ? kTopStaffLine : kRestPosition;
+        if (note) top = kMiddleLine - kHeadCentre + kStepHeight * step + staff_offset;
+        const float x = (kClefEnd + kColumnWidth * static_cast<float>(k) + kInset) * scale,
+                    y = static_cast<float>(top) * scale;
         for (int ledger = 6; note && ledger <= std::abs(step); ledger += 2) {
             const HeadSpan head = HeadSpanOf(picture);
             const float from = x + static_cast<float>(head.left - 25) * scale;
             const int to = static_cast<int>(from + static_cast<float>(head.width + 50) * scale);
-            const float at = 1410 + 60.0F * static_cast<float>(step > 0 ? ledger : -ledger);
+            const float at = static_cast<float>(kMiddleLine + kStepHeight * (step > 0 ? ledger : -ledger));
             Fill(sheet, left_px + static_cast<int>(from), top_px + px(at), to - static_cast<int>(from), line,
                  0x707070);
         }
