@@ -49,12 +49,6 @@ struct Device : ::testing::Test {
         window.document.location_flag = 0;
     }
     Bytes EncodedScore() const { return EncodeSnd(window.tables, 120, BuildSaveList(window.score)).bytes; }
-    Texts Told() const {
-        Texts texts;
-        for (const desktop::Message& message : desk.messages)
-            texts.push_back(message.text);
-        return texts;
-    }
     int TemporaryFiles() const {
         return static_cast<int>(std::count_if(desk.files.begin(), desk.files.end(), [](const auto& file) {
             return file.first.starts_with(L"C:\\Temp\\") || file.first.find(L"~snd") != std::wstring::npos;
@@ -142,7 +136,7 @@ TEST_F(Device, SaveOfANameOfNineCharactersIsToldAndRunsSaveAs) {
     desk.files[path] = {{1, 2, 3}};
     desk.link.save_choices = {std::nullopt};
     mnuFileOverWriteZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"File name cannot exceed 8 characters.  Change the file name."});
+    EXPECT_EQ(desktop::Told(), Texts{L"File name cannot exceed 8 characters.  Change the file name."});
     EXPECT_TRUE(desktop::Asked("Cor_PIMSaveFileDialog \\System\\sound\\NINECHARS.SND snd 200"));
     EXPECT_TRUE(desk.files.contains(path));
     ExpectUntouched(path, 0);
@@ -164,7 +158,7 @@ TEST_F(Device, ARefusedUploadLeavesTheMelodyAndKeepsAsking) {
     ComposeOnDevice();
     desk.link.put_result = 9;
     mnuFileOverWriteZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"File translate error when upload to Veloxa!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"File translate error when upload to Veloxa!"});
     EXPECT_EQ(window.score.end_count, 4);
     EXPECT_TRUE(window.score.changed);
     EXPECT_EQ(window.document.current_path, kCacheTune);
@@ -183,7 +177,7 @@ TEST_F(Device, ADiskThatRefusesTheTemporaryFileLeavesEverything) {
     window.document.device_path = L"\\before";
     desk.refused = {"CreateTemporaryFile"};
     mnuFileOverWriteZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Write error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Write error!"});
     EXPECT_EQ(window.document.device_path, L"\\before");
     ExpectUntouched(kCacheTune, 0);
 }
@@ -192,7 +186,7 @@ TEST_F(Device, ATempoOutsideTheListUploadsNothingAndKeepsTheChangedFlag) {
     ComposeOnDevice();
     window.TempoCombo.Text = L"121";
     mnuFileOverWriteZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Read error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Read error!"});
     EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
     EXPECT_TRUE(window.score.changed);
 }
@@ -202,7 +196,7 @@ TEST_F(Device, ATempoOutsideTheListMakesNoTemporaryFile) {
     window.TempoCombo.Text = L"121";
     desk.temporary_folder.clear(); // the tempo counts for more than what the disk would refuse
     mnuFileOverWriteZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Read error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Read error!"});
     EXPECT_FALSE(desktop::Asked("CreateTemporaryFile"));
 }
 
@@ -210,7 +204,7 @@ TEST_F(Device, APitchThatNoFileHoldsIsAWriteErrorThatUploadsNothing) {
     ComposeOnDevice();
     window.score.sound[1].pitch = 257;
     mnuFileOverWriteZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Write error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Write error!"});
     EXPECT_FALSE(desktop::Asked("CreateTemporaryFile"));
     EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
     ExpectUntouched(kCacheTune, 0);
@@ -223,7 +217,7 @@ TEST_F(Device, AMelodyThatDoesNotFitIsHandedOverAsFarAsItFits) {
     for (std::size_t i = 0; i < 300; ++i)
         window.score.sound[i] = MakeNote(window, 20, 40);
     mnuFileOverWriteZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Cannot input the last173music notes."});
+    EXPECT_EQ(desktop::Told(), Texts{L"Cannot input the last173music notes."});
     EXPECT_EQ(desk.link.uploads.at(kDeviceTune), EncodedScore());
     EXPECT_FALSE(window.score.changed);
     EXPECT_EQ(TemporaryFiles(), 0);
@@ -242,7 +236,7 @@ TEST_F(Device, NoTemporaryFolderIsAWriteError) {
     ComposeOnDevice();
     desk.temporary_folder.clear();
     mnuFileOverWriteZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Write error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Write error!"});
     EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
     ExpectUntouched(kCacheTune, 0);
 }
@@ -251,7 +245,7 @@ TEST_F(Device, AFullDiskIsAWriteErrorWithNothingLeft) {
     ComposeOnDevice();
     desk.disk_space = 5;
     mnuFileOverWriteZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Write error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Write error!"});
     EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
     EXPECT_EQ(TemporaryFiles(), 0);
     ExpectUntouched(kCacheTune, 0);
@@ -265,7 +259,7 @@ TEST_F(Device, NoFailingDiskOperationLeavesATemporaryFileBehind) {
         desk.fail_at = desk.file_operations + fail_at;
         const bool taken = SaveToDevice(window);
         desk.fail_at = -1;
-        EXPECT_EQ(Told(), taken ? Texts{} : Texts{L"Write error!"}) << "operation " << fail_at;
+        EXPECT_EQ(desktop::Told(), taken ? Texts{} : Texts{L"Write error!"}) << "operation " << fail_at;
         EXPECT_EQ(desk.link.uploads.size(), taken ? 1u : 0u) << "operation " << fail_at;
         EXPECT_EQ(window.score.changed, !taken) << "operation " << fail_at;
         EXPECT_EQ(window.document.current_path, kCacheTune);
@@ -345,7 +339,7 @@ TEST_F(Device, OpenEndsSilentlyOnCancelAndOnPathsThatDoNotConvert) {
 TEST_F(Device, OpenOfAFileThatIsGoneLeavesAnUntitledPcDocument) {
     desk.link.open_choices = {kDeviceTune};
     mnuFileOpenZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Read error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Read error!"});
     EXPECT_EQ(window.document.location_flag, 1);
     EXPECT_EQ(window.document.current_path, L"");
     EXPECT_EQ(window.Caption, L"Sound Editor - Untitled");
@@ -391,7 +385,7 @@ TEST_F(Device, ADiskThatRefusesSaveAsLeavesThePcDocument) {
     desk.link.save_choices = {kDeviceTune};
     desk.refused = {"CreateTemporaryFile"};
     mnuFileSaveWithNameZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Write error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Write error!"});
     EXPECT_EQ(window.document.device_path, L"");
     ExpectUntouched(L"D:\\x\\SONG.SND", 1);
 }
@@ -404,7 +398,7 @@ TEST_F(Device, SaveAsTakesTheNameThatTheLibrarysDialogAllowed) {
     EXPECT_TRUE(desk.link.uploads.contains("\\System\\sound\\NINECHARS.SND"));
     EXPECT_TRUE(desk.messages.empty());
     mnuFileOverWriteZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"File name cannot exceed 8 characters.  Change the file name."});
+    EXPECT_EQ(desktop::Told(), Texts{L"File name cannot exceed 8 characters.  Change the file name."});
 }
 
 TEST_F(Device, ARefusedSaveAsKeepsTheMelodyAndTheChangedFlag) {
@@ -412,7 +406,7 @@ TEST_F(Device, ARefusedSaveAsKeepsTheMelodyAndTheChangedFlag) {
     desk.link.save_choices = {kDeviceTune};
     desk.link.put_result = 1;
     mnuFileSaveWithNameZ730_Click(window);
-    EXPECT_EQ(Told(), Texts{L"File translate error when upload to Veloxa!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"File translate error when upload to Veloxa!"});
     EXPECT_EQ(window.score.end_count, 4);
     EXPECT_TRUE(window.score.changed);
     EXPECT_EQ(TemporaryFiles(), 0);

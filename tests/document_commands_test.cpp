@@ -60,12 +60,6 @@ struct DocumentTest : ::testing::Test {
         window.Caption = L"before";
     }
     Bytes EncodedScore() const { return EncodeSnd(window.tables, 120, BuildSaveList(window.score)).bytes; }
-    std::vector<std::wstring> Told() const {
-        std::vector<std::wstring> texts;
-        for (const desktop::Message& message : desk.messages)
-            texts.push_back(message.text);
-        return texts;
-    }
     int FilesWith(const std::wstring& part) const {
         return static_cast<int>(std::count_if(desk.files.begin(), desk.files.end(), [&](const auto& file) {
             return file.first.find(part) != std::wstring::npos;
@@ -123,7 +117,7 @@ TEST_F(DocumentTest, ARestAloneAsks) {
     window.score.changed = true;
     desk.answers = {MessageAnswer::No};
     EXPECT_TRUE(AskToSaveChanges(window));
-    ASSERT_EQ(Told(), Texts{L"Do you want to save the changes?"});
+    ASSERT_EQ(desktop::Told(), Texts{L"Do you want to save the changes?"});
     EXPECT_EQ(desk.messages[0].buttons, MessageButtons::YesNoCancel);
     EXPECT_EQ(desk.messages[0].icon, MessageIcon::Exclamation);
     EXPECT_TRUE(desk.files.empty());
@@ -161,8 +155,8 @@ TEST_F(DocumentTest, YesOnAnUntitledScoreAsksForANameUntilItFits) {
     EXPECT_EQ(window.link.PcSoundDir, L"D:\\New\\");
     EXPECT_EQ(window.document.location_flag, 1);
     EXPECT_EQ(desk.files.at(L"D:\\New\\12345678.SND").bytes, EncodedScore());
-    EXPECT_EQ(Told(), (Texts{L"Do you want to save the changes?",
-                             L"File name cannot exceed 8 characters.  Change the file name."}));
+    EXPECT_EQ(desktop::Told(), (Texts{L"Do you want to save the changes?",
+                                      L"File name cannot exceed 8 characters.  Change the file name."}));
 }
 
 TEST_F(DocumentTest, YesThenCancelOfTheDialogDoesNotGoOn) {
@@ -190,7 +184,7 @@ TEST_F(DocumentTest, YesOnAnUnwritableDiskLosesNothing) {
     desk.refusing_folders.insert(L"C:\\Songs");
     desk.answers = {MessageAnswer::Yes};
     EXPECT_FALSE(AskToSaveChanges(window));
-    EXPECT_EQ(Told(), (Texts{L"Do you want to save the changes?", L"Write error!"}));
+    EXPECT_EQ(desktop::Told(), (Texts{L"Do you want to save the changes?", L"Write error!"}));
     EXPECT_TRUE(window.score.changed);
     EXPECT_EQ(window.Caption, L"before");
 }
@@ -200,7 +194,7 @@ TEST_F(DocumentTest, YesWithATempoOutsideTheListLosesNothing) {
     window.TempoCombo.Text = L"121";
     desk.answers = {MessageAnswer::Yes};
     EXPECT_FALSE(AskToSaveChanges(window));
-    EXPECT_EQ(Told(), (Texts{L"Do you want to save the changes?", L"Read error!"}));
+    EXPECT_EQ(desktop::Told(), (Texts{L"Do you want to save the changes?", L"Read error!"}));
     EXPECT_TRUE(window.score.changed);
     EXPECT_TRUE(desk.files.empty());
 }
@@ -213,7 +207,8 @@ TEST_F(DocumentTest, YesOnAMelodyThatDoesNotFitSavesWhatFitsAndGoesOn) {
     window.score.changed = true;
     desk.answers = {MessageAnswer::Yes};
     EXPECT_TRUE(AskToSaveChanges(window));
-    EXPECT_EQ(Told(), (Texts{L"Do you want to save the changes?", L"Cannot input the last173music notes."}));
+    EXPECT_EQ(desktop::Told(),
+              (Texts{L"Do you want to save the changes?", L"Cannot input the last173music notes."}));
     EXPECT_TRUE(desk.files.contains(kTune));
 }
 
@@ -328,7 +323,7 @@ TEST_F(DocumentTest, OpenOfAnotherKindOfFileChangesNothing) {
     window.score.changed = false;
     desk.open_choices = {L"C:\\Songs\\TUNE.wav"};
     mnuFileOpen_Click(window);
-    EXPECT_EQ(Told(), Texts{L"This is not a sound file."});
+    EXPECT_EQ(desktop::Told(), Texts{L"This is not a sound file."});
     EXPECT_EQ(window.score.end_count, 4);
     EXPECT_EQ(window.document.current_path, kTune);
     EXPECT_EQ(window.link.PcSoundDir, L"C:\\Link\\userdata\\sound");
@@ -392,7 +387,8 @@ TEST_F(DocumentTest, WhatAFileHoldsBeyond509EntriesIsDroppedAndReported) {
         EXPECT_EQ(window.score.end_count, 510);
         EXPECT_EQ(window.score.sound[509].code, kEmpty);
         EXPECT_EQ(window.score.sound[510].code, kEmpty);
-        EXPECT_EQ(Told(), Texts{L"Cannot input the last" + std::to_wstring(entries - 509) + L"music notes."});
+        EXPECT_EQ(desktop::Told(),
+                  Texts{L"Cannot input the last" + std::to_wstring(entries - 509) + L"music notes."});
         EXPECT_EQ(window.Caption, L"Sound Editor - PC:TUNE.SND");
     }
 }
@@ -421,7 +417,7 @@ TEST_F(DocumentTest, AFileThatFailsToLoadLeavesAnEmptyUntitledScore) {
         window.document.current_path = kTune;
         window.document.location_flag = 0;
         EXPECT_TRUE(LoadDocument(window, kSuffixVeloxa));
-        EXPECT_EQ(Told(), Texts{L"Read error!"});
+        EXPECT_EQ(desktop::Told(), Texts{L"Read error!"});
         EXPECT_EQ(window.score.end_count, 1);
         EXPECT_EQ(window.document.current_path, L"");
         EXPECT_EQ(window.document.location_flag, 1);
@@ -435,7 +431,7 @@ TEST_F(DocumentTest, AFileThatFailsToLoadLeavesAnEmptyUntitledScore) {
 TEST_F(DocumentTest, AMissingFileIsAReadError) {
     window.document.current_path = kTune;
     EXPECT_TRUE(LoadDocument(window, kSuffixPc));
-    EXPECT_EQ(Told(), Texts{L"Read error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Read error!"});
 }
 
 TEST_F(DocumentTest, AHiddenFileLoads) {
@@ -548,7 +544,7 @@ TEST_F(DocumentTest, SaveOfATempoOutsideTheListIsAReadErrorThatClearsTheChangedF
     desk.files[kTune] = {{1, 2, 3}};
     window.TempoCombo.Text = L"121";
     mnuFileOverWrite_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Read error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Read error!"});
     EXPECT_EQ(desk.files.at(kTune).bytes, (Bytes{1, 2, 3}));
     EXPECT_EQ(window.Caption, L"Sound Editor - PC:TUNE.SND");
     EXPECT_FALSE(window.score.changed);
@@ -563,8 +559,8 @@ TEST_F(DocumentTest, SaveOfAPlayBlockThatIsFullSavesWhatFitsAndSaysHowManyDidNot
     ASSERT_EQ(encoding.result, kSndFull);
     mnuFileOverWrite_Click(window);
     EXPECT_EQ(desk.files.at(kTune).bytes, encoding.bytes);
-    EXPECT_EQ(Told(), Texts{L"Cannot input the last" + std::to_wstring(509 - encoding.entries_written) +
-                            L"music notes."});
+    EXPECT_EQ(desktop::Told(), Texts{L"Cannot input the last" +
+                                     std::to_wstring(509 - encoding.entries_written) + L"music notes."});
     EXPECT_FALSE(window.score.changed);
     EXPECT_EQ(window.score.end_count, 510);
 }
@@ -577,7 +573,7 @@ TEST_F(DocumentTest, TheNumberOfNotesStandsBetweenTheWordsWithoutBlanks) {
     window.document.current_path = kTune;
     window.TempoCombo.Text = L"120";
     mnuFileOverWrite_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Cannot input the last173music notes."});
+    EXPECT_EQ(desktop::Told(), Texts{L"Cannot input the last173music notes."});
 }
 
 TEST_F(DocumentTest, SaveOfAPitchThatNoFileHoldsIsAWriteError) {
@@ -585,7 +581,7 @@ TEST_F(DocumentTest, SaveOfAPitchThatNoFileHoldsIsAWriteError) {
     window.score.sound[1].pitch = 257;
     desk.files[kTune] = {{1, 2, 3}};
     mnuFileOverWrite_Click(window);
-    ASSERT_EQ(Told(), Texts{L"Write error!"});
+    ASSERT_EQ(desktop::Told(), Texts{L"Write error!"});
     EXPECT_EQ(desk.messages[0].icon, MessageIcon::Exclamation);
     EXPECT_EQ(desk.messages[0].buttons, MessageButtons::Ok);
     EXPECT_EQ(desk.files.at(kTune).bytes, (Bytes{1, 2, 3}));
@@ -598,7 +594,7 @@ TEST_F(DocumentTest, SaveWhereWritingFailsLeavesFlagPathAndTitle) {
     desk.refusing_folders.insert(L"E:\\Tunes");
     desk.save_choices = {L"E:\\Tunes\\NEW.SND"};
     mnuFileSaveWithName_Click(window);
-    EXPECT_EQ(Told(), Texts{L"Write error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Write error!"});
     EXPECT_EQ(window.document.current_path, L"C:\\Songs\\OLD.SND");
     EXPECT_EQ(window.document.location_flag, 0);
     EXPECT_EQ(window.Caption, L"before");
@@ -629,7 +625,8 @@ TEST_F(DocumentTest, SaveIsAllOrNothingAtEveryDiskOperation) {
                 EXPECT_EQ(desk.files.at(kTune).bytes, EncodedScore());
             }
             EXPECT_EQ(window.score.changed, old_is_there) << "operation " << fail_at;
-            EXPECT_EQ(Told(), old_is_there ? Texts{L"Write error!"} : Texts{}) << "operation " << fail_at;
+            EXPECT_EQ(desktop::Told(), old_is_there ? Texts{L"Write error!"} : Texts{})
+                << "operation " << fail_at;
             EXPECT_EQ(window.Caption, old_is_there ? L"before" : L"Sound Editor - PC:TUNE.SND");
             EXPECT_EQ(window.document.current_path, kTune);
             if (!for_good) {

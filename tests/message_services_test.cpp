@@ -16,14 +16,11 @@ using Texts = std::vector<std::wstring>;
 struct Messages : ::testing::Test {
     desktop::Desktop& desk = desktop::Reset();
 
-    Texts Told() const {
-        Texts texts;
+    ~Messages() override {
         for (const desktop::Message& message : desk.messages) {
-            texts.push_back(message.text);
             EXPECT_EQ(message.icon, MessageIcon::Exclamation);
             EXPECT_EQ(message.buttons, MessageButtons::Ok);
         }
-        return texts;
     }
 };
 
@@ -31,13 +28,13 @@ struct Messages : ::testing::Test {
 
 TEST_F(Messages, TheNumberOfEntriesStandsBetweenTheWordsWithoutBlanks) {
     TellHowManyDidNotFit(173);
-    EXPECT_EQ(Told(), Texts{L"Cannot input the last173music notes."});
+    EXPECT_EQ(desktop::Told(), Texts{L"Cannot input the last173music notes."});
 }
 
 TEST_F(Messages, ErrorsAreToldInTwoWords) {
     TellReadError();
     TellWriteError();
-    EXPECT_EQ(Told(), (Texts{L"Read error!", L"Write error!"}));
+    EXPECT_EQ(desktop::Told(), (Texts{L"Read error!", L"Write error!"}));
 }
 
 TEST_F(Messages, ExtensionSndPassesInAnyLetterCase) {
@@ -51,7 +48,7 @@ TEST_F(Messages, OtherExtensionsAreNoSoundFiles) {
          {L"C:\\ABC.SN", L"ABC.wav", L"", L"snd", L"ABCsnd", L"ABC.snd ", L"ABC.sndx"}) {
         desk.messages.clear();
         EXPECT_FALSE(CheckSndExtension(path)) << desktop::Utf8(path);
-        EXPECT_EQ(Told(), Texts{L"This is not a sound file."});
+        EXPECT_EQ(desktop::Told(), Texts{L"This is not a sound file."});
     }
 }
 
@@ -68,7 +65,7 @@ TEST_F(Messages, ANameOfNineCharactersIsRefused) {
                                 L"ﾒﾛﾃﾞｨｰ123.snd", L"12345678.snd.snd"}) {
         desk.messages.clear();
         EXPECT_FALSE(CheckNameLength(path)) << desktop::Utf8(path);
-        EXPECT_EQ(Told(), Texts{L"File name cannot exceed 8 characters.  Change the file name."});
+        EXPECT_EQ(desktop::Told(), Texts{L"File name cannot exceed 8 characters.  Change the file name."});
     }
 }
 

@@ -44,12 +44,6 @@ struct StartUpTest : ::testing::Test {
         window.document.current_path = kTune;
         desk.log.clear();
     }
-    std::vector<std::wstring> Told() const {
-        std::vector<std::wstring> texts;
-        for (const desktop::Message& message : desk.messages)
-            texts.push_back(message.text);
-        return texts;
-    }
 };
 
 using Texts = std::vector<std::wstring>;
@@ -190,14 +184,14 @@ TEST_F(StartUpTest, ADeviceFileOfTheCommandLineIsOpenedAsOne) {
 
 TEST_F(StartUpTest, AnotherKindOfFileOnTheCommandLineLeavesAnUntitledScore) {
     EXPECT_EQ(Start(L"C:\\Songs\\TUNE.wav"), StartResult::Run);
-    EXPECT_EQ(Told(), Texts{L"This is not a sound file."});
+    EXPECT_EQ(desktop::Told(), Texts{L"This is not a sound file."});
     EXPECT_EQ(window.document.current_path, L"");
     EXPECT_EQ(window.Caption, L"Sound Editor - Untitled");
 }
 
 TEST_F(StartUpTest, AMissingFileOnTheCommandLineIsAReadError) {
     EXPECT_EQ(Start(kTune), StartResult::Run);
-    EXPECT_EQ(Told(), Texts{L"Read error!"});
+    EXPECT_EQ(desktop::Told(), Texts{L"Read error!"});
     EXPECT_EQ(window.Caption, L"Sound Editor - Untitled");
 }
 
@@ -254,7 +248,7 @@ TEST_F(StartUpTest, ALastDocumentOfAnotherKindIsNotTheTargetOfALaterSave) {
     desk.files[L"C:\\x\\LETTER.TXT"] = {{1, 2, 3}};
     desk.settings[kLastFile] = L"1,PC:LETTER.TXT,C:\\x\\LETTER.TXT";
     EXPECT_EQ(Start(), StartResult::Run);
-    EXPECT_EQ(Told(), Texts{L"This is not a sound file."});
+    EXPECT_EQ(desktop::Told(), Texts{L"This is not a sound file."});
     EXPECT_EQ(window.document.current_path, L"");
 }
 
@@ -279,7 +273,7 @@ TEST_F(StartUpTest, DroppingAFileWithAnotherExtensionLeavesTheDocumentUnchanged)
     window.score.changed = false;
     const std::wstring caption = window.Caption;
     OpenDroppedFile(window, L"C:\\Songs\\TUNE.mid");
-    EXPECT_EQ(Told(), Texts{L"This is not a sound file."});
+    EXPECT_EQ(desktop::Told(), Texts{L"This is not a sound file."});
     EXPECT_EQ(window.score.end_count, 4);
     EXPECT_EQ(window.document.current_path, kTune);
     EXPECT_EQ(window.document.location_flag, 1);
@@ -345,7 +339,7 @@ TEST_F(StartUpTest, AnUnwritableDiskKeepsTheWindowOpen) {
     desk.refusing_folders.insert(L"C:\\Songs");
     desk.answers = {MessageAnswer::Yes};
     EXPECT_FALSE(CloseAllowed(window));
-    EXPECT_EQ(Told(), (Texts{L"Do you want to save the changes?", L"Write error!"}));
+    EXPECT_EQ(desktop::Told(), (Texts{L"Do you want to save the changes?", L"Write error!"}));
     EXPECT_TRUE(window.score.changed);
     EXPECT_FALSE(desktop::Asked("Cor_DoDisconnect"));
 }

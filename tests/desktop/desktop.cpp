@@ -47,6 +47,13 @@ Desktop& Current() {
     return *current;
 }
 
+std::vector<std::wstring> Told() {
+    std::vector<std::wstring> texts;
+    for (const Message& message : current->messages)
+        texts.push_back(message.text);
+    return texts;
+}
+
 bool Asked(const std::string& beginning) {
     const auto& log = Current().log;
     return std::any_of(log.begin(), log.end(),

@@ -140,6 +140,8 @@ Desktop& Current();
 void InstallLinkSoftware();
 /// UTF-8, as the log writes texts.
 std::string Utf8(const std::wstring& text);
+/// The texts of all message boxes so far.
+std::vector<std::wstring> Told();
 /// Whether the log has a line that begins with the text.
 bool Asked(const std::string& beginning);
 
