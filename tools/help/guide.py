@@ -56,13 +56,9 @@ LISTS = {"bullet_list": ("bullets", "-"), "ordered_list": ("numbers", ".")}
 KEYWORDS = "keywords: "
 
 
-def refuse(node, what):
-    raise GuideError(f"line {node.map[0] + 1}: {what}")
-
-
 def expect(node, condition, what):
     if not condition:
-        refuse(node, what)
+        raise GuideError(f"line {node.map[0] + 1}: {what}")
 
 
 # --- inside of a paragraph, an item, a cell
@@ -177,7 +173,7 @@ def check(guide):
 
 
 def parse(text):
-    lines = text.splitlines()
+    lines = text.split("\n")
     nodes = SyntaxTreeNode(MARKDOWN.parse(text)).children
     if not nodes or nodes[0].type != "heading" or nodes[0].tag != "h1" or nodes[0].markup != "#":
         raise GuideError("a guide begins with its title")
