@@ -8,6 +8,7 @@
 #include "link/paths.h"
 #include "link/settings_commands.h"
 #include "link/single_instance_services.h"
+#include "platform/files.h"
 #include "platform/main_window.h"
 #include "platform/program_folder.h"
 #include "platform/window_list.h"
@@ -47,14 +48,17 @@ void SetUpTempo(sndmain& window) {
 
 /// Opens what the command line names, else what was open last.
 void OpenFirstDocument(sndmain& window, const std::wstring& command_line_path) {
-    if (!WithoutQuotes(command_line_path).empty()) {
-        OpenDroppedFile(window, command_line_path);
+    const std::wstring named = WithoutQuotes(command_line_path);
+    if (!named.empty()) {
+        OpenDroppedFile(window, FullPathOf(named));
         return;
     }
     if (!ReopenLastFile(window, kSettingsSection)) return;
     // Untitled until the file is accepted: what is refused must not be the target of a later save.
     const std::wstring path = std::exchange(window.document.current_path, {});
     OpenDroppedFile(window, path);
+    // What was refused is forgotten, or every later start would tell of it again.
+    if (window.document.current_path.empty()) StoreLastDocument(window);
 }
 
 /// After device work the user is reminded to transfer, unless that is not wanted.

@@ -3,6 +3,7 @@
 #include "app/enabling_commands.h"
 #include "app/sndmain.h"
 #include "link/discovery_commands.h"
+#include "link/folder_device_services.h"
 #include "link/paths.h"
 #include "link/settings_commands.h"
 #include "platform/files.h"
@@ -52,6 +53,8 @@ std::string Convert(Conversion conversion, const std::string& path) {
 }
 
 std::string CacheToDevice(const sndmain& window, const std::wstring& cache_path) {
+    // Spelled in another way than it is, the path would be that of another file.
+    if (!FitsAnsi(cache_path)) return {};
     return Convert(window.link_library.Cor_ConvPathCacheToCorvane, ToAnsi(cache_path));
 }
 
@@ -95,6 +98,13 @@ Delivery Deliver(const LinkLibrary& library, const SndEncoding& melody, const st
     return delivery;
 }
 
+/// Deletes the cache's copy of a melody that is about to be saved. From here on the editor alone has it, so
+/// that New, Open and Close ask again until the device has taken it.
+void DeleteCacheCopy(sndmain& window, const std::wstring& cache_path) {
+    DeleteFileIfExists(cache_path);
+    window.score.changed = true;
+}
+
 /// Writes the score and hands it over to `device_path`. True when the device took it. What a disk refused is
 /// as it was.
 bool SaveAndHandOver(sndmain& window, const std::wstring& cache_path, const std::string& device_path) {
@@ -103,8 +113,6 @@ bool SaveAndHandOver(sndmain& window, const std::wstring& cache_path, const std:
     const Delivery delivery = Deliver(window.link_library, melody, target);
     if (delivery.result != kSndWriteError) window.document.device_path = target;
     EndSave(window, delivery.result, melody.entries_left_out, cache_path, kOnDevice);
-    // A refused upload has left the melody nowhere but in the editor: the changed flag stays, so that New,
-    // Open and Close ask again before it is gone.
     if (delivery.taken) {
         window.score.changed = false;
         window.link.device_work = true;
@@ -121,7 +129,7 @@ bool CanSaveToDevice(const LinkLibrary& library) {
 std::string StartTextFor(const sndmain& window, std::string folder) {
     if (!folder.ends_with('\\')) folder += '\\';
     const std::wstring name = FileNameOfPath(window.document.current_path);
-    return folder + ToAnsi(name.empty() ? L"Untitled" : name);
+    return folder + ToAnsi(name.empty() || !FitsAnsi(name) ? L"Untitled" : name);
 }
 
 bool SaveToDeviceAs(sndmain& window) {
@@ -134,7 +142,7 @@ bool SaveToDeviceAs(sndmain& window) {
     const std::wstring cache_path = DeviceToCache(window, chosen);
     if (cache_path.empty()) return false;
     window.link.CacheSoundDir = FolderOfPath(cache_path);
-    DeleteFileIfExists(cache_path);
+    DeleteCacheCopy(window, cache_path);
     return SaveAndHandOver(window, cache_path, chosen);
 }
 
@@ -176,9 +184,10 @@ bool SaveToDevice(sndmain& window) {
         return SaveToDeviceAs(window);
     }
     if (!CanSaveToDevice(window.link_library)) return false;
-    // The cache copy goes before anyone knows whether its path can be converted; kept as it is.
     const std::wstring cache_path = document.current_path;
-    DeleteFileIfExists(cache_path);
+    if (!FitsAnsi(cache_path)) return SaveToDeviceAs(window); // the library could not be told of it
+    // The cache copy goes before anyone knows whether its path can be converted; kept as it is.
+    DeleteCacheCopy(window, cache_path);
     const std::string device_path = CacheToDevice(window, cache_path);
     if (device_path.empty()) return false;
     return SaveAndHandOver(window, cache_path, device_path);

@@ -1,6 +1,7 @@
 #include "link/discovery_commands.h"
 
 #include "app/sndmain.h"
+#include "link/folder_device_services.h"
 #include "link/install_entry.h"
 #include "link/paths.h"
 #include "platform/files.h"
@@ -14,10 +15,10 @@ namespace tonex {
 
 namespace {
 
-/// kOnPc, or kOnDevice for a file of the device cache. Without the library's answer, what lies below the
-/// cache folder is a device file.
+/// kOnPc, or kOnDevice for a file of the device cache. Where the library can not answer, or can not be told
+/// the path, what lies below the cache folder is a device file.
 std::int16_t LocationOf(const sndmain& window, const std::wstring& path) {
-    if (window.link_library.Cor_IsOnPcFile) {
+    if (window.link_library.Cor_IsOnPcFile && FitsAnsi(path)) {
         return window.link_library.Cor_IsOnPcFile(ToAnsi(path).c_str()) != 0 ? kOnPc : kOnDevice;
     }
     const std::wstring cache = UpperCase(window.link.InstallDir + L"\\pcferry\\cache\\");
@@ -40,9 +41,7 @@ std::optional<std::wstring> GetInstallDir() {
     if (size <= 1) return std::nullopt;
     std::wstring buffer(std::size_t{size} + 1, L' ');
     if (!QueryText(*key, kInstallValue, buffer)) return std::nullopt;
-    const std::wstring text = WithoutTrailingBackslash(TrimRegistryText(buffer, size));
-    if (text.empty()) return std::nullopt;
-    return text;
+    return WithoutTrailingBackslash(TrimRegistryText(buffer, size));
 }
 
 void ResolveUserSoundDir(const std::wstring& install, std::wstring& pc_sound_dir,

@@ -55,6 +55,13 @@ bool HasExtension(std::wstring_view name, std::wstring_view extension) {
     return UpperCase(name) == UpperCase(extension);
 }
 
+std::wstring WithExtension(std::wstring_view path, std::wstring_view extension) {
+    if (HasExtension(path, extension)) return std::wstring(path);
+    while (path.ends_with(L'.') || path.ends_with(L' '))
+        path.remove_suffix(1);
+    return std::wstring(path) + std::wstring(extension);
+}
+
 std::wstring WithoutQuotes(std::wstring_view path) {
     if (path.ends_with(L'"')) path.remove_suffix(1);
     if (path.starts_with(L'"')) path.remove_prefix(1);

@@ -13,6 +13,9 @@ std::wstring FolderOfPath(std::wstring_view path);
 /// Whether the last four characters of the name equal the extension (with its dot), in any letter case. A
 /// shorter name is compared whole.
 bool HasExtension(std::wstring_view name, std::wstring_view extension);
+/// The path with the extension (".snd") behind it where it has another or none. Dots and blanks at its end,
+/// which the system drops, go first.
+std::wstring WithExtension(std::wstring_view path, std::wstring_view extension);
 /// The path without a double quote at its end and one at its beginning.
 std::wstring WithoutQuotes(std::wstring_view path);
 /// The path without one backslash at its end.

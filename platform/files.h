@@ -21,8 +21,8 @@ inline constexpr std::uint32_t kAttributeArchive = 32;
 /// folder, for a path with a wildcard in it, and on any error.
 bool FileExists(const std::wstring& path);
 
-/// Whether a directory listing that includes folders shows something at the path. Such a listing shows
-/// ordinary files too, and nothing that is hidden or a system's. False on any error.
+/// Whether a folder is at the path, with or without a backslash at its end. A file of that name is none.
+/// False on any error.
 bool FolderExists(const std::wstring& path);
 
 /// The attributes of a file or folder, or nothing when there is none.
@@ -69,6 +69,9 @@ std::vector<std::wstring> ListFiles(const std::wstring& folder, const std::wstri
 
 /// Seconds since a file was last written, or nothing when it is not there.
 std::optional<std::uint64_t> AgeOfFile(const std::wstring& path);
+
+/// The path completed from the current folder; as it is where it is complete or the system can not.
+std::wstring FullPathOf(const std::wstring& path);
 
 /// Waits a short while, milliseconds, between tries of an operation that a scanner may block.
 void PauseBriefly(std::uint32_t milliseconds);

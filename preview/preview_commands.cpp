@@ -156,11 +156,12 @@ void PlayConverted(sndmain& window, const std::wstring& wav_path) {
     BringMainWindowToForeground();
 }
 
-void PreviewList(sndmain& window, const FileList& list) {
+/// False when there was nothing to play: the user was told.
+bool PreviewList(sndmain& window, const FileList& list) {
     const std::optional<std::wstring> snd_path = ClaimTemporaryFile(L".snd");
     if (!snd_path) {
         TellWriteError();
-        return;
+        return false;
     }
     std::int16_t entries_written = 0;
     const SndResult result =
@@ -168,12 +169,12 @@ void PreviewList(sndmain& window, const FileList& list) {
     if (!IsWritten(result)) {
         TellWriteError();
         DeleteTemporaryFile(*snd_path);
-        return;
+        return false;
     }
     if (result == kSndFull) TellHowManyDidNotFit(CountEntries(list) - entries_written);
     PlayWavPreview(window, *snd_path, true);
     DeleteTemporaryFile(*snd_path);
-    FocusScoreGrid();
+    return true;
 }
 
 } // namespace
@@ -210,12 +211,14 @@ void mnuPreview_Click(sndmain& window) {
     if (window.preview_busy) return;
     window.preview_busy = true;
     const FileList list = BuildPreviewList(window.score, window.grdScore);
+    bool played = false;
     if (CountEntries(list) == 0) {
         ShowMessage(L"Cannot find music notes.");
     } else {
-        PreviewList(window, list);
+        played = PreviewList(window, list);
     }
     window.preview_busy = false;
+    if (played) FocusScoreGrid();
 }
 
 void PlayWavPreview(sndmain& window, const std::wstring& snd_path, bool show_progress) {

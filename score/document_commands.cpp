@@ -6,6 +6,7 @@
 #include "link/paths.h"
 #include "link/settings_commands.h"
 #include "platform/file_dialogs.h"
+#include "platform/files.h"
 #include "platform/message_box.h"
 #include "score/file_services.h"
 #include "score/message_services.h"
@@ -39,13 +40,18 @@ void PrepareSaveDialog(sndmain& window) {
     dialog.FileName = FileNameOfPath(window.document.current_path);
 }
 
-/// Shows the save dialog until the chosen name has at most 8 bytes. Empty = cancelled.
+/// Shows the save dialog until the chosen name, its extension added where it is missing, has at most 8 bytes.
+/// Empty = cancelled.
 std::wstring ChooseNameOnPc(sndmain& window) {
     PrepareSaveDialog(window);
     FileDialog& dialog = window.document.ComSave;
     while (ShowSaveDialog(dialog)) {
-        if (CheckNameLength(dialog.FileName)) return dialog.FileName;
-        dialog.FileName = FileNameOfPath(dialog.FileName);
+        const std::wstring path = WithExtension(dialog.FileName, L".snd");
+        // The dialog has asked about the name it was given. Of a completed one that is taken it asks next
+        // time.
+        const bool asked = path == dialog.FileName || !FileExists(path);
+        if (CheckNameLength(path) && asked) return path;
+        dialog.FileName = FileNameOfPath(path);
     }
     return {};
 }

@@ -82,7 +82,7 @@ TEST_F(DesktopTest, PathsCompareWithoutRegardToLetterCase) {
     EXPECT_EQ(Read(L"c:\\SONGS\\tune.SND"), kBytes);
 }
 
-TEST_F(DesktopTest, AListingShowsFilesOrWithFoldersWhatIsNotHidden) {
+TEST_F(DesktopTest, FilesAreNoFoldersAndFoldersNoFiles) {
     desk.files[L"C:\\A.SND"] = {kBytes, kAttributeArchive | kAttributeReadOnly};
     desk.files[L"C:\\H.SND"] = {kBytes, kAttributeHidden};
     desk.files[L"C:\\S.SND"] = {kBytes, kAttributeSystem};
@@ -92,7 +92,7 @@ TEST_F(DesktopTest, AListingShowsFilesOrWithFoldersWhatIsNotHidden) {
     EXPECT_FALSE(FileExists(L"C:\\Songs"));
     EXPECT_TRUE(FolderExists(L"C:\\Songs"));
     EXPECT_TRUE(FolderExists(L"C:\\Songs\\"));
-    EXPECT_TRUE(FolderExists(L"C:\\a.snd")) << "a listing with folders shows ordinary files too";
+    EXPECT_FALSE(FolderExists(L"C:\\a.snd"));
     EXPECT_FALSE(FolderExists(L"C:\\H.SND"));
     EXPECT_FALSE(FolderExists(L"C:\\S.SND"));
     EXPECT_FALSE(FileExists(L"C:\\none"));

@@ -154,6 +154,61 @@ TEST_F(Device, ACountOfZeroEndsSaveWithTheCacheCopyAlreadyDeleted) {
     ExpectUntouched(kCacheTune, 0);
 }
 
+TEST_F(Device, AnyFailureBehindTheDeletionMakesAnUnchangedMelodyCountAsChanged) {
+    const std::function<void()> failures[] = {
+        [&] { desk.link.put_result = 9; },      [&] { desk.link.conversion_count = 0; },
+        [&] { desk.temporary_folder.clear(); }, [&] { desk.refused = {"CreateTemporaryFile"}; },
+        [&] { desk.refused = {"RenameOver"}; }, [&] { window.TempoCombo.Text = L"121"; },
+    };
+    for (const auto& fail : failures) {
+        desk.link = {};
+        desk.refused.clear();
+        desk.temporary_folder = L"C:\\Temp\\";
+        ComposeOnDevice();
+        window.TempoCombo.Text = L" 120";
+        window.score.changed = false;
+        desk.files[kCacheTune] = {{1, 2, 3}};
+        fail();
+        mnuFileOverWriteZ730_Click(window);
+        EXPECT_FALSE(desk.files.contains(kCacheTune));
+        EXPECT_TRUE(window.score.changed) << &fail - failures;
+    }
+}
+
+TEST_F(Device, AFailedSaveUnderAnotherNameCountsAsChangedToo) {
+    ComposeOnDevice();
+    window.score.changed = false;
+    desk.link.save_choices = {"\\System\\sound\\OTHER.SND"};
+    desk.link.put_result = 9;
+    mnuFileSaveWithNameZ730_Click(window);
+    EXPECT_TRUE(window.score.changed);
+}
+
+TEST_F(Device, ANameThatTheCodePageSpellsAsAnotherNeverTouchesTheOther) {
+    desk.code_page = 1252;
+    const std::wstring other = std::wstring(kSoundFolder) + L"\\a.SND";
+    const std::wstring own = std::wstring(kSoundFolder) + L"\\\x0105.SND";
+    desk.files[other] = {{1, 2, 3}};
+    desk.files[own] = {{4, 5, 6}};
+    ComposeOnDevice(own.c_str());
+    desk.link.save_choices = {std::nullopt};
+    mnuFileOverWriteZ730_Click(window);
+    EXPECT_EQ(desk.files.at(other).bytes, (Bytes{1, 2, 3}));
+    EXPECT_EQ(desk.files.at(own).bytes, (Bytes{4, 5, 6})) << "found before anything is deleted";
+    EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
+    EXPECT_TRUE(desktop::Asked("Cor_PIMSaveFileDialog \\System\\sound\\Untitled"))
+        << "another name is asked for";
+}
+
+TEST_F(Device, ALastDocumentThatTheCodePageSpellsAsAnotherIsNotReopened) {
+    desk.code_page = 1252;
+    desk.files[std::wstring(kSoundFolder) + L"\\a.SND"] = {{1, 2, 3}};
+    desk.files[std::wstring(kSoundFolder) + L"\\\x0105.SND"] = {{1, 2, 3}};
+    desk.settings[kLastFile] = L"0,Veloxa:\x0105.SND," + std::wstring(kSoundFolder) + L"\\\x0105.SND";
+    EXPECT_FALSE(ReopenLastFile(window, L"Tonex"));
+    EXPECT_EQ(window.document.current_path, L"");
+}
+
 TEST_F(Device, ARefusedUploadLeavesTheMelodyAndKeepsAsking) {
     ComposeOnDevice();
     desk.link.put_result = 9;

@@ -60,12 +60,15 @@ TEST_F(Discovery, AnEmptyValueEndsInSilence) {
     Install(L"");
     EXPECT_EQ(GetInstallDir(), std::nullopt);
     EXPECT_FALSE(desktop::Asked("QueryText InstallDir"));
-    Install(L"\\");
-    EXPECT_EQ(GetInstallDir(), std::nullopt);
     desk.registry[kInstallDir] = L"";
     EXPECT_EQ(GetInstallDir(), std::nullopt);
     EXPECT_TRUE(desk.messages.empty());
     EXPECT_EQ(desk.open_registry_keys, 0);
+}
+
+TEST_F(Discovery, ASingleBackslashIsTrimmedAndGoesOn) {
+    Install(L"\\");
+    EXPECT_EQ(GetInstallDir(), L"");
 }
 
 TEST_F(Discovery, TheTrimLooksFirstAtTheCharacterAtTheReportedSize) {
@@ -139,6 +142,8 @@ TEST_F(Discovery, AFileOfTheFoldersNameIsNotTheFolder) {
     desktop::InstallLinkSoftware();
     desk.folders.erase(L"C:\\Link\\userdata\\sound");
     desk.folders.erase(L"C:\\Link\\UserData");
+    desk.files[L"C:\\Link\\userdata\\sound"] = {{1, 2, 3}};
+    desk.files[L"C:\\Link\\UserData"] = {{1, 2, 3}};
     EXPECT_TRUE(DiscoverLinkSoftware(window));
     EXPECT_EQ(desk.messages.size(), 1u);
 }

@@ -530,6 +530,31 @@ TEST_F(DocumentTest, SaveAsAsksAgainUntilTheNameFits) {
     EXPECT_EQ(desk.files.at(L"E:\\Tunes\\NEW.SND").bytes, EncodedScore());
 }
 
+TEST_F(DocumentTest, ANameWithoutTheExtensionGetsItBeforeItsLengthIsLookedAt) {
+    const std::pair<const wchar_t*, const wchar_t*> names[] = {
+        {L"E:\\TEST.WAV", L"E:\\TEST.WAV.snd"}, {L"E:\\A.B", L"E:\\A.B.snd"}, {L"E:\\DOT.", L"E:\\DOT.snd"},
+        {L"E:\\PLAIN", L"E:\\PLAIN.snd"},       {L"E:\\T.SnD", L"E:\\T.SnD"},
+    };
+    for (const auto& [chosen, saved] : names) {
+        ComposeAt(L"");
+        desk.save_choices = {chosen};
+        mnuFileSaveWithName_Click(window);
+        EXPECT_EQ(window.document.current_path, saved);
+        EXPECT_TRUE(desk.files.contains(saved));
+        EXPECT_FALSE(desk.files.contains(chosen) && std::wstring(chosen) != saved);
+    }
+}
+
+TEST_F(DocumentTest, ACompletedNameThatIsTakenIsOfferedSoThatTheDialogAsks) {
+    ComposeAt(L"");
+    desk.files[L"E:\\A.B.snd"] = {{1, 2, 3}};
+    desk.save_choices = {L"E:\\A.B", std::nullopt};
+    mnuFileSaveWithName_Click(window);
+    EXPECT_EQ(desk.files.at(L"E:\\A.B.snd").bytes, (Bytes{1, 2, 3}));
+    ASSERT_EQ(desk.dialogs.size(), 2u);
+    EXPECT_EQ(desk.dialogs[1].FileName, L"A.B.snd");
+}
+
 TEST_F(DocumentTest, SaveAsOnAnUntitledScoreOffersNoName) {
     Compose();
     desk.save_choices = {kTune};

@@ -372,6 +372,16 @@ TEST(GridEvents, TheCursorOfAFullScoreEndsAtColumn508) {
     EXPECT_EQ(window->grdScore.view.LeftCol, 479);
 }
 
+TEST(GridEvents, TheViewStaysWithTheEndThatCanMoveNoFurther) {
+    auto window = SetUpWindow();
+    FillScore(*window, 100);
+    grdScore_SelChange(*window, 5, 5);
+    for (int i = 0; i < 2; ++i) {
+        grdScore_SelChange(*window, 5, 100);
+        EXPECT_EQ(window->grdScore.view.LeftCol, 71) << "after " << i << " repetitions";
+    }
+}
+
 TEST(GridEvents, TheViewFollowsTheEndThatMoves) {
     auto window = SetUpWindow();
     FillScore(*window, 100);

@@ -448,6 +448,14 @@ TEST_F(Preview, OrderAtTheEnd) {
     EXPECT_LT(focus, desk.log.size());
 }
 
+TEST_F(Preview, TheNextPreviewIsFreeBeforeTheFocusComesBack) {
+    FourEntries();
+    bool busy = true;
+    desk.on_focus = [&] { busy = window.preview_busy; };
+    mnuPreview_Click(window);
+    EXPECT_FALSE(busy);
+}
+
 // Once at a time.
 
 TEST_F(Preview, AgainWhileItRunsDoesNothing) {

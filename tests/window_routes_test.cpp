@@ -250,6 +250,23 @@ TEST_F(StartUpTest, ALastDocumentOfAnotherKindIsNotTheTargetOfALaterSave) {
     EXPECT_EQ(Start(), StartResult::Run);
     EXPECT_EQ(desktop::Told(), Texts{L"This is not a sound file."});
     EXPECT_EQ(window.document.current_path, L"");
+    EXPECT_EQ(desk.settings.at(kLastFile), L"1,PC:,") << "the next start does not tell of it again";
+}
+
+TEST_F(StartUpTest, ARelativePathOfTheCommandLineIsCompleted) {
+    desk.current_folder = L"C:\\Songs";
+    desk.files[kTune] = {kOneNote};
+    EXPECT_EQ(Start(L"\"TUNE.SND\""), StartResult::Run);
+    EXPECT_EQ(window.document.current_path, kTune);
+    EXPECT_EQ(desk.settings.at(kLastFile), L"1,PC:TUNE.SND,C:\\Songs\\TUNE.SND");
+}
+
+TEST_F(StartUpTest, ARelativePathInsideTheCacheIsADevicesFile) {
+    desk.current_folder = L"C:\\Link\\pcferry\\cache\\System\\sound";
+    desk.files[kCacheTune] = {kOneNote};
+    EXPECT_EQ(Start(L"TUNE.SND"), StartResult::Run);
+    EXPECT_EQ(window.document.location_flag, 0);
+    EXPECT_EQ(window.Caption, L"Sound Editor - Veloxa:TUNE.SND");
 }
 
 // Dropped files.

@@ -158,11 +158,10 @@ void grdScore_KeyPress(sndmain& window, wchar_t character) {
 
 void grdScore_SelChange(sndmain& window, int column, int far_end) {
     ScoreGrid& grid = window.grdScore;
-    const int far_before = grid.view.ColSel;
     grid.view.Col = std::clamp(column, 0, grid.Cols - 1);
     grid.view.ColSel = std::clamp(far_end, 0, grid.Cols - 1);
-    // The view follows the end of the selection that moved.
-    KeepColumnInView(window, grid.view.ColSel != far_before ? grid.view.ColSel : grid.view.Col);
+    // The view follows the end of the selection that the user moves, also where it can go no further.
+    KeepColumnInView(window, grid.view.ColSel);
     ShowPressedKey(window);
 }
 

@@ -89,7 +89,7 @@ bool FileExists(const std::wstring& path) {
 
 bool FolderExists(const std::wstring& path) {
     const auto attributes = AttributesOf(path);
-    return attributes && (*attributes & kAttributeHidden) == 0;
+    return attributes && (*attributes & kAttributeDirectory) != 0;
 }
 
 std::optional<std::uint32_t> AttributesOf(const std::wstring& path) {

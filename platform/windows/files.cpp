@@ -24,9 +24,6 @@ namespace {
 // Bytes handed to the system in one call. Larger single calls fail on network folders of old systems.
 constexpr DWORD kLargestTransfer = 16 * 1024 * 1024;
 
-// Attributes that keep a name out of a listing unless they are asked for.
-constexpr std::uint32_t kListedOnRequest = kAttributeHidden | kAttributeSystem | kAttributeDirectory;
-
 // The characters that a listing takes as wildcards, the three of the old system among them.
 bool HasWildcard(std::wstring_view path) {
     return path.find_first_of(L"*?<>\"") != std::wstring_view::npos;
@@ -36,10 +33,6 @@ std::wstring_view WithoutEndingBackslashes(std::wstring_view path) {
     while (!path.empty() && path.back() == L'\\')
         path.remove_suffix(1);
     return path;
-}
-
-bool IsDriveRoot(std::wstring_view path) {
-    return path.size() == 3 && path[1] == L':' && path[2] == L'\\';
 }
 
 bool WriteAll(HANDLE handle, const std::uint8_t* bytes, std::size_t count) {
@@ -77,24 +70,6 @@ bool ReadUpTo(HANDLE handle, std::vector<std::uint8_t>& bytes, std::size_t limit
     return true;
 }
 
-// Whether a listing that includes what the mask says shows the path.
-bool IsListed(const std::wstring& path, std::uint32_t attribute_mask) {
-    if (path.empty() || HasWildcard(path)) return false;
-    if (IsDriveRoot(path)) { // a root has no entry of its own in any listing
-        return (attribute_mask & kAttributeDirectory) != 0 &&
-               GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-    }
-    const std::wstring entry(WithoutEndingBackslashes(path));
-    if (entry.empty()) return false;
-    WIN32_FIND_DATAW found;
-    const HANDLE listing = FindFirstFileW(entry.c_str(), &found);
-    if (listing == INVALID_HANDLE_VALUE) return false;
-    FindClose(listing);
-    const DWORD attributes = found.dwFileAttributes;
-    if (entry.size() != path.size() && !(attributes & FILE_ATTRIBUTE_DIRECTORY)) return false;
-    return (attributes & kListedOnRequest & ~attribute_mask) == 0;
-}
-
 wchar_t UpperCased(wchar_t letter) {
     wchar_t upper = letter;
     LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, &letter, 1, &upper, 1);
@@ -108,11 +83,17 @@ bool SameLetter(wchar_t a, wchar_t b) {
 } // namespace
 
 bool FileExists(const std::wstring& path) {
-    return IsListed(path, kAttributeHidden | kAttributeSystem);
+    if (path.empty() || HasWildcard(path) || path.ends_with(L'\\')) return false;
+    WIN32_FIND_DATAW found;
+    const HANDLE listing = FindFirstFileW(path.c_str(), &found);
+    if (listing == INVALID_HANDLE_VALUE) return false;
+    FindClose(listing);
+    return (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 bool FolderExists(const std::wstring& path) {
-    return IsListed(path, kAttributeDirectory);
+    const std::optional<std::uint32_t> attributes = AttributesOf(path);
+    return attributes && (*attributes & kAttributeDirectory) != 0;
 }
 
 std::optional<std::uint32_t> AttributesOf(const std::wstring& path) {
@@ -216,6 +197,19 @@ std::optional<std::uint64_t> AgeOfFile(const std::wstring& path) {
     };
     const std::uint64_t now = ticks(time_now), written = ticks(data.ftLastWriteTime);
     return now > written ? (now - written) / 10'000'000 : 0; // a clock set back makes no file older
+}
+
+std::wstring FullPathOf(const std::wstring& path) {
+    std::wstring full(MAX_PATH, L'\0');
+    const auto room = [&] { return static_cast<DWORD>(full.size()); };
+    DWORD length = GetFullPathNameW(path.c_str(), room(), full.data(), nullptr);
+    if (length >= room()) { // the size that it wants, its NUL counted
+        full.resize(length);
+        length = GetFullPathNameW(path.c_str(), room(), full.data(), nullptr);
+    }
+    if (length == 0 || length >= room()) return path;
+    full.resize(length);
+    return full;
 }
 
 void PauseBriefly(std::uint32_t milliseconds) {

@@ -94,11 +94,22 @@ void Wheel(Panel& panel, int delta) {
     if (columns != 0) ScrollTo(panel, Grid(panel).view.LeftCol - columns);
 }
 
+/// The visible cell painted at a place, -1 or 30 beyond the grid's edges. At a fractional scale cells are not
+/// all equally wide. The strip of paper behind the last cell belongs to it.
+int CellAt(const Panel& panel, int x) {
+    RECT client;
+    GetClientRect(panel.window, &client);
+    if (x < 0) return -1;
+    if (x >= client.right) return kGridColumnsShown;
+    int item = 0;
+    while (item + 1 < kGridColumnsShown && x >= ItemArea(panel, item).right)
+        ++item;
+    return item;
+}
+
 /// The column under a point, also left and right of the grid while a selection is dragged there.
 int ColumnAt(const Panel& panel, int x) {
-    const RECT first = ItemArea(panel, 0);
-    const int width = std::max<int>(1, static_cast<int>(first.right));
-    const int column = Grid(panel).view.LeftCol + (x < 0 ? -1 : x / width);
+    const int column = Grid(panel).view.LeftCol + CellAt(panel, x);
     return std::clamp(column, 0, std::max(0, Grid(panel).Cols - 1));
 }
 

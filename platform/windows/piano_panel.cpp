@@ -57,16 +57,16 @@ int NextWhite(int item, int step) {
     return -1;
 }
 
-/// Left and right go by semitones, up to the black key on the right, down to the white key on the left, page
-/// keys by octaves.
+/// Left and right go by semitones, up to the black key on the right, down to the white key on the left, Page
+/// Up and Page Down by octaves.
 int Neighbour(const Panel& panel, int item, WPARAM key) {
     const bool black = KeyAbove(item).kind == KeyKind::Black;
     switch (key) {
     case VK_UP:
         return !black && item + 1 < kPianoKeys && KeyAbove(item + 1).kind == KeyKind::Black ? item + 1 : -1;
     case VK_DOWN: return black ? NextWhite(item, -1) : -1;
-    case VK_PRIOR: return item - 12;
-    case VK_NEXT: return item + 12;
+    case VK_PRIOR: return item + 12;
+    case VK_NEXT: return item - 12;
     default: return NeighbourInRow(panel, item, key);
     }
 }

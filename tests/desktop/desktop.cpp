@@ -241,10 +241,12 @@ bool FileExists(const std::wstring& path) {
 }
 
 bool FolderExists(const std::wstring& path) {
-    if (!Operation("FolderExists", path)) return false;
-    const auto file = Current().files.find(path);
-    if (file == Current().files.end()) return Current().folders.contains(Plain(path));
-    return (file->second.attributes & (kAttributeHidden | kAttributeSystem)) == 0;
+    return Operation("FolderExists", path) && Current().folders.contains(Plain(path));
+}
+
+std::wstring FullPathOf(const std::wstring& path) {
+    const bool complete = path.starts_with(L"\\") || path.substr(1, 1) == L":";
+    return complete ? path : Current().current_folder + L"\\" + path;
 }
 
 std::optional<std::uint32_t> AttributesOf(const std::wstring& path) {
@@ -544,6 +546,7 @@ void BringMainWindowToForeground() {
 }
 void FocusScoreGrid() {
     Log("FocusScoreGrid");
+    if (Current().on_focus) Current().on_focus();
 }
 void CloseMainWindow() {
     Log("CloseMainWindow");
@@ -688,7 +691,8 @@ std::string ToAnsi(std::wstring_view text) {
         if (c < 0x80) {
             out += static_cast<char>(c);
         } else if (!japanese) {
-            out += c < 0x100 ? static_cast<char>(c) : '?';
+            // As the system does, a letter that the page lacks becomes one that looks like it.
+            out += c == 0x105 ? 'a' : c < 0x100 ? static_cast<char>(c) : '?';
         } else if (c >= 0xFF61 && c <= 0xFF9F) {
             out += static_cast<char>(c - 0xFF61 + 0xA1);
         } else {

@@ -102,6 +102,7 @@ struct Desktop {
     int wave_outputs = 1;
     int hour = 12, minute = 34, second = 56;
     ScreenMeasures screen;
+    std::wstring current_folder = L"C:\\Home"; ///< relative paths count from it
     std::wstring temporary_folder = L"C:\\Temp\\";
     unsigned code_page = 932;
 
@@ -116,6 +117,7 @@ struct Desktop {
     std::function<void()> during_events;               ///< runs inside ProcessPendingEvents and WaitForEvents
 
     // Windows.
+    std::function<void()> on_focus; ///< runs inside FocusScoreGrid
     bool previous_instance = false;
     std::vector<Window> windows; ///< WindowId = index + 1
     std::optional<WindowPlacement> placement = WindowPlacement{};

@@ -171,7 +171,7 @@ TEST_F(PosixFiles, AttributesFollowFromModeAndName) {
     EXPECT_FALSE(FileExists(sub));
     EXPECT_TRUE(FolderExists(sub));
     EXPECT_TRUE(FolderExists(sub + L"/"));
-    EXPECT_TRUE(FolderExists(plain)) << "a listing with folders shows ordinary files too";
+    EXPECT_FALSE(FolderExists(plain));
     EXPECT_FALSE(FolderExists(hidden));
 
     EXPECT_TRUE(SetAttributesOf(plain, kAttributeReadOnly));

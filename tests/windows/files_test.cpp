@@ -68,13 +68,25 @@ TEST(FolderExists, FindsAFolderWithOrWithoutABackslash) {
     EXPECT_TRUE(FolderExists(folder / L"sound\\"));
 }
 
-TEST(FolderExists, AListingWithFoldersShowsOrdinaryFilesTooAndHiddenOnesNot) {
+TEST(FolderExists, AFileOfThatNameIsNone) {
     const TestFolder folder;
     WriteBytes(folder / L"a.snd", "x");
-    EXPECT_TRUE(FolderExists(folder / L"a.snd"));
-    SetFileAttributesW((folder / L"a.snd").c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
-    ASSERT_TRUE(GetFileAttributesW((folder / L"a.snd").c_str()) & FILE_ATTRIBUTE_HIDDEN);
     EXPECT_FALSE(FolderExists(folder / L"a.snd"));
+}
+
+TEST(FullPath, IsCompletedFromTheCurrentFolder) {
+    wchar_t before[MAX_PATH];
+    GetCurrentDirectoryW(MAX_PATH, before);
+    const TestFolder folder;
+    MakeFolder(folder / L"sound");
+    ASSERT_TRUE(SetCurrentDirectoryW((folder / L"sound").c_str()));
+    EXPECT_EQ(FullPathOf(L"REL.SND"), folder / L"sound\\REL.SND");
+    EXPECT_EQ(FullPathOf(L"..\\REL.SND"), folder / L"REL.SND");
+    EXPECT_EQ(FullPathOf(L"C:\\a\\B.SND"), L"C:\\a\\B.SND");
+    const std::wstring name(300, L'a');
+    EXPECT_EQ(FullPathOf(name), folder / (L"sound\\" + name));
+    EXPECT_EQ(FullPathOf(L""), L"");
+    SetCurrentDirectoryW(before);
 }
 
 TEST(FolderExists, AFileIsNotAFolderBecauseABackslashFollows) {
