@@ -158,10 +158,13 @@ void grdScore_KeyPress(sndmain& window, wchar_t character) {
 
 void grdScore_SelChange(sndmain& window, int column, int far_end) {
     ScoreGrid& grid = window.grdScore;
+    const GridView before = grid.view;
     grid.view.Col = std::clamp(column, 0, grid.Cols - 1);
     grid.view.ColSel = std::clamp(far_end, 0, grid.Cols - 1);
-    // The view follows the end of the selection that the user moves, also where it can go no further.
-    KeepColumnInView(window, grid.view.ColSel);
+    // The view follows the end of the selection that the user moves: the far one, also where it can go no
+    // further.
+    const bool only_anchor_moved = grid.view.ColSel == before.ColSel && grid.view.Col != before.Col;
+    KeepColumnInView(window, only_anchor_moved ? grid.view.Col : grid.view.ColSel);
     ShowPressedKey(window);
 }
 
