@@ -105,10 +105,10 @@ void Model::Character(wchar_t character) {
 }
 
 void Model::Select(int column, int far_end) {
-    const int old_far = far;
+    const int old_col = col, old_far = far;
     col = std::max(0, std::min(column, Cols() - 1));
     far = std::max(0, std::min(far_end, Cols() - 1));
-    in_view = far != old_far ? far : col;
+    in_view = far == old_far && col != old_col ? col : far;
 }
 
 void Model::StripClick(int first_shown, int image) {
