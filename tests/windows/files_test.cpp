@@ -97,6 +97,8 @@ TEST(FolderExists, AFileIsNotAFolderBecauseABackslashFollows) {
 
 TEST(FolderExists, FindsADriveRoot) {
     EXPECT_TRUE(FolderExists(L"C:\\"));
+    EXPECT_TRUE(FolderExists(L"\\")) << "of the current drive";
+    EXPECT_FALSE(FileExists(L"\\"));
     EXPECT_FALSE(FolderExists(L"Q:\\"));
 }
 
@@ -111,9 +113,8 @@ TEST(FileExists, WildcardsFindNothing) {
 
 TEST(FileExists, ErrorsFindNothing) {
     const TestFolder folder;
-    for (const std::wstring& path :
-         {std::wstring(), std::wstring(L"\\"), folder / L"missing.snd", folder / L"missing\\a.snd",
-          std::wstring(L"Q:\\a.snd"), std::wstring(40000, L'a')}) {
+    for (const std::wstring& path : {std::wstring(), folder / L"missing.snd", folder / L"missing\\a.snd",
+                                     std::wstring(L"Q:\\a.snd"), std::wstring(40000, L'a')}) {
         EXPECT_FALSE(FileExists(path));
         EXPECT_FALSE(FolderExists(path));
     }
