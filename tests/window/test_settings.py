@@ -387,12 +387,25 @@ def test_details_show_the_programs_own_about_window_in_the_middle_of_the_screen(
 def test_the_silent_end_with_an_empty_entry(screen):
     prefix = Prefix("empty-entry")
     try:
-        for value in ("", "\\"):
-            prefix.ask("setreg", LINK_ENTRY, "InstallDir", value)
-            editor = Editor(prefix, screen)
-            assert editor.wait_end(20) == 0
-            assert editor.windows() == []
+        prefix.ask("setreg", LINK_ENTRY, "InstallDir", "")
+        editor = Editor(prefix, screen)
+        assert editor.wait_end(20) == 0
+        assert editor.windows() == []
         assert prefix.ask("getreg", SETTINGS, "WindwInformation") is None
+    finally:
+        prefix.end()
+
+
+def test_an_entry_of_a_single_backslash_goes_on(screen):
+    """The backslash is trimmed and nothing is left: the folders count from the drive's root, where they are not."""
+    prefix = Prefix("root-entry")
+    try:
+        prefix.ask("setreg", LINK_ENTRY, "InstallDir", "\\")
+        editor = Editor(prefix, screen)
+        editor.message("Directory does not exist.\r\nPlease install the PC Application again.")
+        editor.wait_ready()
+        assert editor.caption() == "Sound Editor - Untitled"
+        editor.kill()
     finally:
         prefix.end()
 
