@@ -41,7 +41,7 @@ struct Line {
 /// A note picture of the strip. Left and Top are relative to the staff panel.
 struct NoteImage {
     Rect place;
-    std::int16_t Picture = 0; ///< 1 to 58 in ImlNote; 0 = none
+    std::int16_t Picture = 0; ///< 1 to 59 in ImlNote; 0 = none
     bool Sharp = false;       ///< a sharp sign stands beside the head
     bool Visible = false;
     bool operator==(const NoteImage&) const = default;

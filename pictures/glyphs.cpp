@@ -11,7 +11,7 @@ namespace tonex {
 
 namespace {
 
-constexpr int kFirstStemDown = 41, kLastStemDown = 57, kBarLine = 58;
+constexpr int kFirstStemDown = 41, kLastStemDown = 57;
 
 // Lengths in staff spaces from here on, where nothing else is said.
 constexpr float kHeadWidth = 1.19F, kWholeWidth = 1.52F, kHeadHalfHeight = 0.46F;
@@ -422,6 +422,24 @@ CoverageMask BarLineMask(const PixelBox& edges, int line) {
     return FinishMask(raster);
 }
 
+/// The sign of an entry that the editor does not know: a black box, like nothing that is played, with a
+/// question mark cut out of it. It stands on the staff's middle, whatever the entry's pitch may mean.
+CoverageMask UnknownMask(const PixelBox& edges, float scale) {
+    const float unit = kStaffSpace * scale, high = 1.7F, mark_middle = 56.5F * high / kOutlineUnits;
+    const float x = (edges.left + edges.right) / 2;
+    const float y = static_cast<float>(StaffLineRow(edges.top + kRestMiddle * scale)) +
+                    static_cast<float>(StaffLinePixels(scale)) / 2;
+    Raster box = BoxRaster(edges);
+    AddRoundRectangle(box, WholePixel(x - unit), WholePixel(y - 1.4F * unit), WholePixel(x + unit),
+                      WholePixel(y + 1.4F * unit), 0.3F * unit);
+    Raster mark = BoxRaster(edges);
+    Pen pen{mark, unit, StaffLinePixels(scale)};
+    Put(pen, kQuestionMark, x, y + mark_middle * unit, high, high);
+    CoverageMask mask = FinishMask(box);
+    CutOut(mask, FinishMask(mark));
+    return mask;
+}
+
 /// A rest in the middle of a button of `width` x `height` pixels.
 void DrawButtonRest(Pen& pen, const NoteLength& form, float width, float height) {
     const float unit = pen.unit, line = static_cast<float>(pen.line);
@@ -489,7 +507,8 @@ CoverageMask NotePictureMask(const StripPicture& shown, const PixelGrid& grid) {
     if (shown.picture < 1 || shown.picture > kLastPicture) return {};
     const float scale = grid.pixels_per_twip;
     const PixelBox edges = BoxOf(kPictureWidth, kPictureHeight, grid);
-    if (shown.picture == kBarLine) return BarLineMask(edges, StaffLinePixels(scale));
+    if (shown.picture == kBarLinePicture) return BarLineMask(edges, StaffLinePixels(scale));
+    if (shown.picture == kUnknownPicture) return UnknownMask(edges, scale);
     Raster raster = BoxRaster(edges);
     Pen pen{raster, kStaffSpace * scale, StaffLinePixels(scale)};
     if (IsNotePicture(shown.picture)) {

@@ -11,7 +11,9 @@
 namespace tonex {
 
 inline constexpr int kRestMiddle = 210; ///< the middle line in a rest's picture
-inline constexpr int kLastPicture = 58;
+inline constexpr int kBarLinePicture = 58;
+inline constexpr int kUnknownPicture = 59; ///< of an entry that the editor does not know
+inline constexpr int kLastPicture = 59;
 
 /// A box in the coordinates of the staff panel, in twips.
 struct PictureBox {
@@ -40,7 +42,8 @@ struct PixelGrid {
 /// A picture of the strip as it is asked for.
 struct StripPicture {
     int picture = 0; ///< 1 to 20 notes with stem up (20 lengths), 21 to 40 rests of the same lengths, 41 to
-                     ///< 57 notes of lengths 1 to 17 with stem down, 58 the bar line
+                     ///< 57 notes of lengths 1 to 17 with stem down, 58 the bar line, 59 the sign of an
+                     ///< unknown entry
     bool sharp = false;        ///< with a sharp sign, drawn where HasRoomForSharp says so
     int staff_offset = 0;      ///< twips
     bool head_on_line = false; ///< the head stands on a staff or ledger line, so that dots belong to the
@@ -50,7 +53,8 @@ struct StripPicture {
 /// A picture of the strip in its box of 300 x 480 twips. Nothing is drawn outside the box, but for the bar
 /// line, which covers the rows of the staff lines at the box's top and bottom whole. A note's head has its
 /// centre `kHeadCentre - staff_offset` below the box's top, as the rows of the lines have it; a rest's middle
-/// line lies at `kRestMiddle`. An unknown picture number gives an empty mask (width and height 0).
+/// line lies at `kRestMiddle`, as does the middle of the unknown entry's sign. An unknown picture number
+/// gives an empty mask (width and height 0).
 CoverageMask NotePictureMask(const StripPicture& shown, const PixelGrid& grid);
 
 /// From where to where a note's head reaches in its picture, in twips from the left edge of the box: ledger
@@ -60,8 +64,7 @@ struct HeadSpan {
 };
 HeadSpan HeadSpanOf(int picture);
 
-/// Whether a picture of the strip has room for a sharp sign left of its head. False for rests and the bar
-/// line.
+/// Whether a picture of the strip has room for a sharp sign left of its head. False for all but notes.
 bool HasRoomForSharp(int picture);
 
 /// The picture of a length button (1 to 20 notes, 21 to 40 rests), optically centred in `width` x `height`

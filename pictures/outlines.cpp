@@ -137,6 +137,12 @@ constexpr PathStep kEightSteps[] = {
     C(123, 103, 130, 79, 120, 56), Z
 };
 
+constexpr PathStep kQuestionMarkSteps[] = {
+    M(-75, 110), L(-42, 110), C(-42, 133, -23, 152, 0, 152), C(23, 152, 42, 133, 42, 110),
+    C(42, 80, -17, 85, -17, 15), L(-17, 0), L(17, 0), L(17, 15), C(17, 62, 75, 70, 75, 110),
+    C(75, 151, 41, 185, 0, 185), C(-41, 185, -75, 151, -75, 110), Z, M(-19, -72), L(19, -72), L(19, -34),
+    L(-19, -34), Z
+};
 // clang-format on
 
 } // namespace
@@ -151,5 +157,6 @@ const Outline kRestHook{kRestHookSteps};
 const Outline kTrebleClef{kTrebleClefSteps};
 const Outline kThree{kThreeSteps};
 const Outline kEight{kEightSteps};
+const Outline kQuestionMark{kQuestionMarkSteps};
 
 } // namespace tonex

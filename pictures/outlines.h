@@ -23,4 +23,6 @@ extern const Outline kTrebleClef; ///< (0, 0) is on the line that the curl encir
 extern const Outline kThree;      ///< an italic digit, one space high from (0, 0) up
 extern const Outline kEight;      ///< the same
 
+extern const Outline kQuestionMark; ///< one space high, its middle 56.5 units above (0, 0)
+
 } // namespace tonex

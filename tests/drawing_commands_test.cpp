@@ -84,11 +84,13 @@ TEST(DrawStripImage, ASharpHasItsSign) {
     }
 }
 
-TEST(DrawStripImage, AForeignCodeDrawsNothing) {
+TEST(DrawStripImage, AForeignCodeHasASignOfItsOwn) {
     auto window = SetUpWindow();
-    FillScore(*window, {MakeEntry(*window, 99, 60), MakeNote(*window, 11, 27)});
-    EXPECT_EQ(ImageOf(*window, 0).Picture, 0);
-    EXPECT_FALSE(ImageOf(*window, 0).Visible);
+    FillScore(*window, {MakeEntry(*window, 99, 65535), MakeNote(*window, 11, 27)});
+    EXPECT_EQ(ImageOf(*window, 0).Picture, 59);
+    EXPECT_TRUE(ImageOf(*window, 0).Visible);
+    EXPECT_FALSE(ImageOf(*window, 0).Sharp);
+    EXPECT_EQ(ImageOf(*window, 0).place.Top, 1200) << "where rests stand";
     EXPECT_TRUE(ImageOf(*window, 1).Visible) << "the strip goes on behind it";
 }
 

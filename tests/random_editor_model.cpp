@@ -264,7 +264,7 @@ std::wstring ModelText(std::uint16_t pitch, bool doremi) {
 
 int ModelPicture(const Entry& entry) {
     if (entry.code == 0) return 58;
-    if (entry.code > 40) return 0;
+    if (entry.code > 40) return 59;
     return entry.code <= 17 && Signed(entry.pitch) >= 50 ? entry.code + 40 : entry.code;
 }
 

@@ -17,8 +17,9 @@ constexpr int kStemDownPictures = 40;           ///< from a note's picture to th
 } // namespace
 
 std::int16_t PictureOf(std::uint16_t code, std::uint16_t pitch) {
-    if (code == kSeparator) return kLastPicture;
-    if (!IsNote(code) && !IsRest(code)) return 0;
+    if (code == kSeparator) return kBarLinePicture;
+    if (code == kEmpty) return 0;
+    if (!IsNote(code) && !IsRest(code)) return kUnknownPicture;
     const bool stem_down = AsSigned(pitch) >= kStemDownFrom && code <= kLastCodeWithStem;
     return static_cast<std::int16_t>(stem_down ? code + kStemDownPictures : code);
 }

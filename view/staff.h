@@ -6,7 +6,7 @@
 namespace tonex {
 
 /// Number of a slot's picture: 1 to 20 notes with stem up, 21 to 40 rests, 41 to 57 notes with stem down, 58
-/// bar line; 0 when there is nothing to draw (empty slot, foreign code).
+/// bar line, 59 the sign of an entry that the editor does not know; 0 for an empty slot.
 std::int16_t PictureOf(std::uint16_t code, std::uint16_t pitch);
 
 /// The offset of every staff position, in twips, from the space between two staff lines and the screen's

@@ -146,7 +146,7 @@ void PaintImage(Panel& panel, int index, const RECT& dirty) {
     const Colours& colours = ColoursOf(panel);
     const bool inverse = colours.high_contrast && ItemChosen(panel, index);
     const COLORREF ink = inverse ? colours.select_text : colours.ink;
-    const bool note = image.Picture <= 20 || (image.Picture > 40 && image.Picture < kLastPicture);
+    const bool note = image.Picture <= 20 || (image.Picture > 40 && image.Picture < kBarLinePicture);
     if (note && !HeadInPanel(w, image)) return;
     if (note) PaintLedgerLines(panel, image, inverse ? colours.select_text : colours.staff_line);
     const PictureCorner corner = CornerAt(ScaleOf(panel), image.place.Left, image.place.Top);

@@ -63,7 +63,7 @@ void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
     for (std::size_t k = 0; k < pictures.size(); ++k) {
         const int picture = pictures[k], step = steps[k % steps.size()];
         const bool note = HasRoomForSharp(picture);
-        int top = picture == kLastPicture ? kTopStaffLine : kRestPosition;
+        int top = picture == kBarLinePicture ? kTopStaffLine : kRestPosition;
         if (note) top = kMiddleLine - kHeadCentre + kStepHeight * step + staff_offset;
         const float x = (kClefEnd + kColumnWidth * static_cast<float>(k) + kInset) * scale,
                     y = static_cast<float>(top) * scale;
@@ -106,7 +106,7 @@ void Scale(Sheet& sheet, int percent, int offset, int top) {
     Staff(sheet, scale, offset, 4, top, range(1, 20), {1, 2, 3, 4, 5, 6, 7, 8, 2, 3}, false);
     Staff(sheet, scale, offset, 4, top + row, range(1, 20), {1, 2, 3, 4}, true);
     Staff(sheet, scale, offset, 4, top + 2 * row, range(41, 57), {0, -1, -2, -3, -4, -5, -6}, false);
-    Staff(sheet, scale, offset, 4, top + 3 * row, range(41, 58), {0, -1}, true);
+    Staff(sheet, scale, offset, 4, top + 3 * row, range(41, kLastPicture), {0, -1}, true);
     Staff(sheet, scale, offset, 4, top + 4 * row, range(21, 40), {0}, false);
     // The lowest and the highest key, c4 and c8.
     Staff(sheet, scale, offset, 4, top + 5 * row, {1, 2, 3, 5, 7, 8, 10, 11, 13, 14, 15, 17, 18, 20}, {13},
