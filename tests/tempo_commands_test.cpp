@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 namespace tonex {
 namespace {
@@ -118,6 +119,51 @@ TEST(TempoBox, ClearGoesBackTo120) {
     EXPECT_EQ(window->TempoCombo.Text, L" 120");
     EXPECT_EQ(window->lblTempo.Caption, L"Allegro");
     EXPECT_FALSE(window->score.changed);
+}
+
+// ---- the list and its neighbours ----
+
+TEST(TempoList, AnItemIsFoundByItsNumberNotByItsBeginning) {
+    const auto window = SetUpWindow();
+    EXPECT_EQ(TempoItemOf(*window, L" 64"), 14) << "not 640";
+    EXPECT_EQ(TempoItemOf(*window, L"48"), 19) << "not 480";
+    EXPECT_EQ(TempoItemOf(*window, L"32"), 26) << "not 320";
+    EXPECT_EQ(TempoItemOf(*window, L"120"), 7) << "typed without the list's blank";
+    for (const wchar_t* none : {L"100", L"6", L"120x", L"", L"0", L"x"})
+        EXPECT_EQ(TempoItemOf(*window, none), -1);
+}
+
+std::pair<std::wstring, std::wstring> NeighboursOf(sndmain& window, const std::wstring& typed) {
+    TempoComboChange(window, typed);
+    const auto text = [&](int item) { return item < 0 ? L"none" : At(window.TempoCombo.List, item); };
+    return {text(TempoNeighbour(window, -1)), text(TempoNeighbour(window, 1))};
+}
+
+TEST(TempoList, NeighboursAreTheNextFasterAndSlowerTempos) {
+    using Pair = std::pair<std::wstring, std::wstring>;
+    const auto window = SetUpWindow();
+    EXPECT_EQ(NeighboursOf(*window, L"120"), (Pair{L" 128", L" 108"}));
+    EXPECT_EQ(NeighboursOf(*window, L" 64"), (Pair{L" 70", L" 60"}));
+    EXPECT_EQ(NeighboursOf(*window, L"100"), (Pair{L" 108", L" 96"})) << "of a tempo that is in no list too";
+    EXPECT_EQ(NeighboursOf(*window, L"640"), (Pair{L"none", L" 480"}));
+    EXPECT_EQ(NeighboursOf(*window, L"30"), (Pair{L" 32", L"none"}));
+    EXPECT_EQ(NeighboursOf(*window, L"700"), (Pair{L"none", L" 640"}));
+    EXPECT_EQ(NeighboursOf(*window, L""), (Pair{L" 30", L"none"}));
+}
+
+TEST(TempoList, LeavingItWithoutChoosingBringsEverythingBack) {
+    const auto window = SetUpWindow();
+    SelectTempo(*window, 64);
+    for (const bool changed : {false, true}) {
+        window->score.changed = changed;
+        const TempoChoice before = CurrentTempo(*window);
+        TempoComboClick(*window, 16);
+        RestoreTempo(*window, before);
+        EXPECT_EQ(window->TempoCombo.Text, L" 64");
+        EXPECT_EQ(window->TempoCombo.ListIndex, 14);
+        EXPECT_EQ(window->lblTempo.Caption, L"Adagio");
+        EXPECT_EQ(window->score.changed, changed);
+    }
 }
 
 } // namespace

@@ -32,11 +32,7 @@ HWND CreateStatic(MainWindow& main, HINSTANCE instance) {
 
 void CreateTempo(MainWindow& main, HINSTANCE instance) {
     main.tempo_caption = CreateStatic(main, instance);
-    main.tempo = CreateWindowExW(
-        0, L"COMBOBOX", L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWN | CBS_AUTOHSCROLL,
-        0, 0, 10, 300, main.window, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(kTempoId)), instance,
-        nullptr);
-    SendMessageW(main.tempo, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), 0);
+    CreateTempoBox(main, instance);
     main.tempo_label = CreateStatic(main, instance);
     main.length_caption = CreateStatic(main, instance);
 }

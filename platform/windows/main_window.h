@@ -4,6 +4,7 @@
 #include "app/sndmain.h"
 #include "platform/windows/main_window_showing.h"
 #include "platform/windows/panel.h"
+#include "platform/windows/tempo_box.h"
 #include "platform/windows/theme.h"
 
 #include "platform/windows/desktop_windows.h"
@@ -19,6 +20,7 @@ struct MainWindow {
     HWND window = nullptr;
     HWND toolbar = nullptr;
     HWND tempo = nullptr;
+    TempoBoxState tempo_state;
     HWND tempo_caption = nullptr;
     HWND tempo_label = nullptr;
     HWND length_caption = nullptr;
@@ -54,6 +56,5 @@ void LoadToolbarPictures(MainWindow& main);
 void SizeToolbar(MainWindow& main);
 inline constexpr UINT kFirstMenuId = 1000;
 inline constexpr UINT kFirstToolId = 1200;
-inline constexpr UINT kTempoId = 1300;
 
 } // namespace tonex

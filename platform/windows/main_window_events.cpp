@@ -6,7 +6,6 @@
 #include "app/menu_routes.h"
 #include "app/window_routes.h"
 #include "platform/windows/main_window.h"
-#include "view/tempo_commands.h"
 
 #include <commctrl.h>
 #include <shellapi.h>
@@ -21,25 +20,6 @@ void RunFromMenu(MainWindow& main, UINT id) {
 
 void RunFromToolbar(MainWindow& main, UINT id) {
     RunToolButton(main.record, ToolButtonRows()[id - kFirstToolId].key);
-}
-
-void TempoTyped(MainWindow& main) {
-    wchar_t text[64] = L"";
-    GetWindowTextW(main.tempo, text, 64);
-    main.shown.tempo_text = text;
-    TempoComboChange(main.record, text);
-}
-
-void TempoChosen(MainWindow& main) {
-    const auto index = static_cast<int>(SendMessageW(main.tempo, CB_GETCURSEL, 0, 0));
-    if (index >= 0) TempoComboClick(main.record, index);
-}
-
-void TempoEvent(MainWindow& main, UINT notification) {
-    if (main.showing) return;
-    if (notification == CBN_EDITCHANGE) TempoTyped(main);
-    // The same item chosen again sends no change, but ends the selection all the same.
-    if (notification == CBN_SELENDOK || notification == CBN_SELCHANGE) TempoChosen(main);
 }
 
 void CommandGiven(MainWindow& main, WPARAM wparam) {

@@ -90,28 +90,12 @@ void ShowText(HWND control, const std::wstring& text, std::wstring& shown) {
     if (Differs(shown, text)) SetWindowTextW(control, text.c_str());
 }
 
-void ShowTempoList(MainWindow& main) {
-    const TempoBox& box = main.record.TempoCombo;
-    if (!Differs(main.shown.tempo_list, box.List)) return;
-    SendMessageW(main.tempo, CB_RESETCONTENT, 0, 0);
-    for (const std::wstring& item : box.List)
-        SendMessageW(main.tempo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(item.c_str()));
-    main.shown.tempo_index = -2;
-}
-
 void ShowTempo(MainWindow& main) {
-    const TempoBox& box = main.record.TempoCombo;
     Shown& shown = main.shown;
     ShowText(main.tempo_caption, main.record.Label2.Caption, shown.tempo_caption);
     ShowText(main.length_caption, main.record.Label3.Caption, shown.length_caption);
     ShowText(main.tempo_label, main.record.lblTempo.Caption, shown.tempo_label);
-    ShowTempoList(main);
-    // Typing a number deselects the list's item; the text and its caret stay as typed.
-    if (Differs(shown.tempo_index, box.ListIndex) && box.ListIndex >= 0) {
-        SendMessageW(main.tempo, CB_SETCURSEL, static_cast<WPARAM>(box.ListIndex), 0);
-        shown.tempo_text = At(box.List, box.ListIndex);
-    }
-    ShowText(main.tempo, box.Text, shown.tempo_text);
+    ShowTempoBox(main);
 }
 
 // ---- panels ----
