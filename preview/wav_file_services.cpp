@@ -1,6 +1,7 @@
 #include "preview/wav_file_services.h"
 
 #include "platform/files.h"
+#include "platform/refusal.h"
 #include "score/file_services.h"
 
 #include <cstring>
@@ -57,10 +58,16 @@ bool PatchSizes(OutputFile& file, std::uint32_t data_size) {
     return PatchOutput(file, 0, header.data(), header.size());
 }
 
+/// Keeps the system's reason before anything else is asked of it.
+void KeepReason(std::string* reason) {
+    if (reason != nullptr) *reason = ReasonOfRefusal();
+}
+
 } // namespace
 
 std::int16_t sndfile2wavfile(const WaveTable& table, const std::wstring& snd_path,
-                             const std::wstring& wav_path, const ConversionProgress& progress) {
+                             const std::wstring& wav_path, const ConversionProgress& progress,
+                             std::string* reason) {
     std::vector<std::uint8_t> snd;
     if (!ReadWholeFile(snd_path, snd, kMostSndBytes)) return kNotAMelody;
     PlayBlock block;
@@ -72,12 +79,15 @@ std::int16_t sndfile2wavfile(const WaveTable& table, const std::wstring& snd_pat
         progress.begin(progress.context, static_cast<int>(block.records.size() / 2));
     bool written = false;
     OutputFilePtr file = WriteSamples(table, block, wav_path, progress, written);
+    if (!written) KeepReason(reason);
     if (progress.end != nullptr) progress.end(progress.context);
     if (file == nullptr) return kFailed;
 
-    written = written && PatchSizes(*file, *data_size);
+    const bool patched = written && PatchSizes(*file, *data_size);
+    if (written && !patched) KeepReason(reason);
     const bool closed = CloseOutput(std::move(file));
-    if (written && closed) return kDone;
+    if (patched && closed) return kDone;
+    if (patched) KeepReason(reason);
     RemoveFile(wav_path);
     return kFailed;
 }

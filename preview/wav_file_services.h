@@ -18,8 +18,9 @@ struct ConversionProgress {
 
 /// Converts. 0 on success; -1 when the SND file is missing, its header is rejected or its end mark is missing
 /// (no WAV file is then created or touched); -4 when a note can not be computed or the disk refuses (no WAV
-/// file is left behind).
+/// file is left behind). `reason`, which may be null, then holds what the system gave for one, in UTF-8.
 std::int16_t sndfile2wavfile(const WaveTable& table, const std::wstring& snd_path,
-                             const std::wstring& wav_path, const ConversionProgress& progress);
+                             const std::wstring& wav_path, const ConversionProgress& progress,
+                             std::string* reason = nullptr);
 
 } // namespace tonex

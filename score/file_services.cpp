@@ -2,6 +2,7 @@
 
 #include "link/paths.h"
 #include "platform/files.h"
+#include "platform/refusal.h"
 #include "score/number_text.h"
 
 #include <algorithm>
@@ -53,6 +54,12 @@ bool WriteAndClose(OutputFilePtr file, std::span<const std::uint8_t> bytes) {
     return CloseOutput(std::move(file));
 }
 
+/// Keeps the system's reason before anything else is asked of it. False always.
+bool Refused(std::string& reason) {
+    reason = ReasonOfRefusal();
+    return false;
+}
+
 /// Whether the disk gives back what it took; one byte more is asked for, so that a longer file shows.
 bool HoldsExactly(const std::wstring& path, std::span<const std::uint8_t> bytes) {
     std::vector<std::uint8_t> read;
@@ -60,13 +67,23 @@ bool HoldsExactly(const std::wstring& path, std::span<const std::uint8_t> bytes)
     return std::equal(read.begin(), read.end(), bytes.begin(), bytes.end());
 }
 
+/// Fills the new file at the path and looks whether the disk has it.
+bool WriteTo(OutputFilePtr file, const std::wstring& path, std::span<const std::uint8_t> bytes,
+             std::string& reason) {
+    if (!WriteAndClose(std::move(file), bytes)) return Refused(reason);
+    if (HoldsExactly(path, bytes)) return true;
+    reason = "what was written can not be read back";
+    return false;
+}
+
 /// Puts a finished file in the place of the target, whose read-only, hidden and system attributes do not
 /// protect it. When the target stays, its attributes are as they were.
-bool Replace(const std::wstring& from, const std::wstring& target) {
+bool Replace(const std::wstring& from, const std::wstring& target, std::string& reason) {
     const std::optional<std::uint32_t> old = AttributesOf(target);
     const bool guarded = old && (*old & kGuarding) != 0 && (*old & kAttributeDirectory) == 0;
     if (guarded) WithRetries([&] { return SetAttributesOf(target, kAttributeArchive); });
     if (WithRetries([&] { return RenameOver(from, target); })) return true;
+    Refused(reason);
     if (guarded) WithRetries([&] { return SetAttributesOf(target, *old); });
     return false;
 }
@@ -81,12 +98,13 @@ bool IsAbandonedSaveName(std::wstring_view name) {
 
 } // namespace
 
-bool SaveWholeFile(const std::wstring& path, std::span<const std::uint8_t> bytes) {
+bool SaveWholeFile(const std::wstring& path, std::span<const std::uint8_t> bytes, std::string* reason) {
+    std::string unheard;
+    std::string& why = reason == nullptr ? unheard : *reason;
     std::wstring temporary;
     OutputFilePtr file = CreateBeside(path, temporary);
-    if (!file) return false;
-    const bool written = WriteAndClose(std::move(file), bytes) && HoldsExactly(temporary, bytes);
-    if (written && Replace(temporary, path)) return true;
+    if (!file) return Refused(why);
+    if (WriteTo(std::move(file), temporary, bytes, why) && Replace(temporary, path, why)) return true;
     WithRetries([&] { return RemoveFile(temporary); });
     return false;
 }

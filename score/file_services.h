@@ -12,8 +12,10 @@ namespace tonex {
 
 /// Writes bytes to a path through a checked temporary file in the same folder, renamed over the target. A
 /// read-only, hidden or system file at the path is replaced. False when anything failed: the old file is then
-/// as it was, attributes included, and the temporary file is gone.
-bool SaveWholeFile(const std::wstring& path, std::span<const std::uint8_t> bytes);
+/// as it was, attributes included, the temporary file is gone, and `reason`, which may be null, holds what
+/// the system gave for one, in UTF-8.
+bool SaveWholeFile(const std::wstring& path, std::span<const std::uint8_t> bytes,
+                   std::string* reason = nullptr);
 
 /// Writes an encoded melody to a path as SaveWholeFile does. The encoding's own result, with nothing written
 /// unless it holds a file; kSndWriteError also when the disk refused.

@@ -206,6 +206,25 @@ TEST(SaveFile, ARenameThatAScannerBlocksIsTriedAgain) {
     EXPECT_EQ(TimesAsked("PauseBriefly"), 1);
 }
 
+TEST(SaveFile, GivesTheReasonOfTheStepThatWasRefused) {
+    for (const char* step : {"CreateOutput", "WriteOutput", "FlushOutput", "CloseOutput", "RenameOver"}) {
+        desktop::Desktop& desk = DiskWithOldFile();
+        desk.files.at(kPath).attributes = kAttributeReadOnly;
+        desk.refused.insert(step);
+        std::string reason;
+        EXPECT_FALSE(SaveWholeFile(kPath, kNew, &reason)) << step;
+        // The retries' pauses are asked of the desktop too, but never behind the last try.
+        EXPECT_TRUE(reason.starts_with("refused: " + std::string(step))) << reason;
+    }
+}
+
+TEST(SaveFile, GivesAReasonWhenTheDiskStoresSomethingElse) {
+    DiskWithOldFile().garbles_writes = true;
+    std::string reason;
+    EXPECT_FALSE(SaveWholeFile(kPath, kNew, &reason));
+    EXPECT_EQ(reason, "what was written can not be read back");
+}
+
 TEST(SaveFile, AFolderThatRefusesGivesUpSoon) {
     desktop::Desktop& desk = DiskWithOldFile();
     desk.refusing_folders.insert(L"C:\\Songs");

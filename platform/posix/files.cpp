@@ -68,6 +68,7 @@ bool WriteAll(int descriptor, const std::uint8_t* bytes, std::size_t count, std:
         const ssize_t taken = offset < 0 ? write(descriptor, bytes, count)
                                          : pwrite(descriptor, bytes, count, static_cast<off_t>(offset));
         if (taken < 0 && errno == EINTR) continue;
+        if (taken == 0) errno = ENOSPC; // took nothing and gave no reason
         if (taken <= 0) return false;
         bytes += taken;
         count -= static_cast<std::size_t>(taken);

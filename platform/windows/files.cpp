@@ -39,8 +39,12 @@ bool WriteAll(HANDLE handle, const std::uint8_t* bytes, std::size_t count) {
     while (count > 0) {
         const DWORD part = static_cast<DWORD>(std::min<std::size_t>(count, kLargestTransfer));
         DWORD written = 0;
+        if (!WriteFile(handle, bytes, part, &written, nullptr)) return false;
         // A full disk takes a part and reports success, so the count decides.
-        if (!WriteFile(handle, bytes, part, &written, nullptr) || written != part) return false;
+        if (written != part) {
+            SetLastError(ERROR_DISK_FULL);
+            return false;
+        }
         bytes += part;
         count -= part;
     }

@@ -7,6 +7,7 @@
 #include "platform/help.h"
 #include "platform/player.h"
 #include "platform/program_folder.h"
+#include "platform/refusal.h"
 #include "platform/registry.h"
 #include "platform/settings.h"
 #include "platform/sound_devices.h"
@@ -235,6 +236,11 @@ MessageAnswer ShowMessage(const std::wstring& text, MessageButtons buttons, Mess
 }
 
 // files.h
+
+/// The call that was logged last, so that a test sees when the reason was asked for.
+std::string ReasonOfRefusal() {
+    return Current().log.empty() ? "" : "refused: " + Current().log.back();
+}
 
 bool FileExists(const std::wstring& path) {
     return Operation("FileExists", path) && Current().files.contains(path);

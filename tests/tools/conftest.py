@@ -51,6 +51,7 @@ class Sndtool:
     """Starts sndtool in a folder of its own."""
 
     def __init__(self, name, folder):
+        self.name = name
         self.wrapper, self.program = programs()[name]
         self.folder = folder
         assert self.program.is_file(), f"no sndtool at {self.program}: build it, or name it in SNDTOOL"

@@ -15,6 +15,8 @@ from building import ROOT
 from melodies import EMPTY_SND, EXAMPLE_PLAY, EXAMPLE_SECONDS, EXAMPLE_SND, EXAMPLE_TEXT, snd
 
 RATE = 22050
+# What the systems say of a file in a folder that is not there.
+NO_FOLDER = {"native": "No such file or directory", "windows": "Path not found"}
 
 
 @pytest.fixture
@@ -33,6 +35,22 @@ def expected_frames(units, tempo_byte):
 
 def test_no_command_is_wrong_usage(sndtool):
     assert "subcommand is required" in sndtool.bad(2)
+
+
+@pytest.mark.parametrize("arguments, told", [
+    (["bogus", "x.snd"], '"bogus" is no command or option'),
+    (["--bogus"], '"--bogus" is no command or option'),
+    (["-"], '"-" is no command or option'),
+    (["info", "--bogus", "x.snd"], "not expected: --bogus"),
+    (["check", "--json", "a.snd"], "not expected: --json"),
+    (["wav", "--fit", "a.snd"], "not expected: --fit"),
+    (["wav", "a.snd", "-o"], "--output"),
+    (["text", "a.snd", "[b]"], '"[b]" is one too many'),
+    (["build"], "IN.txt is required"),
+])
+def test_wrong_usage_names_the_word_at_fault(sndtool, arguments, told):
+    text = sndtool.bad(2, *arguments)
+    assert text.startswith("sndtool: ") and told in text
 
 
 @pytest.mark.parametrize("arguments", [
@@ -148,13 +166,18 @@ def test_build_fit_writes_what_fits_and_reports_the_rest(sndtool, example):
     assert sndtool.good("build", "-", stdin=text) == (example / "long.snd").read_bytes()
 
 
-def test_build_fit_chooses_the_timing_mode_of_what_is_left(sndtool):
-    # The triplets at the end ask for mode 1 or 2; without them the notes in front are cheapest in mode 0.
-    text = b"tempo 160\n" + b"c5 1/1\n" * 300 + b"d5 1/8t\n" * 200
+def test_build_fit_writes_what_the_editor_writes_for_the_whole_melody(sndtool):
+    # The thirty-seconds at the end make mode 0 the cheapest. What fits is cheaper in mode 1, where dotted whole
+    # notes take five records instead of three: the mode is not chosen anew for it.
+    text = (b"tempo 160\n" + b"c5 1/1.\n" * 70 + b"d5 1/4t\nd5 1/4t\nd5 1/16\n" * 100 + b"e5 1/32\n" * 139)
     done = sndtool("build", "-", "--fit", stdin=text)
     assert done.returncode == 0
-    again = sndtool.good("build", "-", stdin=sndtool.good("text", "-", stdin=done.stdout))
-    assert again == done.stdout
+    assert done.stderr.decode().rstrip() == ("sndtool: standard input: line 372: entry 371 does not fit the play "
+                                             "block; left out the last 139")
+    told = json.loads(sndtool.good("info", "--json", "-", stdin=done.stdout))[0]
+    assert (told["timing_mode"], told["entries"]) == (0, 370)
+    assert done.stdout[4:10] == bytes([38, 64, 38, 64, 38, 48])
+    sndtool.good("check", "-", stdin=done.stdout)
 
 
 def test_build_fit_says_nothing_of_what_fits(sndtool):
@@ -367,10 +390,10 @@ def test_outputs_that_make_no_sense(sndtool, example):
 
 def test_a_folder_that_is_not_there(sndtool, example):
     assert sndtool.bad(1, "wav", "tune.snd", "-o", "missing/x.wav") == (
-        "sndtool: missing/x.wav: can not be written\n")
+        f"sndtool: missing/x.wav: can not be written: {NO_FOLDER[sndtool.name]}\n")
     assert sndtool.bad(1, "build", "tune.txt", "-o", "missing/x.snd") == (
-        "sndtool: missing/x.snd: can not be written\n")
-    assert sndtool.bad(1, "build", "tune.txt", "-o", "tune.txt/x.snd").endswith("can not be written\n")
+        f"sndtool: missing/x.snd: can not be written: {NO_FOLDER[sndtool.name]}\n")
+    assert "tune.txt/x.snd: can not be written: " in sndtool.bad(1, "build", "tune.txt", "-o", "tune.txt/x.snd")
 
 
 def test_names_with_any_characters(sndtool, tmp_path):
@@ -445,7 +468,7 @@ def test_a_full_device_is_written_in_place_and_reported(sndtool, example):
     for arguments in [["wav", "tune.snd", "-o", "/dev/full"], ["build", "tune.txt", "-o", "/dev/full"],
                       ["wav", "-", "-o", "/dev/full"]]:
         text = sndtool.bad(1, *arguments, stdin=EXAMPLE_SND)
-        assert text == "sndtool: /dev/full: can not be written\n"
+        assert text == "sndtool: /dev/full: can not be written: No space left on device\n"
         assert not os.path.isfile("/dev/full")
     sndtool.good("wav", "tune.snd", "-o", "/dev/null")
     sndtool.good("build", "tune.txt", "-o", "/dev/null")
@@ -461,6 +484,7 @@ def test_a_full_standard_output_is_reported(sndtool, example, arguments):
         done = subprocess.run(sndtool.command(*arguments), cwd=example, env=sndtool.environment(), stdout=full,
                               stderr=subprocess.PIPE, timeout=60)
     assert done.returncode == 1
+    assert done.stderr == b"sndtool: standard output: can not be written: No space left on device\n"
 
 
 @pytest.mark.native
@@ -473,13 +497,13 @@ def test_a_disk_that_takes_no_more_leaves_the_old_file(sndtool, example):
     old = EXAMPLE_SND[:-1]
     (example / "tune.snd").write_bytes(old)
     done = sndtool("build", "tune.txt", preexec_fn=limit)
-    assert (done.returncode, done.stderr) == (1, b"sndtool: tune.snd: can not be written\n")
+    assert (done.returncode, done.stderr) == (1, b"sndtool: tune.snd: can not be written: File too large\n")
     assert (example / "tune.snd").read_bytes() == old
     assert sorted(p.name for p in example.iterdir()) == ["tune.snd", "tune.txt"]
 
     (example / "tune.snd").write_bytes(EXAMPLE_SND)
     done = sndtool("wav", "tune.snd", preexec_fn=limit)
-    assert (done.returncode, done.stderr) == (1, b"sndtool: tune.wav: can not be written\n")
+    assert (done.returncode, done.stderr) == (1, b"sndtool: tune.wav: can not be written: File too large\n")
     assert sorted(p.name for p in example.iterdir()) == ["tune.snd", "tune.txt"]
 
 

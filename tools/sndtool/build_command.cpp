@@ -10,15 +10,13 @@ namespace tonex {
 
 namespace {
 
-/// Cuts a melody until it fits. The timing mode is chosen by the entries that are left, so that the file is
-/// the one that those entries give by themselves.
-SndEncoding EncodeWhatFits(const TimingTables& tables, Melody& melody) {
-    SndEncoding encoding = EncodeSnd(tables, melody.tempo, melody.list);
-    while (encoding.result == kSndFull) {
-        melody.list[static_cast<std::size_t>(encoding.entries_written)] = FileEntry{};
-        encoding = EncodeSnd(tables, melody.tempo, melody.list);
-    }
-    return encoding;
+/// Tells which entries the play block has no room for. With `fit` they are left out of the file, which is the
+/// one that the editor writes for the whole melody.
+void ComplainFull(const Job& job, std::string_view text, const SndEncoding& encoding, bool fit) {
+    ComplainLine(job.input, LineOfEntry(text, encoding.entries_written),
+                 "entry " + std::to_string(encoding.entries_written + 1) + " does not fit the play block; " +
+                     (fit ? "left out the last " : "too many by the last ") +
+                     std::to_string(encoding.entries_left_out));
 }
 
 bool BuildOne(const TimingTables& tables, const Job& job, bool fit) {
@@ -26,24 +24,17 @@ bool BuildOne(const TimingTables& tables, const Job& job, bool fit) {
     if (!ReadInput(job.input, bytes)) return false;
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     MelodyTextFault fault;
-    auto melody = ParseMelodyText(tables, text, fault);
+    const auto melody = ParseMelodyText(tables, text, fault);
     if (!melody) {
         ComplainLine(job.input, fault.line, fault.reason);
         return false;
     }
-    SndEncoding encoding = EncodeSnd(tables, melody->tempo, melody->list);
+    const SndEncoding encoding = EncodeSnd(tables, melody->tempo, melody->list);
     if (encoding.result == kSndFull) {
-        const int count = CountEntries(melody->list);
-        if (fit) encoding = EncodeWhatFits(tables, *melody);
-        const int left_out = count - encoding.entries_written;
-        const int line = LineOfEntry(text, encoding.entries_written);
-        ComplainLine(job.input, line,
-                     "entry " + std::to_string(encoding.entries_written + 1) +
-                         " does not fit the play block; " +
-                         (fit ? "left out the last " : "too many by the last ") + std::to_string(left_out));
+        ComplainFull(job, text, encoding, fit);
         if (!fit) return false;
     }
-    if (encoding.result != kSndDone) {
+    if (!IsWritten(encoding.result)) {
         ComplainLine(job.input, LineOfEntry(text, encoding.fault_entry), "no file can hold this entry");
         return false;
     }

@@ -89,7 +89,7 @@ int CheckCommand(const Arguments& files) {
             ComplainOffset(file, fault.offset, fault.reason);
             status = kExitBadInput;
         } else if (!WriteText(file + ": good\n")) {
-            Complain("standard output", "can not be written");
+            ComplainOfStandardOutput();
             return kExitBadInput;
         }
     }

@@ -52,6 +52,7 @@ bool WriteStream(Stream stream, const std::uint8_t* bytes, std::size_t count) {
     while (count > 0) {
         const ssize_t taken = write(static_cast<int>(stream), bytes, count);
         if (taken < 0 && errno == EINTR) continue;
+        if (taken == 0) errno = ENOSPC; // took nothing and gave no reason
         if (taken <= 0) return false;
         bytes += taken;
         count -= static_cast<std::size_t>(taken);

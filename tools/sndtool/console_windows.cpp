@@ -101,8 +101,12 @@ bool WriteStream(Stream stream, const std::uint8_t* bytes, std::size_t count) {
     while (count > 0) {
         DWORD taken = 0;
         const DWORD wanted = static_cast<DWORD>(count < step ? count : step);
+        if (!WriteFile(HandleOf(stream), bytes, wanted, &taken, nullptr)) return false;
         // A full disk reports success and a short count, so the count decides.
-        if (!WriteFile(HandleOf(stream), bytes, wanted, &taken, nullptr) || taken != wanted) return false;
+        if (taken != wanted) {
+            SetLastError(ERROR_DISK_FULL);
+            return false;
+        }
         bytes += taken;
         count -= taken;
     }

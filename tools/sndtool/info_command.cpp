@@ -123,7 +123,7 @@ int InfoCommand(const Arguments& files, bool as_json) {
     // JSON is UTF-8; a byte of a file name that is not becomes the replacement character.
     if (as_json) text = array.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
     if (WriteText(text)) return status;
-    Complain("standard output", "can not be written");
+    ComplainOfStandardOutput();
     return kExitBadInput;
 }
 

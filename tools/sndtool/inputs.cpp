@@ -1,6 +1,7 @@
 #include "tools/sndtool/inputs.h"
 
 #include "platform/files.h"
+#include "platform/refusal.h"
 #include "score/snd_file.h"
 #include "tools/sndtool/console.h"
 
@@ -43,6 +44,10 @@ void ComplainOffset(const std::string& argument, std::size_t offset, const std::
 
 void ComplainLine(const std::string& argument, int line, const std::string& reason) {
     Complain(argument, "line " + std::to_string(line) + ": " + reason);
+}
+
+void ComplainOfStandardOutput() {
+    Complain("standard output", "can not be written: " + ReasonOfRefusal());
 }
 
 bool StandardInputOnce(const std::vector<std::string>& arguments) {

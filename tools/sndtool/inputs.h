@@ -18,6 +18,9 @@ void Complain(const std::string& argument, const std::string& reason);
 void ComplainOffset(const std::string& argument, std::size_t offset, const std::string& reason);
 void ComplainLine(const std::string& argument, int line, const std::string& reason);
 
+/// Tells that standard output could not be written, and the system's reason.
+void ComplainOfStandardOutput();
+
 /// Tells that standard input is named more than once. True when it is not.
 bool StandardInputOnce(const std::vector<std::string>& arguments);
 

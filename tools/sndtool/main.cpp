@@ -1,5 +1,6 @@
 // The command line of sndtool.
 #include "tools/sndtool/console.h"
+#include "tools/sndtool/inputs.h"
 #include "tools/sndtool/sndtool.h"
 
 #include <CLI/CLI.hpp>
@@ -74,16 +75,34 @@ void DescribeCommands(CLI::App& app, Options& options) {
     output(wav, "File, folder or -; without it IN.wav beside each file");
 
     CLI::App* text = app.add_subcommand("text", "Print a SND file as melody text");
-    text->add_option("IN.snd", options.files, "SND file")
-        ->required()
-        ->expected(1)
-        ->check(RefuseEmpty)
-        ->option_text(" ");
+    text->add_option("IN.snd", options.files, "SND file")->required()->check(RefuseEmpty)->option_text(" ");
 
     CLI::App* build = app.add_subcommand("build", "Build SND files from melody text");
     files(build, "IN.txt", "Melody text");
     output(build, "File, folder or -; without it IN.snd beside each file");
     build->add_flag("--fit", options.fit, "Write the part that fits the play block and report the rest");
+}
+
+/// Tells of a first word that is no command. True when it is one, or an option.
+bool StartsWithCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
+    if (arguments.empty()) return true;
+    std::string word = arguments.front();
+    if (app.get_option_no_throw(word) != nullptr) return true;
+    std::string commands;
+    for (const CLI::App* command : app.get_subcommands(nullptr)) {
+        if (command->get_name() == word) return true;
+        commands += " " + command->get_name();
+    }
+    UnmarkNames(word);
+    WriteErrorText("sndtool: \"" + word + "\" is no command or option; the commands are" + commands + "\n");
+    return false;
+}
+
+/// Tells of a name that a command has no use for. True when there is none.
+bool NamesAreFew(const std::string& command, const Arguments& files) {
+    if (command != "text" || files.size() <= 1) return true;
+    WriteErrorText("sndtool: text prints one file; \"" + files[1] + "\" is one too many\n");
+    return false;
 }
 
 /// Answers --help and --version, or tells what is wrong with the command line.
@@ -93,13 +112,16 @@ int AnswerParseEnd(const CLI::App& app, const CLI::ParseError& end) {
     const int code = app.exit(end, out, err);
     std::string message = err.str();
     UnmarkNames(message);
-    WriteErrorText(message);
+    if (!message.empty()) WriteErrorText("sndtool: " + message);
     if (code != 0) return kExitWrongUsage;
-    return WriteText(out.str()) ? kExitGood : kExitBadInput;
+    if (WriteText(out.str())) return kExitGood;
+    ComplainOfStandardOutput();
+    return kExitBadInput;
 }
 
 int RunCommand(const CLI::App& app, const Options& options) {
     const std::string command = app.get_subcommands().front()->get_name();
+    if (!NamesAreFew(command, options.files)) return kExitWrongUsage;
     if (command == "info") return InfoCommand(options.files, options.as_json);
     if (command == "check") return CheckCommand(options.files);
     if (command == "wav") return WavCommand(options.files, options.output);
@@ -113,6 +135,7 @@ int RunSndtool(int count, char** given) {
     CLI::App app("Sound Editor's companion: looks at, checks, converts and builds melody files (SND)",
                  "sndtool");
     DescribeCommands(app, options);
+    if (!StartsWithCommand(app, arguments)) return kExitWrongUsage;
     try {
         std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
         app.parse(std::move(arguments));

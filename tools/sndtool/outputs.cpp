@@ -1,6 +1,7 @@
 #include "tools/sndtool/outputs.h"
 
 #include "platform/files.h"
+#include "platform/refusal.h"
 #include "score/file_services.h"
 #include "tools/sndtool/console.h"
 #include "tools/sndtool/inputs.h"
@@ -63,6 +64,17 @@ bool OutputOf(const std::string& input, const std::string& output, bool into_fol
     return true;
 }
 
+/// Writes to a device, a pipe or standard output.
+bool WriteToStream(const Job& job, std::span<const std::uint8_t> bytes, std::string& reason) {
+    const Stream stream = job.path.empty() ? StandardOutput() : OpenStream(job.path);
+    const bool taken = stream != kNoStream && WriteStream(stream, bytes.data(), bytes.size());
+    if (!taken) reason = ReasonOfRefusal();
+    if (job.path.empty() || stream == kNoStream) return taken;
+    const bool closed = CloseStream(stream);
+    if (taken && !closed) reason = ReasonOfRefusal();
+    return taken && closed;
+}
+
 } // namespace
 
 bool PlanJobs(const std::vector<std::string>& inputs, const std::string& output, const std::string& extension,
@@ -101,22 +113,16 @@ bool PlanJobs(const std::vector<std::string>& inputs, const std::string& output,
 }
 
 bool WriteJobOutput(const Job& job, std::span<const std::uint8_t> bytes) {
-    bool written = false;
-    if (!job.stream) {
-        written = SaveWholeFile(job.path, bytes);
-    } else if (job.path.empty()) {
-        written = WriteStream(StandardOutput(), bytes.data(), bytes.size());
-    } else if (const Stream stream = OpenStream(job.path); stream != kNoStream) {
-        written = WriteStream(stream, bytes.data(), bytes.size());
-        written = CloseStream(stream) && written;
-    }
-    if (!written) ComplainOutput(job);
+    std::string reason;
+    const bool written =
+        job.stream ? WriteToStream(job, bytes, reason) : SaveWholeFile(job.path, bytes, &reason);
+    if (!written) ComplainOutput(job, reason);
     return written;
 }
 
-void ComplainOutput(const Job& job) {
+void ComplainOutput(const Job& job, const std::string& reason) {
     const std::string name = job.output == kStandardStream ? "standard output" : job.output;
-    WriteErrorText("sndtool: " + name + ": can not be written\n");
+    WriteErrorText("sndtool: " + name + ": can not be written: " + reason + "\n");
 }
 
 } // namespace tonex

@@ -24,7 +24,7 @@ bool PlanJobs(const std::vector<std::string>& inputs, const std::string& output,
 /// Writes a job's output whole: a file is replaced in one step. False, with the user told, when it could not.
 bool WriteJobOutput(const Job& job, std::span<const std::uint8_t> bytes);
 
-/// Tells that a job's output could not be written.
-void ComplainOutput(const Job& job);
+/// Tells that a job's output could not be written, and the reason.
+void ComplainOutput(const Job& job, const std::string& reason);
 
 } // namespace tonex

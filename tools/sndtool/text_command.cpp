@@ -21,7 +21,7 @@ int TextCommand(const std::string& file) {
         return kExitBadInput;
     }
     if (WriteText(*text)) return kExitGood;
-    Complain("standard output", "can not be written");
+    ComplainOfStandardOutput();
     return kExitBadInput;
 }
 

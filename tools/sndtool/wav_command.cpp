@@ -1,5 +1,6 @@
 #include "tools/sndtool/sndtool.h"
 
+#include "platform/refusal.h"
 #include "preview/synthesis.h"
 #include "preview/wav_file_services.h"
 #include "tools/sndtool/console.h"
@@ -86,18 +87,19 @@ bool ConvertToStream(const WaveTable& table, const Job& job, const PlayBlock& bl
                      Progress& progress) {
     SampleWriter writer;
     writer.stream = job.path.empty() ? StandardOutput() : OpenStream(job.path);
-    bool written = writer.stream != kNoStream;
-    if (written) {
-        const auto header = WavHeader(data_size);
-        std::size_t record = 0;
-        written =
-            TakeSamples(&writer, header.data(), header.size()) &&
-            Synthesise(table, block, {&writer, TakeSamples}, &progress, record) == SynthesisResult::Done &&
-            Flush(writer);
-        if (!job.path.empty()) written = CloseStream(writer.stream) && written;
+    const auto header = WavHeader(data_size);
+    std::size_t record = 0;
+    bool written =
+        writer.stream != kNoStream && TakeSamples(&writer, header.data(), header.size()) &&
+        Synthesise(table, block, {&writer, TakeSamples}, &progress, record) == SynthesisResult::Done &&
+        Flush(writer);
+    std::string reason = written ? "" : ReasonOfRefusal();
+    if (!job.path.empty() && writer.stream != kNoStream && !CloseStream(writer.stream) && written) {
+        reason = ReasonOfRefusal();
+        written = false;
     }
     HideProgress(progress);
-    if (!written) ComplainOutput(job);
+    if (!written) ComplainOutput(job, reason);
     return written;
 }
 
@@ -119,9 +121,10 @@ bool ConvertFile(const WaveTable& table, const Job& job, Progress& progress) {
     steps.context = &progress;
     steps.begin = [](void* context, int notes) { BeginFile(*static_cast<Progress*>(context), notes); };
     steps.advance = [](void* context, int done) { AdvanceFile(*static_cast<Progress*>(context), done); };
-    const bool done = sndfile2wavfile(table, PathOfArgument(job.input), job.path, steps) == 0;
+    std::string reason;
+    const bool done = sndfile2wavfile(table, PathOfArgument(job.input), job.path, steps, &reason) == 0;
     HideProgress(progress);
-    if (!done) ComplainOutput(job);
+    if (!done) ComplainOutput(job, reason);
     return done;
 }
 
