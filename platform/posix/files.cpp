@@ -1,12 +1,14 @@
 // Files on a POSIX system. Paths use forward slashes. A name that starts with a dot counts as hidden; a file
 // that nobody may write counts as read-only; an ordinary file always carries the archive attribute.
 #include "platform/files.h"
+#include "platform/refusal.h"
 
 #include "link/paths.h"
 #include "platform/posix/utf8.h"
 
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <cwctype>
 #include <dirent.h>
@@ -236,6 +238,10 @@ std::uint32_t UniqueNumber() {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
     return static_cast<std::uint32_t>(now.tv_nsec) ^ (static_cast<std::uint32_t>(getpid()) << 16);
+}
+
+std::string ReasonOfRefusal() {
+    return std::strerror(errno);
 }
 
 } // namespace tonex
