@@ -99,6 +99,26 @@ bool CloseAllowed(sndmain& window) {
     return true;
 }
 
+bool SessionMayEnd(sndmain& window, bool box_open) {
+    if (window.second_copy) return true;
+    if (window.preview_busy) return false;
+    if (box_open) return !HasUnsavedMelody(window);
+    return AskToSaveChanges(window);
+}
+
+std::wstring ReasonToStay(const sndmain& window) {
+    if (window.second_copy) return {};
+    if (window.preview_busy) return L"A melody is being played.";
+    if (HasUnsavedMelody(window)) return L"The melody has not been saved.";
+    return {};
+}
+
+void EndSession(sndmain& window) {
+    if (window.second_copy) return;
+    Disconnect(window); // a link that reports a failure can not keep the window open any more
+    SaveWindowPlacement(kSettingsSection);
+}
+
 void OpenDroppedFile(sndmain& window, const std::wstring& path) {
     if (!window.Enabled) return;
     std::wstring dropped = WithoutQuotes(path);

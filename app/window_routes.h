@@ -1,4 +1,4 @@
-// Start-up and close of the main window: two procedures whose lines are the order of events.
+// Start-up, close and the session's end, of the main window: procedures whose lines are the order of events.
 #pragma once
 
 #include <string>
@@ -18,6 +18,16 @@ StartResult StartUp(sndmain& window, const std::wstring& command_line_path);
 
 /// Whether the window may close: asks to save, disconnects, stores the placement.
 bool CloseAllowed(sndmain& window);
+
+/// Whether the session of the user may end, as far as the melody goes: asks to save, does nothing else. With
+/// `box_open` a question or message is on the screen already: then nothing is asked, and the answer is no
+/// where a melody would be lost.
+bool SessionMayEnd(sndmain& window, bool box_open);
+/// What the system may tell the user while the answer to that is no, or not given yet; empty when nothing
+/// speaks against the end.
+std::wstring ReasonToStay(const sndmain& window);
+/// The session ends now, whatever happens: disconnects, stores the placement.
+void EndSession(sndmain& window);
 
 /// Opens the first of the files dropped on the window.
 void OpenDroppedFile(sndmain& window, const std::wstring& path);

@@ -111,6 +111,10 @@ void SetTitle(sndmain& window, std::wstring_view suffix) {
     if (suffix != kSuffixUntitled) StoreLastDocument(window);
 }
 
+bool HasUnsavedMelody(const sndmain& window) {
+    return window.score.changed && HasSoundingEntry(window.score);
+}
+
 bool AskToSaveChanges(sndmain& window) {
     // Separators alone are no melody to lose; kept as it is.
     if (!HasSoundingEntry(window.score)) window.score.changed = false;

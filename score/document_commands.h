@@ -16,6 +16,8 @@ inline constexpr std::wstring_view kSuffixVeloxa = L" - Veloxa:";
 
 /// Writes the caption "Sound Editor" + suffix + file name; unless untitled, stores the last document.
 void SetTitle(sndmain& window, std::wstring_view suffix);
+/// Whether a changed melody would be lost now: what AskToSaveChanges would ask about.
+bool HasUnsavedMelody(const sndmain& window);
 /// Asks to save a changed score. True = go on.
 bool AskToSaveChanges(sndmain& window);
 /// Loads the document at the current path. True when it failed: the user was told, the score is empty. The

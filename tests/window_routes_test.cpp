@@ -368,6 +368,68 @@ TEST_F(StartUpTest, TheWindowStaysOpenWhileAPreviewRuns) {
     EXPECT_TRUE(desk.log.empty());
 }
 
+// The end of the session.
+
+TEST_F(StartUpTest, AtTheQueryForTheSessionsEndTheUserIsAskedAndNothingElseIsDone) {
+    for (const MessageAnswer answer : {MessageAnswer::No, MessageAnswer::Cancel}) {
+        StartAndCompose();
+        desk.answers = {answer};
+        EXPECT_EQ(SessionMayEnd(window, false), answer == MessageAnswer::No);
+        EXPECT_EQ(desk.log, Log{"ShowMessage Do you want to save the changes?"});
+        EXPECT_TRUE(window.score.changed) << "another program may still keep the session";
+    }
+}
+
+TEST_F(StartUpTest, TheSessionMayEndAtOnceWithNothingToLose) {
+    StartAndCompose();
+    window.score.changed = false;
+    EXPECT_EQ(ReasonToStay(window), L"");
+    EXPECT_TRUE(SessionMayEnd(window, false));
+    EXPECT_TRUE(SessionMayEnd(window, true));
+    EXPECT_TRUE(desk.log.empty());
+}
+
+TEST_F(StartUpTest, WithABoxOpenTheSessionMayEndOnlyWhereNoMelodyWouldBeLost) {
+    StartAndCompose();
+    EXPECT_EQ(ReasonToStay(window), L"The melody has not been saved.");
+    EXPECT_FALSE(SessionMayEnd(window, true));
+    EXPECT_TRUE(desk.log.empty()) << "a second box";
+    FillScore(window, {Entry{0, 0, 0}});
+    window.score.changed = true;
+    EXPECT_EQ(ReasonToStay(window), L"") << "separators alone are no melody";
+    EXPECT_TRUE(SessionMayEnd(window, true));
+}
+
+TEST_F(StartUpTest, APreviewKeepsTheSessionAndSaysWhy) {
+    StartAndCompose();
+    window.score.changed = false;
+    window.preview_busy = true;
+    EXPECT_EQ(ReasonToStay(window), L"A melody is being played.");
+    EXPECT_FALSE(SessionMayEnd(window, false));
+    EXPECT_FALSE(SessionMayEnd(window, true));
+    EXPECT_TRUE(desk.log.empty());
+}
+
+TEST_F(StartUpTest, TheSessionsEndDisconnectsAndStoresThePlacementWhateverTheLinkSays) {
+    for (const int result : {0, 3}) {
+        StartAndCompose();
+        desk.link.disconnect_result = static_cast<std::int16_t>(result);
+        EndSession(window);
+        EXPECT_EQ(desk.log, (Log{"Cor_DoDisconnect", "GetMainWindowPlacement",
+                                 "WriteSetting Corvane\\Tonex\\WindwInformation 1,0,0,0,0"}))
+            << "result " << result;
+    }
+}
+
+TEST_F(StartUpTest, ASecondCopyHasNothingToDoAtTheSessionsEnd) {
+    StartAndCompose();
+    window.second_copy = true;
+    EXPECT_EQ(ReasonToStay(window), L"");
+    EXPECT_TRUE(SessionMayEnd(window, false));
+    EndSession(window);
+    EXPECT_TRUE(desk.log.empty());
+}
+
 // The transfer reminder.
 
 namespace {

@@ -50,10 +50,46 @@ void MinimumSize(MainWindow& main, MINMAXINFO& info) {
     info.ptMinTrackSize = {smallest.cx, smallest.cy};
 }
 
+/// Whether a question, a message or a dialog waits for its answer, which comes first. Programs can send what
+/// a disabled window does not get from the user.
+bool BoxOpen(const MainWindow& main) {
+    return !IsWindowEnabled(main.window);
+}
+
 void Close(MainWindow& main) {
+    if (BoxOpen(main)) return;
     const bool allowed = CloseAllowed(main.record);
     ShowDifferences(main);
     if (allowed) DestroyWindow(main.window);
+}
+
+// ---- the end of the session ----
+
+/// What the system shows beside the program's name while the program keeps the session; systems before Vista
+/// show nothing. An empty text takes it back.
+void ShowReasonToStay(const MainWindow& main, const std::wstring& reason) {
+    HMODULE library = GetModuleHandleW(L"user32.dll");
+    using Destroy = BOOL(WINAPI*)(HWND);
+    using Create = BOOL(WINAPI*)(HWND, const wchar_t*);
+    const auto destroy = LibraryFunction<Destroy>(library, "ShutdownBlockReasonDestroy");
+    const auto create = LibraryFunction<Create>(library, "ShutdownBlockReasonCreate");
+    if (!destroy || !create) return;
+    destroy(main.window);
+    if (!reason.empty()) create(main.window, reason.c_str());
+}
+
+bool SessionAsks(MainWindow& main) {
+    if (!main.up) return true;
+    // Before the question is asked: the system shows the reason when the answer takes its time.
+    ShowReasonToStay(main, ReasonToStay(main.record));
+    const bool allowed = SessionMayEnd(main.record, BoxOpen(main));
+    ShowDifferences(main);
+    return allowed;
+}
+
+void SessionDecided(MainWindow& main, bool ends) {
+    ShowReasonToStay(main, {});
+    if (ends && main.up) EndSession(main.record);
 }
 
 void Destroyed(MainWindow& main) {
@@ -67,7 +103,7 @@ void Dropped(MainWindow& main, HDROP drop) {
     std::wstring path(length, L'\0');
     if (length > 0) DragQueryFileW(drop, 0, path.data(), length + 1);
     DragFinish(drop);
-    if (path.empty() || !main.record.Enabled) return;
+    if (path.empty() || BoxOpen(main)) return;
     SetForegroundWindow(main.window);
     OpenDroppedFile(main.record, path);
     ShowDifferences(main);
@@ -140,7 +176,8 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, L
     case WM_SYSCOLORCHANGE:
     case WM_THEMECHANGED: ColoursChanged(main); return 0;
     case WM_DEVICECHANGE: DeviceChanged(main); return TRUE;
-    case WM_QUERYENDSESSION: return CloseAllowed(main.record);
+    case WM_QUERYENDSESSION: return SessionAsks(main);
+    case WM_ENDSESSION: SessionDecided(main, wparam != FALSE); return 0;
     case WM_CLOSE: Close(main); return 0;
     case WM_DESTROY: Destroyed(main); return 0;
     default: return DefWindowProcW(window, message, wparam, lparam);

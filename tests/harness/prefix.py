@@ -104,6 +104,11 @@ class Prefix:
             raise AssertionError(f"probe: {words}: {answer['error']}")
         return answer
 
+    def log_off(self):
+        """The system asks all programs, tells them the answer, and ends them where none refused; gives the process
+        that does so."""
+        return self.start(["wine", "wineboot", "--end-session"])
+
     def forget_settings(self):
         for name in ("DoremiFlag", "WindwInformation", "File1"):
             self.ask("delreg", SETTINGS, name)

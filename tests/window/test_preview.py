@@ -586,7 +586,7 @@ def test_closing_while_converting_is_refused(slow_disk, stand_in, screen):
     slow_disk.wait_selected([0, 1])
 
 
-@pytest.mark.parametrize("way", ["message", "key"])
+@pytest.mark.parametrize("way", ["message", "key", "logging off"])
 def test_closing_while_the_player_runs_is_refused(stand_in, start, melody, way):
     editor = start(windows_path(melody("SHORT.SND", text_of(SHORT))), program_path=stand_in.editor)
     preview(editor)
@@ -594,8 +594,10 @@ def test_closing_while_the_player_runs_is_refused(stand_in, start, melody, way):
     wait_until(stand_in.starts, 20, "the player")
     if way == "message":
         editor.close()
-    else:
+    elif way == "key":
         editor.screen.key("alt+f4")
+    else:
+        editor.prefix.log_off().wait(30)
     time.sleep(1)
     editor.no_dialog()
     assert editor.process.poll() is None and editor.main() is not None
