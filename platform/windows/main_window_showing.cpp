@@ -54,8 +54,11 @@ template <class Value> bool Differs(Value& shown, const Value& now) {
 
 void MoveToPlace(const MainWindow& main, HWND control, const Rect& place, int extra_height = 0) {
     const RECT area = ToPixels(main.theme.scale, place);
-    MoveWindow(control, area.left, area.top, area.right - area.left, area.bottom - area.top + extra_height,
-               TRUE);
+    // Its old picture is not taken along: a neighbour that moved before may stand in it by now.
+    SetWindowPos(control, nullptr, static_cast<int>(area.left), static_cast<int>(area.top),
+                 static_cast<int>(area.right - area.left),
+                 static_cast<int>(area.bottom - area.top) + extra_height,
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
 }
 
 void PlacePanel(MainWindow& main, PanelId id) {
@@ -68,20 +71,27 @@ void PlacePanel(MainWindow& main, PanelId id) {
     InvalidateRect(panel.window, nullptr, FALSE);
 }
 
-void PlaceControl(MainWindow& main, PlacedControl which, HWND control, const Rect& place) {
+bool PlaceControl(MainWindow& main, PlacedControl which, HWND control, const Rect& place) {
     // A combo box is given the height that it has with its list open.
     const int list_height = which == PlacedControl::Tempo ? Scaled(main.theme.scale, 320) : 0;
-    if (Differs(At(main.shown.places, which), place)) MoveToPlace(main, control, place, list_height);
+    if (!Differs(At(main.shown.places, which), place)) return false;
+    MoveToPlace(main, control, place, list_height);
+    return true;
+}
+
+void PlaceTempoLine(MainWindow& main) {
+    const sndmain& w = main.record;
+    bool moved = PlaceControl(main, PlacedControl::TempoCaption, main.tempo_caption, w.Label2.place);
+    moved |= PlaceControl(main, PlacedControl::Tempo, main.tempo, w.TempoCombo.place);
+    moved |= PlaceControl(main, PlacedControl::TempoLabel, main.tempo_label, w.lblTempo.place);
+    if (moved) AlignTempoLine(main);
 }
 
 void ShowPlaces(MainWindow& main) {
     for (int i = 0; i < kPanels; ++i)
         PlacePanel(main, static_cast<PanelId>(i));
-    const sndmain& w = main.record;
-    PlaceControl(main, PlacedControl::TempoCaption, main.tempo_caption, w.Label2.place);
-    PlaceControl(main, PlacedControl::Tempo, main.tempo, w.TempoCombo.place);
-    PlaceControl(main, PlacedControl::TempoLabel, main.tempo_label, w.lblTempo.place);
-    PlaceControl(main, PlacedControl::LengthCaption, main.length_caption, w.Label3.place);
+    PlaceTempoLine(main);
+    PlaceControl(main, PlacedControl::LengthCaption, main.length_caption, main.record.Label3.place);
 }
 
 // ---- texts and the tempo box ----

@@ -193,6 +193,8 @@ void AlignTempoLine(MainWindow& main) {
     const TextLine line = NumberLine(main);
     for (HWND label : {main.tempo_caption, main.tempo_label})
         MoveToTop(main, label, line.top, line.height);
+    // Parts of it drawn one by one do not make the whole: its button is stretched from a small picture.
+    RedrawWindow(main.tempo, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
 } // namespace tonex
