@@ -98,6 +98,10 @@ struct ColourLayer {
 /// A toolbar icon of `size_px` x `size_px` pixels (16 to 64 look best).
 std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px);
 
+/// Layers of `size_px` x `size_px` pixels painted over each other, row-major, as straight alpha, red, green,
+/// blue from the highest byte down: a pixel that is covered by half has its colour whole and its alpha half.
+std::vector<std::uint32_t> FlattenLayers(const std::vector<ColourLayer>& layers, int size_px);
+
 /// The program icon, `size_px` x `size_px`, row-major, as premultiplied alpha, red, green, blue from the
 /// highest byte down.
 std::vector<std::uint32_t> ProgramIconPixels(int size_px);

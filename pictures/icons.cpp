@@ -124,27 +124,6 @@ void Page(Easel& easel, float left, float top, float right, float bottom) {
     FramedBox(easel, kInk, kPaper, {left, top, right, bottom, 0.8F});
 }
 
-/// The organiser with its strap, on the left; an arrow beside it, up (out of it) or down (into it).
-void Organiser(Easel& easel, bool out) {
-    Box(easel, kGrey, {2, 0, 8, 16, 0.8F});
-    Box(easel, kInk, {0, 3, 10, 13, 1.6F});
-    Box(easel, kScreen, {2, 5, 8, 9, 0.3F});
-    Begin(easel);
-    for (const float x : {2.0F, 4.0F, 6.0F})
-        AddRectangle(easel.raster, Snap(easel, x), Snap(easel, 10), Snap(easel, x + 1), Snap(easel, 11));
-    End(easel, kGrey);
-    Begin(easel);
-    const float shaft = Snap(easel, 12.5F), thick = std::max(2.0F, Snap(easel, 1.6F));
-    const float middle = (shaft + thick / 2) / easel.unit;
-    AddRectangle(easel.raster, shaft, Snap(easel, out ? 6.0F : 3.0F), shaft + thick,
-                 Snap(easel, out ? 13.0F : 10.0F));
-    if (out)
-        AddPolygon(easel, {{middle, 2.4F}, {middle - 3, 6.5F}, {middle + 3, 6.5F}});
-    else
-        AddPolygon(easel, {{middle - 3, 9.5F}, {middle, 13.6F}, {middle + 3, 9.5F}});
-    End(easel, out ? kBlue : kGreen);
-}
-
 void Folder(Easel& easel) {
     Begin(easel);
     AddBox(easel, {1, 2, 7, 7, 0.8F});
@@ -164,6 +143,19 @@ void Disk(Easel& easel) {
     for (const float y : {10.5F, 12.5F})
         AddWriting(easel, 5, 11, y);
     End(easel, kBlue);
+}
+
+/// The organiser with its strap, in the lower right corner, with a rim that parts it from what it covers.
+void Organiser(Easel& easel) {
+    Box(easel, kPaper, {8, 4, 16, 16, 1.5F});
+    Box(easel, kGrey, {10, 5, 15, 16, 0.5F});
+    Box(easel, kInk, {9, 6, 16, 15, 1.2F});
+    Box(easel, kScreen, {10.4F, 8, 14.6F, 11, 0.3F});
+    Begin(easel);
+    for (const float x : {10.6F, 13.0F})
+        AddRectangle(easel.raster, Snap(easel, x), Snap(easel, 12.4F), Snap(easel, x + 1.4F),
+                     Snap(easel, 13.6F));
+    End(easel, kGrey);
 }
 
 void Scissors(Easel& easel) {
@@ -242,7 +234,28 @@ std::uint32_t Mix(std::uint32_t low, std::uint32_t high, float share) {
     return mixed;
 }
 
+/// A colour put over what is below it, both with straight alpha.
+std::uint32_t Over(std::uint32_t below, std::uint32_t rgb, unsigned alpha) {
+    const unsigned rest = (below >> 24) * (255 - alpha); // of 255 * 255
+    const unsigned whole = alpha * 255 + rest;
+    if (whole == 0) return 0;
+    std::uint32_t pixel = (whole + 127) / 255 << 24;
+    for (int shift = 0; shift <= 16; shift += 8) {
+        const unsigned old = below >> shift & 255, now = rgb >> shift & 255;
+        pixel |= (now * alpha * 255 + old * rest + whole / 2) / whole << shift;
+    }
+    return pixel;
+}
+
 } // namespace
+
+std::vector<std::uint32_t> FlattenLayers(const std::vector<ColourLayer>& layers, int size_px) {
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(size_px) * static_cast<std::size_t>(size_px));
+    for (const ColourLayer& layer : layers)
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            pixels[i] = Over(pixels[i], layer.rgb, layer.mask.alpha[i]);
+    return pixels;
+}
 
 std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px) {
     if (size_px < 1) return {};
@@ -254,8 +267,14 @@ std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px) {
         break;
     case ToolIcon::OpenPc: Folder(easel); break;
     case ToolIcon::SavePc: Disk(easel); break;
-    case ToolIcon::OpenVeloxa: Organiser(easel, true); break;
-    case ToolIcon::SaveVeloxa: Organiser(easel, false); break;
+    case ToolIcon::OpenVeloxa:
+        Folder(easel);
+        Organiser(easel);
+        break;
+    case ToolIcon::SaveVeloxa:
+        Disk(easel);
+        Organiser(easel);
+        break;
     case ToolIcon::Cut: Scissors(easel); break;
     case ToolIcon::Copy: Pages(easel); break;
     case ToolIcon::Paste: Clipboard(easel); break;

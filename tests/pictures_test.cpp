@@ -523,6 +523,61 @@ TEST(Pictures, ToolIconsDifferAndHaveTheSizeAskedFor) {
     EXPECT_TRUE(ToolIconLayers(ToolIcon::New, 0).empty());
 }
 
+/// A pixel with straight alpha put over a ground, as an image list draws it.
+std::uint32_t OnGround(std::uint32_t pixel, std::uint32_t ground) {
+    const unsigned alpha = pixel >> 24;
+    std::uint32_t seen = 0;
+    for (int shift = 0; shift <= 16; shift += 8)
+        seen |= ((pixel >> shift & 255) * alpha + (ground >> shift & 255) * (255 - alpha) + 127) / 255
+                << shift;
+    return seen;
+}
+
+/// The largest difference of two colours in a channel.
+int Apart(std::uint32_t a, std::uint32_t b) {
+    int most = 0;
+    for (int shift = 0; shift <= 16; shift += 8)
+        most =
+            std::max(most, std::abs(static_cast<int>(a >> shift & 255) - static_cast<int>(b >> shift & 255)));
+    return most;
+}
+
+TEST(Pictures, FlattenedLayersLookLikeLayersPaintedOneByOneOnAnyGround) {
+    for (const std::uint32_t ground : {0xF0F0F0U, 0x000000U, 0xFFFFFFU, 0x808080U})
+        for (int icon = 0; icon < kToolIcons; ++icon) {
+            const std::vector<ColourLayer> layers = ToolIconLayers(static_cast<ToolIcon>(icon), 25);
+            const std::vector<std::uint32_t> pixels = FlattenLayers(layers, 25);
+            ASSERT_EQ(pixels.size(), 625U);
+            for (std::size_t i = 0; i < pixels.size(); ++i) {
+                std::uint32_t painted = ground;
+                for (const ColourLayer& layer : layers)
+                    painted =
+                        OnGround(static_cast<std::uint32_t>(layer.mask.alpha[i]) << 24 | layer.rgb, painted);
+                ASSERT_LE(Apart(OnGround(pixels[i], ground), painted), 3) << icon << ", pixel " << i;
+            }
+        }
+}
+
+TEST(Pictures, AHalfCoveredPixelKeepsItsColourWhole) {
+    const ColourLayer red{0xC93F38, {1, 1, {128}}};
+    EXPECT_EQ(FlattenLayers({red}, 1), (std::vector<std::uint32_t>{0x80C93F38}));
+    EXPECT_EQ(FlattenLayers({red, {0x00FF00, {1, 1, {255}}}}, 1), (std::vector<std::uint32_t>{0xFF00FF00}));
+    EXPECT_EQ(FlattenLayers({{0xC93F38, {1, 1, {0}}}}, 1), (std::vector<std::uint32_t>{0}));
+}
+
+TEST(Pictures, OpenAndSaveOfTheOrganiserDifferAtAGlance) {
+    for (const int size : {16, 20, 25, 30, 40}) {
+        const auto open = FlattenLayers(ToolIconLayers(ToolIcon::OpenVeloxa, size), size);
+        const auto save = FlattenLayers(ToolIconLayers(ToolIcon::SaveVeloxa, size), size);
+        int inked = 0, differ = 0;
+        for (std::size_t i = 0; i < open.size(); ++i) {
+            inked += (open[i] | save[i]) >> 24 > 127;
+            differ += Apart(OnGround(open[i], 0xF0F0F0), OnGround(save[i], 0xF0F0F0)) > 60;
+        }
+        EXPECT_GE(differ * 100, inked * 35) << size << ": " << differ << " of " << inked << " pixels differ";
+    }
+}
+
 TEST(Pictures, TheProgramIconIsARoundedTileWithPremultipliedColours) {
     for (const int size : {16, 20, 24, 32, 48, 64, 256}) {
         const std::vector<std::uint32_t> pixels = ProgramIconPixels(size);

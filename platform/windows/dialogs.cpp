@@ -56,7 +56,9 @@ INT_PTR CALLBACK FormZ730MsgProc(HWND dialog, UINT message, WPARAM wparam, LPARA
         SetDlgItemTextW(dialog, IDC_MSG,
                         L"Transfer all data by PC Ferry to Corvane after close\r\n[Sound Editor]");
         MoveTo(dialog, InTheMiddle(dialog, WholeScreen()));
-        return TRUE;
+        // Whoever presses Enter or Space has read it; the check box is for those who look for it.
+        SetFocus(GetDlgItem(dialog, IDC_COMMAND1));
+        return FALSE;
     case WM_HELP: // F1
         ShowHelp(TheMainWindow().record);
         return TRUE;

@@ -30,16 +30,6 @@ void AppendItem(HMENU menu, const MenuRow& row) {
     AppendMenuW(menu, MF_STRING, id, text.c_str());
 }
 
-/// The colour of a toolbar layer over what is below it, premultiplied.
-std::uint32_t Over(std::uint32_t below, std::uint32_t rgb, unsigned alpha) {
-    const auto channel = [&](int shift, unsigned value) {
-        const unsigned old = below >> shift & 0xFF;
-        return (value * alpha + old * (255 - alpha) + 127) / 255 << shift;
-    };
-    return channel(24, 255) | channel(16, rgb >> 16 & 0xFF) | channel(8, rgb >> 8 & 0xFF) |
-           channel(0, rgb & 0xFF);
-}
-
 std::uint32_t GreyOf(std::uint32_t rgb, std::uint32_t paper) {
     const unsigned light = ((rgb >> 16 & 0xFF) * 30 + (rgb >> 8 & 0xFF) * 59 + (rgb & 0xFF) * 11) / 100;
     const unsigned target = (paper & 0xFF) > 128 ? 150 + light * 70 / 255 : 90 + light * 60 / 255;
@@ -47,15 +37,13 @@ std::uint32_t GreyOf(std::uint32_t rgb, std::uint32_t paper) {
 }
 
 std::vector<std::uint32_t> IconPixels(ToolIcon icon, int size, bool grey, COLORREF face) {
-    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(size * size));
-    for (const ColourLayer& layer : ToolIconLayers(icon, size)) {
-        const std::uint32_t rgb = grey ? GreyOf(layer.rgb, face) : layer.rgb;
-        for (std::size_t i = 0; i < pixels.size() && i < layer.mask.alpha.size(); ++i)
-            pixels[i] = Over(pixels[i], rgb, layer.mask.alpha[i]);
-    }
-    return pixels;
+    std::vector<ColourLayer> layers = ToolIconLayers(icon, size);
+    for (ColourLayer& layer : layers)
+        if (grey) layer.rgb = GreyOf(layer.rgb, face);
+    return FlattenLayers(layers, size);
 }
 
+/// Image lists want straight alpha: they take a picture that was multiplied by it for a darker one.
 void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size) {
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;

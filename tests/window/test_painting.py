@@ -13,7 +13,7 @@ from wine_paths import windows_path
 from xscreen import wait_until
 
 WM_SYSCOLORCHANGE = 0x15
-GREEN, WHITE = (0x2E, 0x9B, 0x57), (255, 255, 255)
+RED = 0xC9, 0x3F, 0x38  # of the toolbar's cross
 SCALES = [96, 120, 144, 192]
 
 
@@ -96,3 +96,14 @@ def test_the_texts_of_the_tempo_stand_on_one_line(screen, tmp_path, dpi):
     finally:
         editor.kill()
         prefix.end()
+
+
+# ---- the toolbar ----
+
+def test_a_toolbar_icon_has_no_dark_edge(grace):
+    """Its pixels lie between its own red and the window's face; where an edge is mixed with black they are darker."""
+    left, top, right, bottom = grace.toolbar()["Delete"]["rect"]
+    icon = part(grace, grace.picture(), [left + 2, top + 2, right - 2, bottom - 2])
+    pixels = [colour for _, colour in icon.getcolors(10000)]
+    assert RED in pixels and len(pixels) > 4, "the cross with soft edges"
+    assert min(red for red, _, _ in pixels) >= RED[0] - 3
