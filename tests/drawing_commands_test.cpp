@@ -319,6 +319,15 @@ TEST(KeepColumnInView, ScrollsByTheLeastAmount) {
     EXPECT_EQ(ImageOf(*window, 0).Picture, PictureOf(SlotOf(*window, 50).code, SlotOf(*window, 50).pitch));
 }
 
+TEST(SideOfCursor, TellsWhereACursorOutOfViewIs) {
+    EXPECT_EQ(SideOfCursor({.Col = 10, .ColSel = 10, .LeftCol = 10}), 0);
+    EXPECT_EQ(SideOfCursor({.Col = 9, .ColSel = 9, .LeftCol = 10}), -1);
+    EXPECT_EQ(SideOfCursor({.Col = 39, .ColSel = 39, .LeftCol = 10}), 0);
+    EXPECT_EQ(SideOfCursor({.Col = 40, .ColSel = 40, .LeftCol = 10}), 1);
+    EXPECT_EQ(SideOfCursor({.Col = 0, .ColSel = 40, .LeftCol = 10}), 1) << "the end that keys move";
+    EXPECT_EQ(SideOfCursor({.Col = 40, .ColSel = 20, .LeftCol = 10}), 0) << "the end that keys move";
+}
+
 TEST(KeepColumnInView, TheStripCursorStaysWithinThePictures) {
     auto window = SetUpWindow();
     FillScore(*window, 100);

@@ -395,6 +395,33 @@ TEST(GridEvents, TheViewFollowsTheEndThatMoves) {
     EXPECT_EQ(window->grdScore.view.Col, 20) << "the anchor stays";
 }
 
+TEST(GridEvents, AKeyFirstShowsACursorOutOfViewAndLeavesItThere) {
+    auto window = SetUpWindow();
+    FillScore(*window, 100);
+    MoveCursor(*window, 60);
+    EXPECT_FALSE(ShowHiddenCursor(*window)) << "in view the key acts";
+    grdScore_Scroll(*window, 0);
+    EXPECT_TRUE(ShowHiddenCursor(*window));
+    EXPECT_EQ(window->grdScore.view.LeftCol, 31);
+    EXPECT_EQ(window->score.first_shown, 31);
+    EXPECT_EQ(window->score.strip_cursor, 29);
+    EXPECT_EQ(window->grdScore.view.Col, 60);
+    EXPECT_EQ(window->grdScore.view.ColSel, 60);
+    EXPECT_FALSE(ShowHiddenCursor(*window));
+}
+
+TEST(GridEvents, OfARangeOutOfViewAKeyFirstShowsTheEndThatItMoves) {
+    auto window = SetUpWindow();
+    FillScore(*window, 100);
+    Select(*window, 5, 60);
+    EXPECT_FALSE(ShowHiddenCursor(*window)) << "its other end may be out of view";
+    grdScore_Scroll(*window, 0);
+    EXPECT_TRUE(ShowHiddenCursor(*window));
+    EXPECT_EQ(window->grdScore.view.LeftCol, 31);
+    EXPECT_EQ(window->grdScore.view.Col, 5);
+    EXPECT_EQ(window->grdScore.view.ColSel, 60);
+}
+
 TEST(GridEvents, TheStripCursorFollowsTheCursor) {
     auto window = SetUpWindow();
     FillScore(*window, 100);
@@ -443,6 +470,15 @@ TEST(StripEvents, AClickOnAPictureMovesTheCursorThere) {
     EXPECT_EQ(window->grdScore.view.ColSel, 52);
     EXPECT_EQ(window->score.strip_cursor, 12);
     EXPECT_EQ(window->highlighted_button, 1 + 52 % 20);
+}
+
+TEST(StripEvents, AClickOnTheBlankEndColumnPutsTheCursorThere) {
+    auto window = SetUpWindow();
+    FillScore(*window, 3);
+    MoveCursor(*window, 0);
+    imgNote_Click(*window, 3);
+    EXPECT_EQ(window->grdScore.view.Col, 3);
+    EXPECT_EQ(window->score.strip_cursor, 3);
 }
 
 TEST(StripEvents, AClickBehindTheEndDoesNothing) {

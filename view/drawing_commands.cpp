@@ -159,6 +159,11 @@ void KeepColumnInView(sndmain& window, int column) {
     UpdateStripCursor(window);
 }
 
+int SideOfCursor(const GridView& view) {
+    if (view.ColSel < view.LeftCol) return -1;
+    return view.ColSel >= view.LeftCol + kGridColumnsShown ? 1 : 0;
+}
+
 void ToggleDoremi(sndmain& window) {
     window.doremi = !window.doremi;
     window.item(MenuItem::mnuDoremi).Checked = window.doremi;

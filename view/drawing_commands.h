@@ -5,6 +5,7 @@
 
 namespace tonex {
 
+struct GridView;
 struct sndmain;
 
 /// Clear: an empty score, grid and strip; the default tempo; changed flag off; enabling refreshed.
@@ -36,6 +37,10 @@ void UpdateStripCursor(sndmain& window);
 
 /// Brings a column into the grid's 30 visible ones by the least scrolling; strip and strip cursor follow.
 void KeepColumnInView(sndmain& window, int column);
+
+/// On which side of the 30 visible columns the end of the selection lies that keys move: -1 left of them, 1
+/// right of them, 0 among them.
+int SideOfCursor(const GridView& view);
 
 /// Do-re-mi names on or off: captions, texts and setting; score and changed flag untouched.
 void ToggleDoremi(sndmain& window);

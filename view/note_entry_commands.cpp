@@ -168,6 +168,15 @@ void grdScore_SelChange(sndmain& window, int column, int far_end) {
     ShowPressedKey(window);
 }
 
+bool ShowHiddenCursor(sndmain& window) {
+    // A melody is opened with its beginning in view and the cursor behind its last entry, and the view can be
+    // scrolled away from the cursor at any time. A step from a place out of sight would throw the view to
+    // where nobody looked for it; once the cursor is seen, the next press is a step that can be followed.
+    if (SideOfCursor(window.grdScore.view) == 0) return false;
+    KeepColumnInView(window, window.grdScore.view.ColSel);
+    return true;
+}
+
 void grdScore_MouseUp(sndmain& window) {
     UpdateStripCursor(window);
 }

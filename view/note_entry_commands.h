@@ -21,6 +21,9 @@ void grdScore_KeyPress(sndmain& window, wchar_t character);
 /// The grid's cursor moved to `column` by mouse or keyboard; the selection runs to `far_end` (equal: no
 /// range).
 void grdScore_SelChange(sndmain& window, int column, int far_end);
+/// A key was pressed that leads on from the cursor, such as an arrow. A cursor out of view is shown first,
+/// and stays where it is: true, the key is used up.
+bool ShowHiddenCursor(sndmain& window);
 /// The mouse was released on the grid.
 void grdScore_MouseUp(sndmain& window);
 /// The grid was scrolled to a first visible column.

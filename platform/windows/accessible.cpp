@@ -116,11 +116,11 @@ class PanelAccessible final : public IAccessible {
         if (!state || !Resolve(child, item)) return E_INVALIDARG;
         state->vt = VT_I4;
         state->lVal = STATE_SYSTEM_FOCUSABLE;
-        if (!IsWindowEnabled(window_)) state->lVal |= STATE_SYSTEM_UNAVAILABLE;
+        if (!TakesInput(*Owner())) state->lVal |= STATE_SYSTEM_UNAVAILABLE;
         if (item < 0) return S_OK;
         state->lVal |= STATE_SYSTEM_SELECTABLE;
         if (Owner()->kind->item_chosen(*Owner(), item)) state->lVal |= STATE_SYSTEM_SELECTED;
-        if (Owner()->focused && Owner()->focus_item == item) state->lVal |= STATE_SYSTEM_FOCUSED;
+        if (Owner()->focused && Owner()->kind->cursor(*Owner()) == item) state->lVal |= STATE_SYSTEM_FOCUSED;
         if (Owner()->pressed_item == item) state->lVal |= STATE_SYSTEM_PRESSED;
         return S_OK;
     }
@@ -135,7 +135,7 @@ class PanelAccessible final : public IAccessible {
         child->vt = VT_EMPTY;
         if (!Owner()->focused) return S_FALSE;
         child->vt = VT_I4;
-        child->lVal = Owner()->focus_item + 1;
+        child->lVal = Owner()->kind->cursor(*Owner()) + 1; // no item = the panel itself, 0
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE get_accSelection(VARIANT* children) override {
@@ -152,7 +152,10 @@ class PanelAccessible final : public IAccessible {
     HRESULT STDMETHODCALLTYPE accSelect(LONG flags, VARIANT child) override {
         int item = 0;
         if (!Resolve(child, item) || item < 0) return E_INVALIDARG;
-        if ((flags & SELFLAG_TAKEFOCUS) != 0) FocusItem(*Owner(), item);
+        if (!TakesInput(*Owner())) return S_FALSE;
+        if ((flags & SELFLAG_TAKEFOCUS) == 0) return S_OK;
+        Owner()->kind->take_cursor(*Owner(), item);
+        ShowDifferences(*Owner()->main);
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE accLocation(LONG* left, LONG* top, LONG* width, LONG* height,
@@ -202,6 +205,9 @@ class PanelAccessible final : public IAccessible {
     HRESULT STDMETHODCALLTYPE accDoDefaultAction(VARIANT child) override {
         int item = 0;
         if (!Resolve(child, item) || item < 0) return E_INVALIDARG;
+        // What mouse and keyboard can not do now, a tool can not do either: a command would run inside
+        // another.
+        if (!TakesInput(*Owner())) return S_FALSE;
         Owner()->kind->press(*Owner(), item);
         ShowDifferences(*Owner()->main);
         return S_OK;

@@ -4,6 +4,7 @@
 #include "platform/windows/main_window.h"
 
 #include "score/rows.h"
+#include "view/drawing_commands.h"
 #include "view/note_entry_commands.h"
 
 #include <oleacc.h>
@@ -52,13 +53,22 @@ void Press(Panel& panel, int item) {
     grdScore_SelChange(panel.main->record, column, column);
 }
 
+/// The grid's keyboard is where its cursor is, the end of the selection that keys move.
+int Cursor(const Panel& panel) {
+    const GridView& view = Grid(panel).view;
+    return SideOfCursor(view) == 0 ? view.ColSel - view.LeftCol : -1;
+}
+
+void TakeCursor(Panel& panel, int item) {
+    Press(panel, item);
+    FocusItem(panel, item);
+}
+
 // ---- events ----
 
 void Select(Panel& panel, int column, int far_end) {
     grdScore_SelChange(panel.main->record, column, far_end);
     ShowDifferences(*panel.main);
-    panel.focus_item = Grid(panel).view.ColSel - Grid(panel).view.LeftCol;
-    if (panel.focused) NotifyWinEvent(EVENT_OBJECT_FOCUS, panel.window, OBJID_CLIENT, panel.focus_item + 1);
 }
 
 void ScrollTo(Panel& panel, int left_col) {
@@ -146,7 +156,12 @@ void ButtonUp(Panel& panel) {
     ShowDifferences(*panel.main);
 }
 
-/// Where a movement key leads from a column; -1 for other keys.
+/// Whether a movement key leads on from the cursor, not to one of the score's ends.
+bool LeadsOn(WPARAM key) {
+    return key == VK_LEFT || key == VK_RIGHT || key == VK_PRIOR || key == VK_NEXT;
+}
+
+/// Where a movement key leads from a column; -kSlots for other keys.
 int Destination(const ScoreGrid& grid, WPARAM key) {
     switch (key) {
     case VK_LEFT: return grid.view.ColSel - 1;
@@ -162,6 +177,10 @@ int Destination(const ScoreGrid& grid, WPARAM key) {
 bool KeyDown(Panel& panel, WPARAM key) {
     const int to = Destination(Grid(panel), key);
     if (to == -kSlots) return key == VK_SPACE || key == VK_RETURN;
+    if (LeadsOn(key) && ShowHiddenCursor(panel.main->record)) {
+        ShowDifferences(*panel.main);
+        return true;
+    }
     const int column = std::clamp(to, 0, std::max(0, Grid(panel).Cols - 1));
     const bool extend = GetKeyState(VK_SHIFT) < 0;
     Select(panel, extend ? Grid(panel).view.Col : column, column);
@@ -194,9 +213,6 @@ bool Message(Panel& panel, UINT message, WPARAM wparam, LPARAM lparam, LRESULT&)
     case kMouseHWheel: Wheel(panel, -GET_WHEEL_DELTA_WPARAM(wparam)); return true;
     case WM_KEYDOWN: return KeyDown(panel, wparam);
     case WM_CHAR: Character(panel, static_cast<wchar_t>(wparam)); return true;
-    case WM_SETFOCUS:
-        panel.focus_item = std::max(0, Grid(panel).view.ColSel - Grid(panel).view.LeftCol);
-        return false;
     default: return false;
     }
 }
@@ -245,6 +261,8 @@ const PanelKind kGridPanel = {
     .item_name = ItemName,
     .item_chosen = ItemChosen,
     .press = Press,
+    .cursor = Cursor,
+    .take_cursor = TakeCursor,
     .paint = PaintPanel,
     .message = Message, // it moves its cursor itself
 };

@@ -70,15 +70,11 @@ int FocusedStop(MainWindow& main, const std::vector<TabStop>& order) {
     HWND focused = FocusedPane(main);
     const auto is_there = [&](const TabStop& stop) {
         const PaneWindow pane = WindowOf(main, stop.pane);
-        return pane.window == focused && (stop.item == kWholePane || stop.item == pane.panel->focus_item);
+        if (pane.window != focused) return false;
+        return stop.item == kWholePane || stop.item == pane.panel->kind->cursor(*pane.panel);
     };
     const auto found = std::find_if(order.begin(), order.end(), is_there);
     return found == order.end() ? 0 : static_cast<int>(found - order.begin());
-}
-
-/// A pane with nothing to reach (the strip of an empty score) is passed over.
-bool CanEnter(const PaneWindow& pane) {
-    return !pane.panel || pane.panel->kind->count(*pane.panel) > 0;
 }
 
 /// `item` as in a Tab stop: a whole pane goes on where it was left.
@@ -87,8 +83,7 @@ void Enter(const PaneWindow& pane, int item) {
         SetFocus(pane.window);
         return;
     }
-    const int wanted = item == kWholePane ? pane.panel->focus_item : item;
-    FocusItem(*pane.panel, std::clamp(wanted, 0, pane.panel->kind->count(*pane.panel) - 1));
+    FocusItem(*pane.panel, item == kWholePane ? pane.panel->kind->cursor(*pane.panel) : item);
 }
 
 /// Goes to the next stop, or to that of the next pane.
@@ -97,12 +92,9 @@ void GoOn(MainWindow& main, int step, bool to_other_pane) {
     const auto stops = static_cast<int>(order.size());
     int at = FocusedStop(main, order);
     const Pane left = At(order, at).pane;
-    const auto passed_over = [&](const TabStop& stop) {
-        return (to_other_pane && stop.pane == left) || !CanEnter(WindowOf(main, stop.pane));
-    };
     do
         at = (at + step + stops) % stops;
-    while (passed_over(At(order, at)));
+    while (to_other_pane && At(order, at).pane == left);
     const TabStop& stop = At(order, at);
     Enter(WindowOf(main, stop.pane), to_other_pane ? kWholePane : stop.item);
 }

@@ -5,6 +5,7 @@
 #include "platform/windows/dialogs.h"
 #include "platform/windows/main_window.h"
 #include "score/rows.h"
+#include "view/drawing_commands.h"
 
 #include <commctrl.h>
 
@@ -124,6 +125,7 @@ void ShowStrip(MainWindow& main) {
         const bool selection = view_moved && IsSelected(shown.view, old_slot) != IsSelected(view, new_slot);
         if (picture || cursor || selection) InvalidateArea(panel, panel.kind->item_area(panel, i));
     }
+    if (SideOfCursor(view) != SideOfCursor(shown.view)) InvalidateRect(panel.window, nullptr, FALSE);
 }
 
 void ShowScrollBar(MainWindow& main) {
@@ -238,6 +240,8 @@ void ShowDifferences(MainWindow& main) {
     RememberView(main);
     ShowLengths(main);
     ShowPiano(main);
+    for (Panel& panel : main.panels)
+        TellCursor(panel);
     ShowTempo(main);
     ShowMenu(main);
     ShowToolbar(main);

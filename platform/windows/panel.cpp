@@ -6,7 +6,10 @@
 #include "view/note_names.h"
 
 #include <commctrl.h>
+#include <imm.h>
 #include <windowsx.h>
+
+#include <algorithm>
 
 namespace tonex {
 
@@ -108,20 +111,31 @@ void KeyDown(Panel& panel, WPARAM key) {
     const int count = panel.kind->count(panel);
     if (count == 0) return;
     panel.keyboard_used = true;
+    const int item = panel.kind->cursor(panel);
     if (key == VK_RETURN || key == VK_SPACE) {
-        panel.kind->press(panel, panel.focus_item < count ? panel.focus_item : count - 1);
+        panel.kind->press(panel, item);
         ShowDifferences(*panel.main);
         return;
     }
-    const int next = panel.kind->neighbour(panel, panel.focus_item, key);
+    const int next = panel.kind->neighbour(panel, item, key);
     if (next >= 0 && next < count) FocusItem(panel, next);
 }
 
 void GotFocus(Panel& panel, bool focused) {
     panel.focused = focused;
     if (!focused) panel.keyboard_used = false;
-    InvalidateItem(panel, panel.focus_item);
-    if (focused) NotifyWinEvent(EVENT_OBJECT_FOCUS, panel.window, OBJID_CLIENT, panel.focus_item + 1);
+    panel.told = {};
+    InvalidateItem(panel, panel.kind->cursor(panel));
+    TellCursor(panel);
+}
+
+/// Keys are keys on a panel: a Japanese input method that is on would keep "+" and "-" for a text to be
+/// composed.
+void TurnInputMethodOff(HWND window) {
+    using Associate = HIMC(WINAPI*)(HWND, HIMC);
+    static const auto associate =
+        LibraryFunction<Associate>(SystemLibrary(L"imm32.dll"), "ImmAssociateContext");
+    if (associate) associate(window, nullptr);
 }
 
 LRESULT CALLBACK PanelProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -171,9 +185,11 @@ void RegisterPanelClass(const PanelKind& kind, HINSTANCE instance) {
 bool CreatePanel(Panel& panel, const PanelKind& kind, MainWindow& main, HINSTANCE instance) {
     panel.kind = &kind;
     panel.main = &main;
-    return CreateWindowExW(0, kind.class_name, kind.title,
-                           WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_CLIPSIBLINGS | kind.style, 0, 0, 0, 0,
-                           main.window, nullptr, instance, &panel) != nullptr;
+    HWND made = CreateWindowExW(0, kind.class_name, kind.title,
+                                WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_CLIPSIBLINGS | kind.style, 0, 0, 0, 0,
+                                main.window, nullptr, instance, &panel);
+    if (made) TurnInputMethodOff(made);
+    return made != nullptr;
 }
 
 const sndmain& RecordOf(const Panel& panel) {
@@ -215,6 +231,10 @@ int NeighbourInRow(const Panel& panel, int item, WPARAM key) {
     }
 }
 
+int ItemLeftBehind(const Panel& panel) {
+    return std::min(panel.focus_item, panel.kind->count(panel) - 1);
+}
+
 RECT AreaInPanel(const Panel& panel, const Rect& rect) {
     const Scale& scale = ScaleOf(panel);
     RECT area = ToPixels(scale, rect);
@@ -232,18 +252,33 @@ void InvalidateItem(Panel& panel, int item) {
 }
 
 void FocusItem(Panel& panel, int item) {
-    InvalidateItem(panel, panel.focus_item);
     panel.focus_item = item;
     panel.keyboard_used = true;
     InvalidateItem(panel, item);
-    if (!panel.focused)
-        SetFocus(panel.window);
+    if (panel.focused)
+        TellCursor(panel);
     else
-        NotifyWinEvent(EVENT_OBJECT_FOCUS, panel.window, OBJID_CLIENT, item + 1);
+        SetFocus(panel.window);
+}
+
+void TellCursor(Panel& panel) {
+    if (!panel.focused) return;
+    Panel::Told now{panel.kind->cursor(panel), {}};
+    now.name = now.item < 0 ? panel.kind->title : panel.kind->item_name(panel, now.item);
+    if (now == panel.told) return;
+    InvalidateItem(panel, panel.told.item);
+    InvalidateItem(panel, now.item);
+    panel.told = now;
+    NotifyWinEvent(EVENT_OBJECT_FOCUS, panel.window, OBJID_CLIENT,
+                   now.item + 1); // no item = the panel itself, 0
+}
+
+bool TakesInput(const Panel& panel) {
+    return RecordOf(panel).Enabled && IsWindowEnabled(panel.main->window);
 }
 
 bool FocusShown(const Panel& panel, int item) {
-    return panel.focused && panel.keyboard_used && item == panel.focus_item;
+    return panel.focused && panel.keyboard_used && item == panel.kind->cursor(panel);
 }
 
 void DrawFocusMark(Panel& panel, const RECT& area, COLORREF colour) {

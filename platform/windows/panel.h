@@ -22,6 +22,10 @@ int FirstItemAt(const Panel& panel, POINT point);
 /// Where a key leads in a row of items: to the neighbour left or right, to the first or the last; -1 for
 /// other keys.
 int NeighbourInRow(const Panel& panel, int item, WPARAM key);
+/// The item that the keyboard was left on, the last one when it is gone; -1 = there is none.
+int ItemLeftBehind(const Panel& panel);
+/// Gives the panel's item the keyboard.
+void FocusItem(Panel& panel, int item);
 
 struct PanelKind {
     const wchar_t* class_name;
@@ -35,6 +39,9 @@ struct PanelKind {
     bool (*item_chosen)(const Panel&, int item);
     int (*item_at)(const Panel&, POINT point) = FirstItemAt; ///< -1 = none
     void (*press)(Panel&, int item);                         ///< runs the item's command on the record
+    /// The item that has the panel's keyboard; -1 = none that is there.
+    int (*cursor)(const Panel&) = ItemLeftBehind;
+    void (*take_cursor)(Panel&, int item) = FocusItem; ///< gives an item the keyboard, as assistive tools ask
     /// Where an arrow key, Home or End leads; -1 = nowhere.
     int (*neighbour)(const Panel&, int item, WPARAM key) = NeighbourInRow;
     void (*paint)(Panel&, const RECT& dirty);
@@ -49,12 +56,18 @@ struct Panel {
     HWND tooltip = nullptr;
     Canvas canvas;
     int origin_x = 0, origin_y = 0; ///< of the panel in the window's client area, twips
-    int focus_item = 0;
-    int hot_item = -1;     ///< under the mouse
-    int pressed_item = -1; ///< between button down and up
+    int focus_item = 0;             ///< where the keyboard was left, in panels that keep their own place
+    int hot_item = -1;              ///< under the mouse
+    int pressed_item = -1;          ///< between button down and up
     bool focused = false;
     bool keyboard_used = false; ///< the focus came by keyboard: show where it is
     int wheel = 0;              ///< mouse wheel travel not yet used
+    /// What screen readers were told last of the item that has the keyboard.
+    struct Told {
+        int item = -2; ///< as of `cursor`; -2 = nothing yet
+        std::wstring name;
+        bool operator==(const Told&) const = default;
+    } told;
 };
 
 void RegisterPanelClass(const PanelKind& kind, HINSTANCE instance);
@@ -75,8 +88,11 @@ RECT AreaInPanel(const Panel& panel, const Rect& rect);
 void InvalidateArea(Panel& panel, const RECT& area);
 /// Has an item drawn again; nothing for one that is not there.
 void InvalidateItem(Panel& panel, int item);
-/// Gives the panel's item the keyboard.
-void FocusItem(Panel& panel, int item);
+/// Tells screen readers which item has the keyboard, when it or what it is called changed since they were
+/// told.
+void TellCursor(Panel& panel);
+/// Whether the main window takes input: not while a box is open or a preview plays.
+bool TakesInput(const Panel& panel);
 /// Draws the mark of the keyboard focus inside an area when the panel has the keyboard and shows it.
 void DrawFocusMark(Panel& panel, const RECT& area, COLORREF colour);
 bool FocusShown(const Panel& panel, int item);

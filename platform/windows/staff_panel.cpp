@@ -5,6 +5,7 @@
 
 #include "pictures/glyphs.h"
 #include "score/rows.h"
+#include "view/drawing_commands.h"
 #include "view/note_entry_commands.h"
 #include "view/staff.h"
 
@@ -17,13 +18,14 @@ namespace tonex {
 
 namespace {
 
-constexpr int kLedgerReach = 25; ///< twips that a ledger line reaches beyond the head on each side
+constexpr int kPointerLength = 8; ///< pixels at 100 %, of the arrow to a cursor out of view; twice as high
+constexpr int kPointerInset = 4;  ///< pixels at 100 %, from the panel's edges
+constexpr int kLedgerReach = 25;  ///< twips that a ledger line reaches beyond the head on each side
 
+/// As many as the grid below has cells: the end column, too, takes the cursor.
 int Count(const Panel& panel) {
     const sndmain& w = RecordOf(panel);
-    const auto hidden = std::find_if(w.imgNote.begin(), w.imgNote.end(),
-                                     [](const NoteImage& image) { return !image.Visible; });
-    return static_cast<int>(hidden - w.imgNote.begin());
+    return std::clamp(w.grdScore.Cols - w.score.first_shown, 0, kStripPictures);
 }
 
 /// The column of the panel that a picture stands in, from top to bottom, in pixels.
@@ -158,9 +160,29 @@ void PaintImage(Panel& panel, int index, const RECT& dirty) {
     BlendMask(panel.canvas, mask, corner.x, corner.y, ink, dirty);
 }
 
+/// An arrow at the panel's edge that points to a cursor out of view: left for -1, right for 1.
+void PaintPointer(Panel& panel, int side, const RECT& dirty) {
+    const Scale& scale = ScaleOf(panel);
+    RECT client;
+    GetClientRect(panel.window, &client);
+    const int length = Scaled(scale, kPointerLength), inset = Scaled(scale, kPointerInset);
+    const LONG tip = side < 0 ? client.left + inset : client.right - inset - 1;
+    const LONG middle = client.bottom - inset - length;
+    for (int i = 0; i < length; ++i) {
+        const LONG x = tip - side * i;
+        RECT part;
+        const RECT line = {x, middle - i, x + 1, middle + i + 1};
+        if (IntersectRect(&part, &line, &dirty)) FillArea(panel.canvas, part, ColoursOf(panel).select);
+    }
+}
+
 /// The place of the cursor, also behind the last entry where no picture is: a small mark under the staff.
+/// After opening a long melody and after scrolling the cursor may be out of view; then a pointer shows where
+/// it is.
 void PaintCursor(Panel& panel, const RECT& dirty) {
     const sndmain& w = RecordOf(panel);
+    const int side = SideOfCursor(w.grdScore.view);
+    if (side != 0) PaintPointer(panel, side, dirty);
     const int image = w.grdScore.view.Col - w.score.first_shown;
     if (image < 0 || image >= kStripPictures) return;
     RECT area = ColumnArea(panel, image);

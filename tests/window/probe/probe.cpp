@@ -11,7 +11,12 @@
 //   gettext WINDOW                 the text of a control
 //   post WINDOW MESSAGE W L        posts a message
 //   drop WINDOW FILE…              drops files on a window, by their Windows paths
-//   menu|toolbar|accessible|combo WINDOW   see probe_hook.cpp
+//   menu|toolbar|accessible|combo|inputmethod|textsize WINDOW   see probe_hook.cpp
+//   pressitem|focusitem WINDOW NUMBER   as an assistive tool does, on an item of a panel, counted from 1
+//   messagefont WINDOW HEIGHT      gives the system's message font a height in pixels, for that program
+//   told WINDOW                    the items that screen readers were told to have the keyboard, since the
+//   last
+//                                  such question about any window: numbers from 1, 0 = the window itself
 //   getreg KEY NAME / setreg KEY NAME TEXT / setnumber KEY NAME NUMBER / delreg KEY NAME   current user's
 //   registry quit
 #include "probe_shared.h"
@@ -22,6 +27,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -228,8 +234,9 @@ std::string AskInside(Request request, const Words& words) {
     const HHOOK installed =
         SetWindowsHookExW(WH_CALLWNDPROC, hook, library, GetWindowThreadProcessId(window, nullptr));
     DWORD_PTR ignored = 0;
-    SendMessageTimeoutW(window, RegisterWindowMessageW(kMessageName), request, 0, SMTO_ABORTIFHUNG, kPatience,
-                        &ignored);
+    const LPARAM number = words.size() > 2 ? std::atoi(words[2].c_str()) : 0;
+    SendMessageTimeoutW(window, RegisterWindowMessageW(kMessageName), request, number, SMTO_ABORTIFHUNG,
+                        kPatience, &ignored);
     if (installed != nullptr) {
         UnhookWindowsHookEx(installed);
     }
@@ -292,6 +299,66 @@ std::string Combo(const Words& words) {
     return AskInside(kCombo, words);
 }
 
+std::string PressItem(const Words& words) {
+    return AskInside(kPressItem, words);
+}
+std::string FocusItem(const Words& words) {
+    return AskInside(kFocusItem, words);
+}
+std::string InputMethod(const Words& words) {
+    return AskInside(kInputMethod, words);
+}
+std::string TextSize(const Words& words) {
+    return AskInside(kTextSize, words);
+}
+std::string MessageFont(const Words& words) {
+    return AskInside(kMessageFont, words);
+}
+
+// What screen readers are told comes to the thread that asked for it, as messages: it has one of its own,
+// which lives as long as the process.
+CRITICAL_SECTION told_guard;
+std::vector<std::pair<HWND, LONG>> told;
+
+void CALLBACK NoteFocus(HWINEVENTHOOK, DWORD, HWND window, LONG object, LONG child, DWORD, DWORD) {
+    if (object != OBJID_CLIENT) {
+        return;
+    }
+    EnterCriticalSection(&told_guard);
+    told.emplace_back(window, child);
+    LeaveCriticalSection(&told_guard);
+}
+
+DWORD WINAPI Listen(void* ready) {
+    SetWinEventHook(EVENT_OBJECT_FOCUS, EVENT_OBJECT_FOCUS, nullptr, NoteFocus, 0, 0, WINEVENT_OUTOFCONTEXT);
+    SetEvent(ready);
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+        DispatchMessageW(&message);
+    }
+    return 0;
+}
+
+void StartListening() {
+    InitializeCriticalSection(&told_guard);
+    const HANDLE ready = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    CloseHandle(CreateThread(nullptr, 0, Listen, ready, 0, nullptr));
+    WaitForSingleObject(ready, INFINITE);
+}
+
+std::string Told(const Words& words) {
+    EnterCriticalSection(&told_guard);
+    const std::vector<std::pair<HWND, LONG>> noted = std::exchange(told, {});
+    LeaveCriticalSection(&told_guard);
+    std::string json;
+    for (const auto& [window, child] : noted) {
+        if (window == WindowOf(words[1])) {
+            json += (json.empty() ? "" : ",") + std::to_string(child);
+        }
+    }
+    return "[" + json + "]";
+}
+
 struct Command {
     const char* name;
     std::size_t words; ///< at least so many, the name counted
@@ -313,6 +380,12 @@ constexpr Command kCommands[] = {
     {"toolbar", 2, Toolbar},
     {"accessible", 2, Accessible},
     {"combo", 2, Combo},
+    {"pressitem", 3, PressItem},
+    {"focusitem", 3, FocusItem},
+    {"inputmethod", 2, InputMethod},
+    {"textsize", 2, TextSize},
+    {"messagefont", 3, MessageFont},
+    {"told", 2, Told},
     {"getreg", 3, GetReg},
     {"setreg", 3, SetReg},
     {"setnumber", 4, SetReg},
@@ -337,6 +410,7 @@ std::string Run(const std::string& line) {
 } // namespace
 
 int main() {
+    StartListening();
     const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
     std::string pending;

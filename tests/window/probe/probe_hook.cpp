@@ -3,6 +3,7 @@
 #include "probe_shared.h"
 
 #include <commctrl.h>
+#include <imm.h>
 #include <oleacc.h>
 
 #include <string>
@@ -159,6 +160,58 @@ std::string AccessibleOf(HWND window) {
     return text + "]}";
 }
 
+/// Presses a child of a window's accessible object or gives it the keyboard, and gives the object's answer.
+std::string DoToItem(HWND window, Request request, long child) {
+    IAccessible* object = nullptr;
+    HRESULT result = AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+                                                reinterpret_cast<void**>(&object));
+    if (FAILED(result) || object == nullptr) {
+        return "{\"error\":\"no accessible object\"}";
+    }
+    VARIANT which = {};
+    which.vt = VT_I4;
+    which.lVal = child;
+    result = request == kPressItem ? object->accDoDefaultAction(which)
+                                   : object->accSelect(SELFLAG_TAKEFOCUS, which);
+    object->Release();
+    return std::to_string(result);
+}
+
+// --- input method and fonts
+
+std::string InputMethodOf(HWND window) {
+    const HIMC context = ImmGetContext(window);
+    if (context != nullptr) {
+        ImmReleaseContext(window, context);
+    }
+    return Bool(context != nullptr);
+}
+
+/// Width and height of a control's text in the font that it has.
+std::string TextSizeOf(HWND window) {
+    wchar_t text[200] = L"";
+    const int length = GetWindowTextW(window, text, 200);
+    const HDC dc = GetDC(window);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)));
+    SIZE size = {};
+    GetTextExtentPoint32W(dc, text, length, &size);
+    SelectObject(dc, old);
+    ReleaseDC(window, dc);
+    return "[" + std::to_string(size.cx) + "," + std::to_string(size.cy) + "]";
+}
+
+/// Sets the height of the system's message font, in pixels, and tells the window that settings changed.
+std::string SetMessageFont(HWND window, LONG height) {
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = sizeof metrics;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, metrics.cbSize, &metrics, 0);
+    metrics.lfMessageFont.lfHeight = -height;
+    const BOOL set = SystemParametersInfoW(SPI_SETNONCLIENTMETRICS, metrics.cbSize, &metrics, 0);
+    SendMessageW(window, WM_SETTINGCHANGE, SPI_SETNONCLIENTMETRICS,
+                 reinterpret_cast<LPARAM>(L"WindowMetrics"));
+    return Bool(set != FALSE);
+}
+
 // --- combo box
 
 std::string ComboOf(HWND combo) {
@@ -173,7 +226,10 @@ std::string ComboOf(HWND combo) {
     }
     wchar_t text[200] = L"";
     SendMessageW(combo, WM_GETTEXT, 200, reinterpret_cast<LPARAM>(text));
-    return "{\"text\":" + Quoted(text) +
+    DWORD from = 0;
+    DWORD to = 0;
+    SendMessageW(combo, CB_GETEDITSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
+    return "{\"text\":" + Quoted(text) + ",\"marked\":" + std::to_string(to - from) +
            ",\"selected\":" + std::to_string(SendMessageW(combo, CB_GETCURSEL, 0, 0)) +
            ",\"items\":" + items + "]}";
 }
@@ -199,11 +255,17 @@ extern "C" __declspec(dllexport) LRESULT CALLBACK ProbeHook(int code, WPARAM wpa
         const auto* const message = reinterpret_cast<const CWPSTRUCT*>(lparam);
         if (message->message == RegisterWindowMessageW(probe::kMessageName)) {
             const HWND window = message->hwnd;
+            const auto number = static_cast<long>(message->lParam);
             switch (message->wParam) {
             case kMenu: Answer(MenuOf(window)); break;
             case kToolbar: Answer(ToolbarOf(window)); break;
             case kAccessible: Answer(AccessibleOf(window)); break;
             case kCombo: Answer(ComboOf(window)); break;
+            case kPressItem:
+            case kFocusItem: Answer(DoToItem(window, static_cast<Request>(message->wParam), number)); break;
+            case kInputMethod: Answer(InputMethodOf(window)); break;
+            case kTextSize: Answer(TextSizeOf(window)); break;
+            case kMessageFont: Answer(SetMessageFont(window, number)); break;
             default: break;
             }
         }

@@ -7,13 +7,23 @@
 
 namespace probe {
 
-/// Sent to the watched window with one of the requests in wParam and a window handle in lParam.
+/// Sent to the watched window with one of the requests in wParam and its number in lParam.
 inline constexpr wchar_t kMessageName[] = L"TonexProbeRequest";
 /// Shared memory with the answer: a 32-bit length and so many bytes of UTF-8.
 inline constexpr wchar_t kAnswerName[] = L"TonexProbeAnswer";
 inline constexpr DWORD kAnswerSize = 1 << 20;
 
-enum Request : WPARAM { kMenu = 1, kToolbar, kAccessible, kCombo };
+enum Request : WPARAM {
+    kMenu = 1,
+    kToolbar,
+    kAccessible,
+    kCombo,
+    kPressItem,
+    kFocusItem,
+    kInputMethod,
+    kTextSize,
+    kMessageFont
+};
 
 /// UTF-8 of wide text.
 inline std::string Utf8(const wchar_t* text, int length) {

@@ -1,0 +1,204 @@
+"""One cursor: found when it is out of view, put on the blank end column, told to screen readers, and not theirs to move
+while a box is open."""
+
+import pytest
+
+from melody import C, D, E, G, R, Melody
+from wine_paths import windows_path
+from words import ASK
+from xscreen import wait_until
+
+STATE_UNAVAILABLE = 0x1
+OF_A_LONG_MELODY = 60
+COLUMNS_SHOWN = 30
+SELECT = (0x33, 0x99, 0xFF)
+POINTER_AREA = 20  # pixels at the lower corners of the staff
+
+
+def system_colour(editor, name):
+    """A colour of the system's, as the registry of the prefix has it or as is usual."""
+    text = editor.prefix.ask("getreg", "Control Panel\\Colors", name)
+    return tuple(map(int, text.split())) if text else SELECT
+
+
+def picture_of(editor, rect):
+    """What stands on the screen in a rectangle, the pointer of the mouse out of the way."""
+    editor.screen.move(2, 2)
+    editor.picture()  # waits until it looks the same for a while
+    left, top, right, bottom = rect
+    return editor.screen.picture(left, top, right - left, bottom - top)
+
+
+def pixels_of(picture, colour):
+    return dict((value, count) for count, value in picture.getcolors(picture.width * picture.height)).get(colour, 0)
+
+
+def pointers(editor):
+    """How much of the selection's colour the lower corners of the staff show, left and right."""
+    left, _, right, bottom = editor.child("TonexStaff")["client"]
+    colour = system_colour(editor, "Hilight")
+    return [pixels_of(picture_of(editor, (x, bottom - POINTER_AREA, x + POINTER_AREA, bottom)), colour)
+            for x in (left, right - POINTER_AREA)]
+
+
+@pytest.fixture
+def long_melody(start, melody):
+    """The beginning in view, the cursor behind the last entry."""
+    editor = start(windows_path(melody("LONG.SND", Melody.scale(OF_A_LONG_MELODY))))
+    assert len(editor.cells()) == COLUMNS_SHOWN and editor.selected() == []
+    return editor
+
+
+def scroll_to_the_end(editor):
+    _, _, right, bottom = editor.child("TonexGrid")["rect"]
+    editor.screen.click(right - 30, bottom - 6)  # behind the thumb: a page
+    editor.screen.click(right - 8, bottom - 6, times=OF_A_LONG_MELODY + 1 - 2 * COLUMNS_SHOWN)  # the arrow
+    wait_until(lambda: editor.names()[-1] == "End", 5, "the end in view")
+
+
+def test_a_pointer_shows_where_a_cursor_out_of_view_is(long_melody):
+    left, right = pointers(long_melody)
+    assert left == 0 and right > 30
+    long_melody.screen.key("home")
+    long_melody.wait_selected([0])
+    assert pointers(long_melody) == [0, 0]
+    scroll_to_the_end(long_melody)
+    left, right = pointers(long_melody)
+    assert left > 30 and right == 0
+
+
+@pytest.mark.parametrize("key", ["left", "right", "pageup", "pagedown"])
+def test_the_first_key_shows_a_cursor_out_of_view_and_the_next_one_moves_it(long_melody, key):
+    long_melody.screen.key(key)
+    long_melody.wait_selected([COLUMNS_SHOWN - 1])
+    assert long_melody.names()[-1] == "End"
+    long_melody.screen.key("left")
+    long_melody.wait_selected([COLUMNS_SHOWN - 2])
+
+
+def test_home_and_end_act_at_once_on_a_cursor_out_of_view(long_melody):
+    long_melody.screen.key("home")
+    long_melody.wait_selected([0])
+    scroll_to_the_end(long_melody)
+    long_melody.screen.key("end")
+    long_melody.wait_selected([COLUMNS_SHOWN - 1])
+
+
+def test_a_click_on_the_blank_end_column_of_the_strip_puts_the_cursor_there(five):
+    end = five.item("TonexStaff", "End")
+    under = five.cells()[-1]["rect"]
+    five.screen.click((under[0] + under[2]) // 2, (end["rect"][1] + end["rect"][3]) // 2)
+    five.wait_selected([5])
+    five.click_key("c5")
+    five.wait_names([C, D, E, R, G, "c5, Quarter note", "End"])
+
+
+# --- what a screen reader is told
+
+
+def told(editor):
+    """The items of the grid that were told to have the keyboard since the last question."""
+    return editor.prefix.ask("told", editor.child("TonexGrid")["hwnd"])
+
+
+def assert_told(editor, item, name):
+    """The grid's item, counted from 1, has the keyboard, the selection and its name, and a screen reader was told."""
+    wait_until(lambda: editor.focused_item() == ("TonexGrid", name), 5, f"the keyboard on {name}")
+    assert editor.selected() == [item - 1]
+    assert editor.names()[item - 1] == name
+    heard = []
+    wait_until(lambda: heard.extend(told(editor)) or heard[-1:] == [item], 5, f"what is told of {name}")
+    assert set(heard) == {item}
+
+
+def test_after_plus_and_minus_the_keyboard_is_told_where_the_cursor_is(five):
+    told(five)
+    five.screen.key("+")
+    assert_told(five, 2, D)
+    five.screen.key("-")
+    assert_told(five, 3, E)
+
+
+def test_after_a_key_of_the_piano_the_keyboard_is_told_where_the_cursor_is(five):
+    told(five)
+    five.click_key("c8")
+    assert_told(five, 2, D)
+
+
+def test_after_insert_and_delete_the_keyboard_is_told_what_the_cursor_is_on(five):
+    told(five)
+    five.screen.key("ctrl+i")
+    assert_told(five, 1, "Separator")
+    five.screen.key("delete")
+    assert_told(five, 1, C)
+    five.screen.key("delete")
+    assert_told(five, 1, D)
+    five.screen.key("ctrl+z")
+    assert_told(five, 1, C)
+
+
+def test_after_scrolling_the_keyboard_is_told_the_cursors_new_place(long_melody):
+    long_melody.screen.key("home")
+    long_melody.wait_selected([0])
+    long_melody.screen.key("pagedown")
+    long_melody.wait_selected([COLUMNS_SHOWN - 1])
+    name = long_melody.names()[-1]
+    told(long_melody)
+    _, _, right, bottom = long_melody.child("TonexGrid")["rect"]
+    long_melody.screen.click(right - 8, bottom - 6)  # one column on
+    assert_told(long_melody, COLUMNS_SHOWN - 1, name)
+    scroll_to_the_end(long_melody)
+    # Out of view none of the cells shown has the keyboard.
+    wait_until(lambda: long_melody.focused_item() == ("TonexGrid", None), 5, "no cell with the keyboard")
+    wait_until(lambda: told(long_melody)[-1:] == [0], 5, "that the keyboard is on no cell")
+
+
+def test_a_tool_that_gives_a_cell_the_keyboard_moves_the_cursor(five):
+    told(five)
+    assert five.prefix.ask("focusitem", five.child("TonexGrid")["hwnd"], 4) == 0
+    assert_told(five, 4, R)
+
+
+# --- disabled is disabled for all
+
+
+PANELS = ["TonexGrid", "TonexStaff", "TonexLengths", "TonexPiano"]
+
+
+def test_while_a_box_is_open_tools_enter_nothing_and_are_told_that_they_can_not(five):
+    five.screen.key("end")
+    five.wait_selected([5])
+    five.click_key("c5")
+    before = [C, D, E, R, G, "c5, Quarter note", "End"]
+    five.wait_names(before)
+    for panel in PANELS:
+        states = [item["state"] for item in [five.accessible(panel), *five.items(panel)]]
+        assert not any(state & STATE_UNAVAILABLE for state in states), panel
+    five.choose("&New")
+    box = five.wait_message(ASK)
+    for panel in PANELS:
+        states = [item["state"] for item in [five.accessible(panel), *five.items(panel)]]
+        assert all(state & STATE_UNAVAILABLE for state in states), panel
+        hwnd = five.child(panel)["hwnd"]
+        assert five.prefix.ask("pressitem", hwnd, 2) == 1  # S_FALSE
+        assert five.prefix.ask("focusitem", hwnd, 2) == 1
+    assert five.names() == before and five.selected() == [6]
+    # A command that another program sends.
+    copy = five.menu()["&Copy"]["id"]
+    delete = five.menu()["&Delete"]["id"]
+    for command in (copy, delete):
+        five.prefix.ask("post", five.hwnd, 0x111, command, 0)
+    five.answer(box, "Cancel")
+    assert five.names() == before
+    # With the box closed they can again.
+    five.prefix.ask("pressitem", five.child("TonexPiano")["hwnd"], 1)
+    five.wait_names([*before[:-1], "c4, Quarter note", "End"])
+
+
+# --- the input method
+
+
+def test_no_input_method_takes_keys_from_the_panels(editor):
+    for panel in PANELS:
+        assert not editor.prefix.ask("inputmethod", editor.child(panel)["hwnd"]), panel
+    assert editor.prefix.ask("inputmethod", editor.child("Edit")["hwnd"]), "the tempo box keeps its own"
