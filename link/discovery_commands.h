@@ -2,18 +2,12 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 
 namespace tonex {
 
 struct sndmain;
 
-/// The installation folder from the current user's registry, without a trailing backslash; nothing when the
-/// key or the value is missing or empty (the program then ends without a message, kept as it is).
-std::optional<std::wstring> GetInstallDir();
-/// The terminator rule by which the registry's text is cut: `buffer` as queried, `size` as reported.
-std::wstring TrimRegistryText(const std::wstring& buffer, std::uint32_t size);
 /// Fallback for the PC sound folder; warns once when neither folder is there.
 void ResolveUserSoundDir(const std::wstring& install, std::wstring& pc_sound_dir,
                          const std::wstring& cache_sound_dir, bool& show_message);

@@ -1,6 +1,7 @@
 // Finding the link software's folders, and telling PC files from device files.
 #include "app/sndmain.h"
 #include "link/discovery_commands.h"
+#include "link/install_entry_services.h"
 #include "tests/desktop/desktop.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #include "platform/link_library.h"
 
+#include "link/install_entry_services.h"
 #include "tests/windows/support.h"
 
 #include <gtest/gtest.h>
@@ -186,6 +187,24 @@ TEST(LinkLibrary, InstalledLibrariesFillTheTable) {
     ExpectWhole(library);
     EXPECT_EQ(ModulesOf(library), kAllFromLibraries);
     UseDevice(library, installation);
+}
+
+TEST(LinkLibrary, TheLibrariesReadTheEntryAsTheEditorDoes) {
+    const Installation installation;
+    installation.InstallBoth();
+    WriteBytes(installation.CachePath(L"A.SND"), "x");
+    const LinkLibrary library = LoadLinkLibrary(installation.folder.path);
+    const auto knows = [&] { return library.Cor_IsExist("\\System\\sound\\A.SND") != 0; };
+    const std::wstring text = installation.folder.path + L"\\";
+    const auto store = [&](DWORD type, std::size_t characters) {
+        installation.entry.Set(L"InstallDir", type, text.c_str(), characters * sizeof(wchar_t));
+    };
+    store(REG_EXPAND_SZ, text.size() + 1);
+    EXPECT_TRUE(knows());
+    store(REG_BINARY, text.size() + 1);
+    EXPECT_FALSE(knows());
+    store(REG_SZ, text.size()); // without its NUL: what the system makes of it counts for both
+    EXPECT_EQ(knows(), GetInstallDir() == installation.folder.path);
 }
 
 TEST(LinkLibrary, DecoratedNamesAreFoundToo) {

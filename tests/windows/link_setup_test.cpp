@@ -1,6 +1,6 @@
 #include "tools/linksetup/link_setup.h"
 
-#include "link/discovery_commands.h"
+#include "link/install_entry_services.h"
 #include "tests/windows/support.h"
 
 #include <gtest/gtest.h>

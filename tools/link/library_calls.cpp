@@ -1,6 +1,6 @@
 #include "tools/link/library_calls.h"
 
-#include "link/install_entry.h"
+#include "link/install_entry_services.h"
 #include "platform/link_library.h"
 
 #include <cstring>
@@ -24,14 +24,7 @@ bool Fault(const wchar_t* word) {
 }
 
 FolderDevice InstalledDevice() {
-    HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, kInstallKey, 0, KEY_QUERY_VALUE, &key)) return {};
-    wchar_t folder[MAX_PATH + 1] = L""; // the last character stays NUL whatever is stored
-    DWORD type = 0, bytes = MAX_PATH * sizeof(wchar_t);
-    const LONG result =
-        RegQueryValueExW(key, kInstallValue, nullptr, &type, reinterpret_cast<BYTE*>(folder), &bytes);
-    RegCloseKey(key);
-    return result == ERROR_SUCCESS && type == REG_SZ ? DeviceOfInstallation(folder) : FolderDevice{};
+    return DeviceOfInstallation(GetInstallDir().value_or(std::wstring()));
 }
 
 void RecordCall(const char* function, std::initializer_list<const char*> arguments, int result) {
