@@ -1,6 +1,7 @@
 // platform/player.h on Win32.
 #include "platform/player.h"
 
+#include "platform/program_folder.h"
 #include "platform/windows/desktop_windows.h"
 
 #include <shellapi.h>
@@ -45,12 +46,17 @@ bool StartDocument(const std::wstring& path, const std::wstring& verb, ProcessHa
     const auto execute =
         LibraryFunction<ShellExecuteFunction>(SystemLibrary(L"shell32.dll"), "ShellExecuteExW");
     if (!execute) return false;
+    // The document's program may be registered without a path. The folder of a melody must not decide which
+    // one runs.
+    const InProgramFolder no_document_folder;
+    const std::wstring folder = ProgramFolder();
     SHELLEXECUTEINFOW document = {};
     document.cbSize = sizeof document;
     document.fMask = SEE_MASK_NOCLOSEPROCESS | SEE_MASK_FLAG_NO_UI;
     document.hwnd = Hooks().main_window;
     document.lpVerb = verb.c_str();
     document.lpFile = path.c_str();
+    document.lpDirectory = folder.c_str();
     document.nShow = SW_SHOWNORMAL;
     if (!execute(&document)) return false;
     process = reinterpret_cast<ProcessHandle>(document.hProcess);

@@ -33,9 +33,9 @@ struct PlayableKind {
     TestKey extension{L".tnxtest", HKEY_CLASSES_ROOT};
     TestKey program{L"Tonex.Test", HKEY_CLASSES_ROOT};
     TestKey command{L"Tonex.Test\\shell\\Play\\command", HKEY_CLASSES_ROOT};
-    PlayableKind() {
+    explicit PlayableKind(const std::wstring& command_line = Quoted(TestProgram()) + L" child-exit 5") {
         extension.SetText(L"", L"Tonex.Test");
-        command.SetText(L"", Quoted(TestProgram()) + L" child-exit 5");
+        command.SetText(L"", command_line);
     }
 };
 
@@ -122,4 +122,29 @@ TEST(Player, ADocumentWithoutTheVerbOrWithoutAProgramIsNot) {
     process = 99;
     EXPECT_FALSE(StartDocument(folder / L"missing.tnxtest", L"Sing", process));
     EXPECT_EQ(process, 0u);
+}
+
+TEST(Player, ADocumentsFolderIsNotSearchedForItsProgram) {
+    const PlayableKind kind(L"planted-player.exe child-exit 5");
+    const TestFolder folder;
+    WriteBytes(folder / L"a.tnxtest", "x");
+    ASSERT_TRUE(CopyFileW(TestProgram().c_str(), (folder / L"planted-player.exe").c_str(), TRUE));
+    const CurrentFolder current(folder.path);
+    ProcessHandle process = 99;
+    EXPECT_FALSE(StartDocument(folder / L"a.tnxtest", L"Play", process));
+    EXPECT_EQ(process, 0u);
+    wchar_t after[MAX_PATH];
+    GetCurrentDirectoryW(MAX_PATH, after);
+    EXPECT_EQ(folder.path, after);
+}
+
+TEST(Player, ADocumentsProgramStartsInTheProgramsFolder) {
+    const PlayableKind kind(Quoted(TestProgram()) + L" child-at-home");
+    const TestFolder folder;
+    WriteBytes(folder / L"a.tnxtest", "x");
+    const CurrentFolder current(folder.path);
+    ProcessHandle process = 0;
+    ASSERT_TRUE(StartDocument(folder / L"a.tnxtest", L"Play", process));
+    EXPECT_EQ(WaitForEnd(process), 0u);
+    CloseProcess(process);
 }

@@ -1,6 +1,7 @@
 #include "tests/windows/support.h"
 
 #include "platform/files.h"
+#include "platform/program_folder.h"
 #include "platform/window_list.h"
 
 #include <gtest/gtest.h>
@@ -68,6 +69,12 @@ int RunInstanceProbe() {
     ReleaseSemaphore(tried, 1, nullptr);
     if (WaitForSingleObject(finish, kPatience) != WAIT_OBJECT_0) return 98;
     return running ? 1 : 0;
+}
+
+bool IsInProgramFolder() {
+    wchar_t folder[MAX_PATH] = L"";
+    GetCurrentDirectoryW(MAX_PATH, folder);
+    return folder == ProgramFolder();
 }
 
 } // namespace
@@ -151,6 +158,7 @@ int RunAsChild(int count, wchar_t** arguments) {
         Sleep(kPatience * 3);
         return 96;
     }
+    if (task == L"child-at-home") return IsInProgramFolder() ? 0 : 1;
     if (task == L"child-number") return static_cast<int>(UniqueNumber());
     if (task == L"child-instance") return RunInstanceProbe();
     return -1;
