@@ -152,7 +152,8 @@ struct sndmain {
     std::int16_t current_length = kFirstLength; ///< entry code 1 to 20 that a key click gives to a new note
     std::int16_t standard_col_width = kColumnWidth; ///< of a grid column, twips
     bool preview_busy = false;
-    bool second_copy = false; ///< this copy only hands over to the first
+    bool second_copy = false;            ///< this copy only hands over to the first
+    std::vector<std::wstring> leftovers; ///< temporary files that could not be deleted yet
     LinkState link;
     LinkLibrary link_library{};
 

@@ -11,7 +11,9 @@
 #include "platform/files.h"
 #include "platform/main_window.h"
 #include "platform/program_folder.h"
+#include "platform/temporary_files.h"
 #include "platform/window_list.h"
+#include "preview/leftover_services.h"
 #include "preview/timing_tables.h"
 #include "score/document_commands.h"
 #include "score/message_services.h"
@@ -61,6 +63,13 @@ void OpenFirstDocument(sndmain& window, const std::wstring& command_line_path) {
     if (window.document.current_path.empty()) StoreLastDocument(window);
 }
 
+/// Deletes the temporary files that killed runs left.
+void SweepOldRuns(const sndmain& window) {
+    const std::wstring previews = TemporaryFolder(), uploads = UploadFolder(window.link.InstallDir);
+    if (!previews.empty()) SweepTemporaryFiles(previews);
+    if (!uploads.empty() && uploads != previews) SweepTemporaryFiles(uploads);
+}
+
 /// After device work the user is reminded to transfer, unless that is not wanted.
 void RemindOfTransfer(const sndmain& window) {
     if (!window.link.device_work || ReadMsgDsp()) return;
@@ -85,6 +94,7 @@ StartResult StartUp(sndmain& window, const std::wstring& command_line_path) {
     SetUpTempo(window);
     ClearAll(window);
     OpenFirstDocument(window, command_line_path);
+    SweepOldRuns(window);
     return StartResult::Run;
 }
 
@@ -96,6 +106,7 @@ bool CloseAllowed(sndmain& window) {
         return false; // a link that reports a failure keeps the window open, kept as it is
     RemindOfTransfer(window);
     SaveWindowPlacement(kSettingsSection);
+    DeleteLeftovers(window.leftovers);
     return true;
 }
 
@@ -117,6 +128,7 @@ void EndSession(sndmain& window) {
     if (window.second_copy) return;
     Disconnect(window); // a link that reports a failure can not keep the window open any more
     SaveWindowPlacement(kSettingsSection);
+    DeleteLeftovers(window.leftovers);
 }
 
 void OpenDroppedFile(sndmain& window, const std::wstring& path) {

@@ -10,14 +10,17 @@
 #include "platform/message_box.h"
 #include "platform/temporary_files.h"
 #include "platform/text.h"
+#include "preview/leftover_services.h"
 #include "score/document_commands.h"
 #include "score/file_services.h"
 #include "score/message_services.h"
+#include "score/temporary_names.h"
 #include "view/tempo_commands.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -84,17 +87,18 @@ bool UploadFile(const LinkLibrary& library, const std::wstring& device_path, con
 }
 
 /// Writes an encoded melody to a temporary file and has the library upload it. A refusal is told to the user.
-Delivery Deliver(const LinkLibrary& library, const SndEncoding& melody, const std::wstring& device_path) {
+Delivery Deliver(sndmain& window, const SndEncoding& melody, const std::wstring& device_path) {
     if (!IsWritten(melody.result)) return {melody.result};
-    const std::wstring folder = TemporaryFolder();
-    const std::wstring temporary = folder.empty() ? folder : CreateTemporaryFile(folder, L"Snd");
+    const std::wstring folder = UploadFolder(window.link.InstallDir);
+    const std::wstring temporary =
+        folder.empty() ? folder : CreateTemporaryFile(folder, std::wstring(kUploadPrefix));
     if (temporary.empty()) return {kSndWriteError};
     Delivery delivery = {SaveSndFile(melody, temporary)};
     if (IsWritten(delivery.result)) {
-        delivery.taken = UploadFile(library, device_path, temporary);
+        delivery.taken = UploadFile(window.link_library, device_path, temporary);
         if (!delivery.taken) ShowMessage(L"File translate error when upload to Veloxa!");
     }
-    DeleteFileIfExists(temporary);
+    DeleteTemporaryFile(temporary, window.leftovers);
     return delivery;
 }
 
@@ -105,14 +109,23 @@ void DeleteCacheCopy(sndmain& window, const std::wstring& cache_path) {
     window.score.changed = true;
 }
 
-/// Writes the score and hands it over to `device_path`. True when the device took it. What a disk refused is
+/// The score as a file for the device. Nothing when no file can hold it: the user was told, before anything
+/// is deleted.
+std::optional<SndEncoding> EncodeForDevice(sndmain& window) {
+    SndEncoding melody = EncodeSnd(window.tables, TempoForWriting(window), BuildSaveList(window.score));
+    if (melody.result != kSndWriteError) return melody;
+    EndSave(window, melody, melody.result, {}, kOnDevice);
+    return std::nullopt;
+}
+
+/// Writes the melody and hands it over to `device_path`. True when the device took it. What a disk refused is
 /// as it was.
-bool SaveAndHandOver(sndmain& window, const std::wstring& cache_path, const std::string& device_path) {
-    const SndEncoding melody = EncodeSnd(window.tables, TempoForWriting(window), BuildSaveList(window.score));
+bool SaveAndHandOver(sndmain& window, const SndEncoding& melody, const std::wstring& cache_path,
+                     const std::string& device_path) {
     const std::wstring target = FromAnsi(device_path);
-    const Delivery delivery = Deliver(window.link_library, melody, target);
+    const Delivery delivery = Deliver(window, melody, target);
     if (delivery.result != kSndWriteError) window.document.device_path = target;
-    EndSave(window, delivery.result, melody.entries_left_out, cache_path, kOnDevice);
+    EndSave(window, melody, delivery.result, cache_path, kOnDevice);
     if (delivery.taken) {
         window.score.changed = false;
         window.link.device_work = true;
@@ -142,8 +155,10 @@ bool SaveToDeviceAs(sndmain& window) {
     const std::wstring cache_path = DeviceToCache(window, chosen);
     if (cache_path.empty()) return false;
     window.link.CacheSoundDir = FolderOfPath(cache_path);
+    const std::optional<SndEncoding> melody = EncodeForDevice(window);
+    if (!melody) return false;
     DeleteCacheCopy(window, cache_path);
-    return SaveAndHandOver(window, cache_path, chosen);
+    return SaveAndHandOver(window, *melody, cache_path, chosen);
 }
 
 /// Lists the device's sounds. A count or a list that runs over the buffer is cut at its end.
@@ -177,6 +192,12 @@ std::wstring FetchDeviceFile(const sndmain& window, const std::wstring& cache_pa
 
 } // namespace
 
+std::wstring UploadFolder(const std::wstring& install_dir) {
+    std::wstring folder = TemporaryFolder();
+    if (!FitsAnsi(folder)) folder = ShortNameOf(folder);
+    return FitsAnsi(folder) ? folder : install_dir + L"\\";
+}
+
 bool SaveToDevice(sndmain& window) {
     const Document& document = window.document;
     const bool name_fits = CheckNameLength(document.current_path);
@@ -186,11 +207,13 @@ bool SaveToDevice(sndmain& window) {
     if (!CanSaveToDevice(window.link_library)) return false;
     const std::wstring cache_path = document.current_path;
     if (!FitsAnsi(cache_path)) return SaveToDeviceAs(window); // the library could not be told of it
+    const std::optional<SndEncoding> melody = EncodeForDevice(window);
+    if (!melody) return false;
     // The cache copy goes before anyone knows whether its path can be converted; kept as it is.
     DeleteCacheCopy(window, cache_path);
     const std::string device_path = CacheToDevice(window, cache_path);
     if (device_path.empty()) return false;
-    return SaveAndHandOver(window, cache_path, device_path);
+    return SaveAndHandOver(window, *melody, cache_path, device_path);
 }
 
 void mnuFileOverWriteZ730_Click(sndmain& window) {

@@ -11,6 +11,11 @@ struct sndmain;
 /// as changed: the copy in the cache is deleted first.
 bool SaveToDevice(sndmain& window);
 
+/// The folder for the files that the link library uploads: the temporary one, spelled so that the code page
+/// can name it to the library. Where that can not be, the installation's, which the library must be able to
+/// name. Empty when the system has no folder for temporary files.
+std::wstring UploadFolder(const std::wstring& install_dir);
+
 /// Open on Veloxa.
 void mnuFileOpenZ730_Click(sndmain& window);
 /// Save to Veloxa.

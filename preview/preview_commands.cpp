@@ -7,25 +7,24 @@
 #include "platform/message_box.h"
 #include "platform/player.h"
 #include "platform/temporary_files.h"
+#include "preview/leftover_services.h"
 #include "preview/synthesis.h"
 #include "preview/wav_file_services.h"
 #include "score/file_services.h"
 #include "score/message_services.h"
+#include "score/temporary_names.h"
 #include "view/tempo_commands.h"
 
 #include <algorithm>
 #include <optional>
-#include <vector>
 
 namespace tonex {
 
 namespace {
 
 constexpr int kSecondsADay = 24 * 60 * 60;
-constexpr int kNamesTried = 60;              // names of one minute
-constexpr int kDeletionsTried = 10;          // a virus scanner holds a fresh file for moments
-constexpr std::uint32_t kDeletionPause = 50; // milliseconds
-constexpr int kPollInterval = 20;            // milliseconds between two looks at the player
+constexpr int kNamesTried = 60;    // names of one minute
+constexpr int kPollInterval = 20;  // milliseconds between two looks at the player
 constexpr int kLongestPollGap = 5; // seconds; a longer gap is a clock that was set or a machine that slept
 constexpr const wchar_t* kPlayerCommand = L"sndrec32 /play /close ";
 constexpr const wchar_t* kPlayVerb = L"Play";
@@ -51,15 +50,6 @@ std::optional<std::wstring> ClaimTemporaryFile(const std::wstring& extension) {
         if (!AttributesOf(path)) return std::nullopt; // the folder refuses
     }
     return std::nullopt;
-}
-
-// Deletes a temporary file of ours. It may be held for moments by a scanner or a player that is just ending.
-void DeleteTemporaryFile(const std::wstring& path) {
-    for (int tried = 0; tried < kDeletionsTried; ++tried) {
-        if (tried > 0) PauseBriefly(kDeletionPause);
-        DeleteFileIfExists(path);
-        if (!FileExists(path)) return;
-    }
 }
 
 // The converting window follows the conversion.
@@ -94,16 +84,6 @@ std::int16_t Convert(sndmain& window, const std::wstring& snd_path, const std::w
     ConversionProgress progress;
     if (show_progress) progress = {&window, BeginConversion, AdvanceConversion, EndConversion};
     return sndfile2wavfile(table, snd_path, wav_path, progress);
-}
-
-// The length of a WAV file's sound in whole seconds, rounded up; nothing when its header can not be read.
-std::optional<int> SecondsOfSound(const std::wstring& wav_path) {
-    std::vector<std::uint8_t> header;
-    if (!ReadWholeFile(wav_path, header, kWavHeaderSize) || header.size() < kWavHeaderSize)
-        return std::nullopt;
-    const std::uint32_t samples = header[40] | std::uint32_t{header[41]} << 8 |
-                                  std::uint32_t{header[42]} << 16 | std::uint32_t{header[43]} << 24;
-    return static_cast<int>(samples / static_cast<std::uint32_t>(kSampleRate)) + 1;
 }
 
 struct Player {
@@ -168,25 +148,16 @@ bool PreviewList(sndmain& window, const FileList& list) {
         SoundDataToFile(window.tables, TempoForWriting(window), list, *snd_path, entries_written);
     if (!IsWritten(result)) {
         TellWriteError();
-        DeleteTemporaryFile(*snd_path);
+        DeleteTemporaryFile(*snd_path, window.leftovers);
         return false;
     }
     if (result == kSndFull) TellHowManyDidNotFit(CountEntries(list) - entries_written);
     PlayWavPreview(window, *snd_path, true);
-    DeleteTemporaryFile(*snd_path);
+    DeleteTemporaryFile(*snd_path, window.leftovers);
     return true;
 }
 
 } // namespace
-
-std::wstring PreviewFileName(int second_of_day, const std::wstring& extension) {
-    std::wstring name = L"$$";
-    for (const int part : {second_of_day / 3600, second_of_day / 60 % 60, second_of_day % 60}) {
-        name += static_cast<wchar_t>(L'0' + part / 10);
-        name += static_cast<wchar_t>(L'0' + part % 10);
-    }
-    return name + extension;
-}
 
 FileList BuildPreviewList(const Score& score, const ScoreGrid& grid) {
     int first = 0;
@@ -210,6 +181,7 @@ FileList BuildPreviewList(const Score& score, const ScoreGrid& grid) {
 void mnuPreview_Click(sndmain& window) {
     if (window.preview_busy) return;
     window.preview_busy = true;
+    DeleteLeftovers(window.leftovers);
     const FileList list = BuildPreviewList(window.score, window.grdScore);
     bool played = false;
     if (CountEntries(list) == 0) {
@@ -232,7 +204,7 @@ void PlayWavPreview(sndmain& window, const std::wstring& snd_path, bool show_pro
     } else {
         PlayConverted(window, *wav_path);
     }
-    DeleteTemporaryFile(*wav_path);
+    DeleteTemporaryFile(*wav_path, window.leftovers);
 }
 
 } // namespace tonex

@@ -15,12 +15,9 @@ struct ScoreGrid;
 /// The longest list that a preview writes, its end code not counted.
 inline constexpr int kPreviewEntries = 510;
 
-/// How long, in seconds, a player may outlive its sound before the editor stops waiting for it.
-inline constexpr int kPlayerPatience = 30;
-
 /// The Preview command: writes the selected notes, or all of them when no range is selected, to a temporary
-/// SND file and plays it. Does nothing while a preview runs. Tells the user what fails; leaves no file
-/// behind.
+/// SND file and plays it. Does nothing while a preview runs. Tells the user what fails. A file
+/// that the player still holds at the end is deleted at the next occasion.
 void mnuPreview_Click(sndmain& window);
 
 /// Converts a SND file to a temporary WAV file, has a player play it with the main window disabled, waits for
@@ -30,9 +27,5 @@ void PlayWavPreview(sndmain& window, const std::wstring& snd_path, bool show_pro
 /// The notes and rests of the selection, or of the whole score when no range is selected, as the SND writer
 /// takes them. Separators and empty slots are left out on purpose: they have no duration.
 FileList BuildPreviewList(const Score& score, const ScoreGrid& grid);
-
-/// Name of a temporary preview file: "$$", hour, minute and second with two digits each, the extension.
-/// `second_of_day` is 0 to 86399.
-std::wstring PreviewFileName(int second_of_day, const std::wstring& extension);
 
 } // namespace tonex

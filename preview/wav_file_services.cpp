@@ -4,8 +4,8 @@
 #include "platform/refusal.h"
 #include "score/file_services.h"
 
+#include <algorithm>
 #include <cstring>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -90,6 +90,17 @@ std::int16_t sndfile2wavfile(const WaveTable& table, const std::wstring& snd_pat
     if (patched) KeepReason(reason);
     RemoveFile(wav_path);
     return kFailed;
+}
+
+std::optional<int> SecondsOfSound(const std::wstring& wav_path) {
+    std::vector<std::uint8_t> header;
+    if (!ReadWholeFile(wav_path, header, kWavHeaderSize) || header.size() < kWavHeaderSize)
+        return std::nullopt;
+    const std::uint32_t samples = header[40] | std::uint32_t{header[41]} << 8 |
+                                  std::uint32_t{header[42]} << 16 | std::uint32_t{header[43]} << 24;
+    const std::array<std::uint8_t, kWavHeaderSize> ours = WavHeader(samples);
+    if (!std::equal(header.begin(), header.end(), ours.begin())) return std::nullopt;
+    return static_cast<int>(samples / static_cast<std::uint32_t>(kSampleRate)) + 1;
 }
 
 } // namespace tonex

@@ -4,6 +4,7 @@
 #include "preview/synthesis.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace tonex {
@@ -22,5 +23,9 @@ struct ConversionProgress {
 std::int16_t sndfile2wavfile(const WaveTable& table, const std::wstring& snd_path,
                              const std::wstring& wav_path, const ConversionProgress& progress,
                              std::string* reason = nullptr);
+
+/// The length in whole seconds, rounded up, of the sound in a WAV file that the editor wrote; nothing when
+/// its header is not the editor's or the file can not be read.
+std::optional<int> SecondsOfSound(const std::wstring& wav_path);
 
 } // namespace tonex

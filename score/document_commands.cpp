@@ -11,6 +11,7 @@
 #include "score/file_services.h"
 #include "score/message_services.h"
 #include "view/drawing_commands.h"
+#include "view/note_entry_commands.h"
 #include "view/tempo_commands.h"
 
 #include <algorithm>
@@ -95,6 +96,13 @@ void ShowLoadedScore(sndmain& window) {
     DrawStrip(window, 0);
 }
 
+/// Nothing was written: because of the disk, or of an entry at a slot that no file can hold (-1: none).
+void TellNotSaved(sndmain& window, int slot) {
+    if (slot < 0) return TellWriteError();
+    grdScore_SelChange(window, slot, slot); // the user sees it behind the message and has it to hand then
+    TellEntryNotSaved(slot + 1, IsNote(SlotAt(window, slot).code));
+}
+
 void StartUntitled(sndmain& window) {
     window.document.current_path.clear();
     window.document.location_flag = kOnPc;
@@ -147,13 +155,13 @@ bool LoadDocument(sndmain& window, std::wstring_view suffix) {
     return failed;
 }
 
-void EndSave(sndmain& window, SndResult result, int entries_left_out, const std::wstring& path,
+void EndSave(sndmain& window, const SndEncoding& melody, SndResult result, const std::wstring& path,
              std::int16_t location) {
     switch (result) {
-    case kSndWriteError: return TellWriteError();
+    case kSndWriteError: return TellNotSaved(window, melody.fault_entry);
     case kSndNotFound:
     case kSndBadFormat: TellReadError(); break;
-    case kSndFull: TellHowManyDidNotFit(entries_left_out); break;
+    case kSndFull: TellHowManyDidNotFit(melody.entries_left_out); break;
     case kSndDone: break;
     }
     window.document.current_path = path;
@@ -164,7 +172,7 @@ void EndSave(sndmain& window, SndResult result, int entries_left_out, const std:
 SndResult SaveDocument(sndmain& window, const std::wstring& path) {
     const SndEncoding melody = EncodeSnd(window.tables, TempoForWriting(window), BuildSaveList(window.score));
     const SndResult result = SaveSndFile(melody, path);
-    EndSave(window, result, melody.entries_left_out, path, kOnPc);
+    EndSave(window, melody, result, path, kOnPc);
     if (IsWritten(result)) SweepAbandonedSaves(FolderOfPath(path));
     return result;
 }

@@ -25,11 +25,11 @@ bool AskToSaveChanges(sndmain& window);
 bool LoadDocument(sndmain& window, std::wstring_view suffix);
 /// Saves the score as a PC file, as EndSave says. The changed flag stays as it is.
 SndResult SaveDocument(sndmain& window, const std::wstring& path);
-/// Ends a save, on the PC or the device, with what became of it. kSndWriteError: the user is told "Write
-/// error!"; path, location and title stay. Otherwise `path` becomes the current path, `location` (kOnPc or
-/// kOnDevice) its place, and the title is set; the user is told of a tempo that is not in the list ("Read
-/// error!") and of entries left out.
-void EndSave(sndmain& window, SndResult result, int entries_left_out, const std::wstring& path,
+/// Ends a save of `melody`, on the PC or the device, with what became of it. kSndWriteError: path, location
+/// and title stay; the user is told "Write error!", or which entry no file can hold, and the cursor is put on
+/// it. Otherwise `path` becomes the current path, `location` (kOnPc or kOnDevice) its place, and the title is
+/// set; the user is told of a tempo that is not in the list ("Read error!") and of entries left out.
+void EndSave(sndmain& window, const SndEncoding& melody, SndResult result, const std::wstring& path,
              std::int16_t location);
 
 /// New: an empty untitled score.

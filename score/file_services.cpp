@@ -3,31 +3,35 @@
 #include "link/paths.h"
 #include "platform/files.h"
 #include "platform/refusal.h"
-#include "score/number_text.h"
+#include "score/temporary_names.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
-#include <string_view>
 #include <vector>
 
 namespace tonex {
 
 namespace {
 
-constexpr std::wstring_view kTemporaryStart = L"~snd";
-constexpr std::wstring_view kTemporaryEnd = L".tmp";
 constexpr std::uint32_t kGuarding = kAttributeReadOnly | kAttributeHidden | kAttributeSystem;
 constexpr int kNameTries = 8;
-constexpr int kTries = 5;            ///< of an operation that a scanner may block for moments
-constexpr std::uint32_t kPause = 20; ///< milliseconds between them
-constexpr std::uint64_t kAbandonedAge = 24 * 60 * 60; ///< seconds; no save takes a day
 
-template <class Operation> bool WithRetries(Operation operation) {
-    for (int i = 0; i < kTries; ++i) {
-        if (i > 0) PauseBriefly(kPause);
-        if (operation()) return true;
+/// Milliseconds between the tries of an errand that a scanner or a synchroniser blocks; 1.5 seconds in all.
+constexpr std::array<std::uint32_t, 8> kPauses = {10, 20, 40, 80, 150, 250, 400, 550};
+
+/// The pauses that an errand has made for files that other programs hold.
+struct Patience {
+    std::size_t pauses = 0;
+};
+
+/// Tries an operation until it succeeds, fails for good, or the errand's patience is at its end.
+template <class Operation> bool Try(Patience& patience, Operation operation) {
+    while (!operation()) {
+        if (!FileIsBusy() || patience.pauses == kPauses.size()) return false;
+        PauseBriefly(kPauses[patience.pauses++]);
     }
-    return false;
+    return true;
 }
 
 /// The part of a path in front of the file name. A path that starts with a slash is one of a POSIX system,
@@ -37,20 +41,20 @@ std::wstring FolderBeside(const std::wstring& path) {
 }
 
 /// Creates a new file beside the target; `name` is its path, also when what follows fails.
-OutputFilePtr CreateBeside(const std::wstring& target, std::wstring& name) {
-    for (int i = 0; i < kNameTries; ++i) {
-        name = FolderBeside(target);
-        name += kTemporaryStart;
-        name += std::to_wstring(UniqueNumber());
-        name += kTemporaryEnd;
-        if (OutputFilePtr file = CreateOutput(name)) return file;
+OutputFilePtr CreateBeside(Patience& patience, const std::wstring& target, std::wstring& name) {
+    const std::wstring folder = FolderBeside(target);
+    OutputFilePtr file;
+    for (int i = 0; i < kNameTries && !file; ++i) {
+        name = folder + SaveName(UniqueNumber());
+        Try(patience, [&] { return (file = CreateOutput(name)) != nullptr; });
     }
-    return nullptr;
+    return file;
 }
 
-bool WriteAndClose(OutputFilePtr file, std::span<const std::uint8_t> bytes) {
-    if (!WriteOutput(*file, bytes.data(), bytes.size())) return false;
-    if (!FlushOutput(*file)) return false;
+bool WriteAndClose(Patience& patience, OutputFilePtr file, std::span<const std::uint8_t> bytes) {
+    // A file that is busy has taken nothing, so the same bytes may be offered again.
+    if (!Try(patience, [&] { return WriteOutput(*file, bytes.data(), bytes.size()); })) return false;
+    if (!Try(patience, [&] { return FlushOutput(*file); })) return false;
     return CloseOutput(std::move(file));
 }
 
@@ -61,39 +65,39 @@ bool Refused(std::string& reason) {
 }
 
 /// Whether the disk gives back what it took; one byte more is asked for, so that a longer file shows.
-bool HoldsExactly(const std::wstring& path, std::span<const std::uint8_t> bytes) {
+bool HoldsExactly(Patience& patience, const std::wstring& path, std::span<const std::uint8_t> bytes) {
     std::vector<std::uint8_t> read;
-    if (!ReadWholeFile(path, read, bytes.size() + 1)) return false;
+    if (!Try(patience, [&] { return ReadWholeFile(path, read, bytes.size() + 1); })) return false;
     return std::equal(read.begin(), read.end(), bytes.begin(), bytes.end());
 }
 
 /// Fills the new file at the path and looks whether the disk has it.
-bool WriteTo(OutputFilePtr file, const std::wstring& path, std::span<const std::uint8_t> bytes,
-             std::string& reason) {
-    if (!WriteAndClose(std::move(file), bytes)) return Refused(reason);
-    if (HoldsExactly(path, bytes)) return true;
+bool WriteTo(Patience& patience, OutputFilePtr file, const std::wstring& path,
+             std::span<const std::uint8_t> bytes, std::string& reason) {
+    if (!WriteAndClose(patience, std::move(file), bytes)) return Refused(reason);
+    if (HoldsExactly(patience, path, bytes)) return true;
     reason = "what was written can not be read back";
     return false;
 }
 
-/// Puts a finished file in the place of the target, whose read-only, hidden and system attributes do not
-/// protect it. When the target stays, its attributes are as they were.
-bool Replace(const std::wstring& from, const std::wstring& target, std::string& reason) {
-    const std::optional<std::uint32_t> old = AttributesOf(target);
-    const bool guarded = old && (*old & kGuarding) != 0 && (*old & kAttributeDirectory) == 0;
-    if (guarded) WithRetries([&] { return SetAttributesOf(target, kAttributeArchive); });
-    if (WithRetries([&] { return RenameOver(from, target); })) return true;
-    Refused(reason);
-    if (guarded) WithRetries([&] { return SetAttributesOf(target, *old); });
-    return false;
+bool TrySetAttributes(Patience& patience, const std::wstring& path, std::uint32_t attributes) {
+    return Try(patience, [&] { return SetAttributesOf(path, attributes); });
 }
 
-bool IsAbandonedSaveName(std::wstring_view name) {
-    if (name.size() <= kTemporaryStart.size() + kTemporaryEnd.size()) return false;
-    if (!name.starts_with(kTemporaryStart) || !name.ends_with(kTemporaryEnd)) return false;
-    name.remove_prefix(kTemporaryStart.size());
-    name.remove_suffix(kTemporaryEnd.size());
-    return std::all_of(name.begin(), name.end(), IsDigit<wchar_t>);
+/// Puts a finished file in the place of the target, whose read-only, hidden and system attributes do not
+/// protect it. When the target stays, its attributes are as they were.
+bool Replace(Patience& patience, const std::wstring& from, const std::wstring& target, std::string& reason) {
+    std::optional<std::uint32_t> old;
+    Try(patience, [&] { return (old = AttributesOf(target)).has_value(); });
+    const bool folder = old && (*old & kAttributeDirectory) != 0;
+    if (folder) patience.pauses = kPauses.size(); // no waiting makes it a file
+    const bool guarded = old && (*old & kGuarding) != 0 && !folder;
+    if (guarded) TrySetAttributes(patience, target, kAttributeArchive);
+    if (Try(patience, [&] { return RenameOver(from, target); })) return true;
+    Refused(reason);
+    Patience afterwards;
+    if (guarded) TrySetAttributes(afterwards, target, *old);
+    return false;
 }
 
 } // namespace
@@ -101,11 +105,14 @@ bool IsAbandonedSaveName(std::wstring_view name) {
 bool SaveWholeFile(const std::wstring& path, std::span<const std::uint8_t> bytes, std::string* reason) {
     std::string unheard;
     std::string& why = reason == nullptr ? unheard : *reason;
+    Patience patience;
     std::wstring temporary;
-    OutputFilePtr file = CreateBeside(path, temporary);
+    OutputFilePtr file = CreateBeside(patience, path, temporary);
     if (!file) return Refused(why);
-    if (WriteTo(std::move(file), temporary, bytes, why) && Replace(temporary, path, why)) return true;
-    WithRetries([&] { return RemoveFile(temporary); });
+    if (WriteTo(patience, std::move(file), temporary, bytes, why) && Replace(patience, temporary, path, why))
+        return true;
+    Patience afterwards;
+    Try(afterwards, [&] { return RemoveFile(temporary); });
     return false;
 }
 
@@ -131,16 +138,17 @@ SndResult FileToSoundData(std::int16_t& tempo, FileList& list, const std::wstrin
 void SweepAbandonedSaves(const std::wstring& folder) {
     const std::wstring home = WithoutTrailingBackslash(folder) + L"\\";
     for (const std::wstring& name : ListFiles(folder, L"~snd*.tmp")) {
-        if (!IsAbandonedSaveName(name)) continue;
+        if (!IsSaveName(name)) continue;
         const std::optional<std::uint64_t> age = AgeOfFile(home + name);
         if (age && *age > kAbandonedAge) RemoveFile(home + name);
     }
 }
 
 void DeleteFileIfExists(const std::wstring& path) {
-    if (!FileExists(path)) return;
-    SetAttributesOf(path, kAttributeArchive);
-    WithRetries([&] { return RemoveFile(path); });
+    Patience patience;
+    if (!Try(patience, [&] { return FileExists(path); })) return;
+    TrySetAttributes(patience, path, kAttributeArchive);
+    Try(patience, [&] { return RemoveFile(path); });
 }
 
 } // namespace tonex

@@ -10,10 +10,13 @@
 
 namespace tonex {
 
+/// Age in seconds from which a temporary file of a save or an upload counts as left behind; none takes a day.
+inline constexpr std::uint64_t kAbandonedAge = 24 * 60 * 60;
+
 /// Writes bytes to a path through a checked temporary file in the same folder, renamed over the target. A
 /// read-only, hidden or system file at the path is replaced. False when anything failed: the old file is then
 /// as it was, attributes included, the temporary file is gone, and `reason`, which may be null, holds what
-/// the system gave for one, in UTF-8.
+/// the system gave for one, in UTF-8. What another program holds is tried again for 1.5 seconds.
 bool SaveWholeFile(const std::wstring& path, std::span<const std::uint8_t> bytes,
                    std::string* reason = nullptr);
 
@@ -33,7 +36,8 @@ SndResult FileToSoundData(std::int16_t& tempo, FileList& list, const std::wstrin
 void SweepAbandonedSaves(const std::wstring& folder);
 
 /// Deletes a file if a listing query that includes hidden and system files finds it: attributes to
-/// archive-only, then deletion. Errors are ignored.
+/// archive-only, then deletion, tried again for 1.5 seconds while another program holds it. Errors are
+/// ignored.
 void DeleteFileIfExists(const std::wstring& path);
 
 } // namespace tonex

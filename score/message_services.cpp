@@ -23,6 +23,12 @@ void TellWriteError() {
     ShowMessage(L"Write error!");
 }
 
+void TellEntryNotSaved(int entry, bool is_note) {
+    const std::wstring name = L"ntry " + std::to_wstring(entry);
+    ShowMessage(is_note ? L"The pitch of e" + name + L" is out of range and cannot be saved."
+                        : L"E" + name + L" is unknown and cannot be saved.");
+}
+
 void TellHowManyDidNotFit(int entries) {
     // The number stands between the words with nothing around it; kept as it is.
     ShowMessage(L"Cannot input the last" + std::to_wstring(entries) + L"music notes.");

@@ -14,6 +14,9 @@ inline constexpr const wchar_t* kNameTooLong =
 void TellReadError();
 /// A melody that could not be written; nothing was changed.
 void TellWriteError();
+/// A melody that could not be written because no file can hold one of its entries, counted from 1: a note
+/// whose pitch is out of range, or an entry that the editor does not know.
+void TellEntryNotSaved(int entry, bool is_note);
 /// A melody whose last entries, so many, were left out.
 void TellHowManyDidNotFit(int entries);
 

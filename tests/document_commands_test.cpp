@@ -601,12 +601,50 @@ TEST_F(DocumentTest, TheNumberOfNotesStandsBetweenTheWordsWithoutBlanks) {
     EXPECT_EQ(desktop::Told(), Texts{L"Cannot input the last173music notes."});
 }
 
-TEST_F(DocumentTest, SaveOfAPitchThatNoFileHoldsIsAWriteError) {
+TEST_F(DocumentTest, SaveOfAPitchThatNoFileHoldsPutsTheCursorOnItAndSaysSo) {
+    for (const std::uint16_t pitch : {std::uint16_t{257}, std::uint16_t{0}, std::uint16_t{0xFFF0}}) {
+        ComposeAt(kTune);
+        desk.messages.clear();
+        window.score.sound[1].pitch = pitch;
+        mnuFileOverWrite_Click(window);
+        EXPECT_EQ(desktop::Told(), Texts{L"The pitch of entry 2 is out of range and cannot be saved."});
+        EXPECT_EQ(window.grdScore.view.Col, 1);
+        EXPECT_EQ(window.grdScore.view.ColSel, 1);
+    }
+}
+
+TEST_F(DocumentTest, SaveOfAnUnknownEntryPutsTheCursorOnItAndSaysSo) {
+    Compose(60);
+    window.document.current_path = kTune;
+    window.score.sound[45].code = 41; // a foreign file's code 120
+    grdScore_SelChange(window, 3, 6);
+    mnuFileOverWrite_Click(window);
+    EXPECT_EQ(desktop::Told(), Texts{L"Entry 46 is unknown and cannot be saved."});
+    EXPECT_EQ(window.grdScore.view.Col, 45);
+    EXPECT_EQ(window.grdScore.view.ColSel, 45);
+    EXPECT_EQ(window.score.first_shown, 16) << "the entry is in view";
+    EXPECT_EQ(window.score.strip_cursor, 29);
+    EXPECT_TRUE(window.score.changed);
+    EXPECT_FALSE(desk.files.contains(kTune));
+}
+
+TEST_F(DocumentTest, ARefusedDiskLeavesTheCursorAlone) {
+    Compose(60);
+    window.document.current_path = kTune;
+    desk.refusing_folders.insert(L"C:\\Songs");
+    grdScore_SelChange(window, 3, 6);
+    mnuFileOverWrite_Click(window);
+    EXPECT_EQ(desktop::Told(), Texts{L"Write error!"});
+    EXPECT_EQ(window.grdScore.view.Col, 3);
+    EXPECT_EQ(window.grdScore.view.ColSel, 6);
+}
+
+TEST_F(DocumentTest, SaveOfAPitchThatNoFileHoldsChangesNothing) {
     ComposeAt(kTune);
     window.score.sound[1].pitch = 257;
     desk.files[kTune] = {{1, 2, 3}};
     mnuFileOverWrite_Click(window);
-    ASSERT_EQ(desktop::Told(), Texts{L"Write error!"});
+    ASSERT_EQ(desk.messages.size(), 1u);
     EXPECT_EQ(desk.messages[0].icon, MessageIcon::Exclamation);
     EXPECT_EQ(desk.messages[0].buttons, MessageButtons::Ok);
     EXPECT_EQ(desk.files.at(kTune).bytes, (Bytes{1, 2, 3}));

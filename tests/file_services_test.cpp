@@ -225,6 +225,53 @@ TEST(SaveFile, GivesAReasonWhenTheDiskStoresSomethingElse) {
     EXPECT_EQ(reason, "what was written can not be read back");
 }
 
+TEST(SaveFile, EveryOperationOfABusyFileIsTriedAgain) {
+    for (const std::uint32_t attributes : {kAttributeArchive, kAttributeArchive | kAttributeReadOnly}) {
+        const int operations = OperationsOfAGoodSave(attributes);
+        for (int fail_at = 0; fail_at < operations; ++fail_at) {
+            desktop::Desktop& desk = DiskWithOldFile(attributes);
+            desk.fail_at = fail_at;
+            const bool closing = [&] {
+                const bool saved = SaveWholeFile(kPath, kNew);
+                const bool gave_up = desktop::Asked("CloseOutput") && !desktop::Asked("ReadWholeFile");
+                EXPECT_EQ(saved, !gave_up) << "operation " << fail_at;
+                return gave_up;
+            }();
+            EXPECT_EQ(TimesAsked("PauseBriefly"), closing ? 0 : 1) << "operation " << fail_at;
+        }
+    }
+}
+
+TEST(SaveFile, WhatStaysBusyIsTriedForOneAndAHalfSecondsWithGrowingPauses) {
+    for (const char* call : {"CreateOutput", "FlushOutput", "ReadWholeFile", "RenameOver"}) {
+        desktop::Desktop& desk = DiskWithOldFile();
+        desk.refused = {call};
+        EXPECT_FALSE(SaveWholeFile(kPath, kNew)) << call;
+        int total = 0, last = 0;
+        for (const std::string& line : desk.log) {
+            if (!line.starts_with("PauseBriefly ")) continue;
+            const int pause = std::stoi(line.substr(line.find(' ')));
+            EXPECT_GT(pause, last) << call;
+            total += last = pause;
+        }
+        EXPECT_EQ(total, 1500) << call;
+        EXPECT_EQ(desk.files.at(kPath).bytes, kOld);
+        EXPECT_EQ(TemporaryFiles(), 0) << call;
+    }
+}
+
+TEST(SaveFile, WhatIsRefusedForGoodIsNotWaitedFor) {
+    for (const char* call : {"CreateOutput", "WriteOutput", "FlushOutput", "CloseOutput", "ReadWholeFile",
+                             "SetAttributesOf", "RenameOver"}) {
+        desktop::Desktop& desk = DiskWithOldFile(kAttributeArchive | kAttributeReadOnly);
+        desk.refused = {call};
+        desk.failing_is_busy = false;
+        SaveWholeFile(kPath, kNew);
+        EXPECT_EQ(TimesAsked("PauseBriefly"), 0) << call;
+        EXPECT_EQ(desk.files.at(kPath).bytes, kOld);
+    }
+}
+
 TEST(SaveFile, AFolderThatRefusesGivesUpSoon) {
     desktop::Desktop& desk = DiskWithOldFile();
     desk.refusing_folders.insert(L"C:\\Songs");

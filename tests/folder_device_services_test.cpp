@@ -138,6 +138,7 @@ TEST(FolderDevice, AnUploadIsAllOrNothingWhateverFails) {
             AddFile(desk, L"C:\\Temp\\Snd1.tmp", "melody");
             desk.fail_at = operation;
             desk.fail_for_good = for_good;
+            desk.failing_is_busy = false;
             const bool put = PutDeviceFile(kDevice, L"\\System\\sound\\A.SND", L"C:\\Temp\\Snd1.tmp");
             failures += !put;
             EXPECT_EQ(BytesOf(desk, kSound + L"A.SND"), put ? "melody" : "old") << operation;

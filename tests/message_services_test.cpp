@@ -37,6 +37,13 @@ TEST_F(Messages, ErrorsAreToldInTwoWords) {
     EXPECT_EQ(desktop::Told(), (Texts{L"Read error!", L"Write error!"}));
 }
 
+TEST_F(Messages, AnEntryThatNoFileHoldsIsToldByItsNumber) {
+    TellEntryNotSaved(12, true);
+    TellEntryNotSaved(1, false);
+    EXPECT_EQ(desktop::Told(), (Texts{L"The pitch of entry 12 is out of range and cannot be saved.",
+                                      L"Entry 1 is unknown and cannot be saved."}));
+}
+
 TEST_F(Messages, ExtensionSndPassesInAnyLetterCase) {
     for (const wchar_t* path : {L"C:\\ABC.snd", L"ABC.SND", L"ABC.sNd", L".snd"})
         EXPECT_TRUE(CheckSndExtension(path)) << desktop::Utf8(path);

@@ -3,10 +3,12 @@
 #include "app/sndmain.h"
 #include "app/window_routes.h"
 #include "platform/files.h"
+#include "preview/leftover_services.h"
 #include "preview/preview_commands.h"
 #include "preview/synthesis.h"
 #include "preview/wav_file_services.h"
 #include "score/snd_file.h"
+#include "score/temporary_names.h"
 #include "tests/desktop/desktop.h"
 
 #include <gtest/gtest.h>
@@ -212,13 +214,6 @@ TEST_F(Preview, PitchAndCodesThatNoFileHoldsAreAWriteError) {
 }
 
 // Temporary names.
-
-TEST_F(Preview, FileNameIsTwoDollarsHourMinuteSecond) {
-    EXPECT_EQ(PreviewFileName(0, L".snd"), L"$$000000.snd");
-    EXPECT_EQ(PreviewFileName(45296, L".wav"), L"$$123456.wav");
-    EXPECT_EQ(PreviewFileName(32949, L".snd"), L"$$090909.snd");
-    EXPECT_EQ(PreviewFileName(86399, L".snd"), L"$$235959.snd");
-}
 
 TEST_F(Preview, TheTwoNamesAreFormedAtDifferentMoments) {
     FourEntries();
@@ -716,7 +711,27 @@ TEST_F(Preview, FileHeldForMomentsIsDeletedAfterAll) {
         desk.fail_at = desk.file_operations + 1; // the attributes can not be set the first time
     };
     mnuPreview_Click(window);
-    EXPECT_TRUE(desktop::Asked("PauseBriefly 50"));
+    EXPECT_TRUE(desktop::Asked("PauseBriefly"));
+    ExpectNothingLeft();
+}
+
+TEST_F(Preview, FileThatThePlayerKeepsIsDeletedByTheNextPreview) {
+    FourEntries();
+    desk.polls_until_exit = 0;
+    desk.on_start = [&](const std::wstring&) { desk.refused = {"RemoveFile"}; };
+    mnuPreview_Click(window);
+    ExpectIdle();
+    EXPECT_TRUE(desk.messages.empty());
+    EXPECT_EQ(window.leftovers, (std::vector<std::wstring>{kWavPath, kSndPath}));
+    EXPECT_EQ(Left().size(), 2u);
+
+    desk.refused.clear();
+    desk.on_start = nullptr;
+    desk.second = 57;
+    desk.log.clear();
+    mnuPreview_Click(window);
+    EXPECT_LT(Find("RemoveFile C:\\Temp\\$$123456.wav"), Find("CreateOutput"));
+    EXPECT_TRUE(window.leftovers.empty());
     ExpectNothingLeft();
 }
 

@@ -68,6 +68,12 @@ TEST_F(StartUpTest, TheOrderOfDesktopCallsIsTheListsOrder) {
         "ProgramFolder",
         "ReadSetting Corvane\\Tonex\\DoremiFlag",
         "ReadSetting Corvane\\Tonex\\File1",
+        "TemporaryFolder",
+        "TemporaryFolder",
+        "ListFiles C:\\Temp\\ $$\?\?\?\?\?\?.wav",
+        "ListFiles C:\\Temp\\ $$\?\?\?\?\?\?.snd",
+        "ListFiles C:\\Temp\\ Snd*.tmp",
+        "ListFiles C:\\Temp\\ ~snd*.tmp",
     };
     EXPECT_EQ(desk.log, expected);
 }
@@ -322,6 +328,39 @@ TEST_F(StartUpTest, ClosingAsksDisconnectsAndStoresThePlacementInThisOrder) {
     EXPECT_EQ(desk.log,
               (Log{"ShowMessage Do you want to save the changes?", "Cor_DoDisconnect",
                    "GetMainWindowPlacement", "WriteSetting Corvane\\Tonex\\WindwInformation 1,0,0,0,0"}));
+}
+
+TEST_F(StartUpTest, AStartDeletesWhatKilledRunsLeftInBothFoldersForTemporaryFiles) {
+    constexpr std::uint64_t kOld = 100000; // seconds
+    desk.code_page = 1252;
+    desk.temporary_folder = L"C:\\Users\\\x5F20\\Temp\\";
+    desk.files[desk.temporary_folder + L"$$235959.wav"] = {{1}, 32, kOld};
+    desk.files[desk.temporary_folder + L"$$235959.txt"] = {{1}, 32, kOld};
+    desk.files[L"C:\\Link\\Snd1A.tmp"] = {{1}, 32, kOld};
+    desk.files[L"C:\\Link\\Snd1B.tmp"] = {{1}, 32, 5};
+    ASSERT_EQ(Start(), StartResult::Run);
+    EXPECT_FALSE(desk.files.contains(desk.temporary_folder + L"$$235959.wav"));
+    EXPECT_TRUE(desk.files.contains(desk.temporary_folder + L"$$235959.txt"));
+    EXPECT_FALSE(desk.files.contains(L"C:\\Link\\Snd1A.tmp"));
+    EXPECT_TRUE(desk.files.contains(L"C:\\Link\\Snd1B.tmp"));
+}
+
+TEST_F(StartUpTest, ASecondCopyDeletesNothing) {
+    desk.previous_instance = true;
+    desk.files[L"C:\\Temp\\$$235959.wav"] = {{1}, 32, 100000};
+    EXPECT_EQ(Start(), StartResult::EndSilent);
+    EXPECT_TRUE(desk.files.contains(L"C:\\Temp\\$$235959.wav"));
+}
+
+TEST_F(StartUpTest, ClosingDeletesWhatAPlayerHeld) {
+    StartAndCompose();
+    desk.files[L"C:\\Temp\\$$235959.wav"] = {{1}};
+    window.leftovers = {L"C:\\Temp\\$$235959.wav"};
+    desk.answers = {MessageAnswer::Cancel, MessageAnswer::No};
+    EXPECT_FALSE(CloseAllowed(window));
+    EXPECT_TRUE(desk.files.contains(L"C:\\Temp\\$$235959.wav"));
+    EXPECT_TRUE(CloseAllowed(window));
+    EXPECT_FALSE(desk.files.contains(L"C:\\Temp\\$$235959.wav"));
 }
 
 TEST_F(StartUpTest, ClosingASecondCopyEndsItWithoutTheSavePrompt) {

@@ -240,6 +240,10 @@ std::uint32_t UniqueNumber() {
     return static_cast<std::uint32_t>(now.tv_nsec) ^ (static_cast<std::uint32_t>(getpid()) << 16);
 }
 
+bool FileIsBusy() {
+    return errno == EBUSY || errno == ETXTBSY;
+}
+
 std::string ReasonOfRefusal() {
     return std::strerror(errno);
 }

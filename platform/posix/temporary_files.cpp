@@ -23,6 +23,10 @@ std::wstring TemporaryFolder() {
     return folder;
 }
 
+std::wstring ShortNameOf(const std::wstring& path) {
+    return path; // disks here keep no short names
+}
+
 std::wstring CreateTemporaryFile(const std::wstring& folder, const std::wstring& prefix) {
     std::wstring front = folder;
     if (!front.empty() && front.back() != L'/') front.push_back(L'/');

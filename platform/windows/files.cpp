@@ -37,6 +37,12 @@ std::wstring_view WithoutEndingBackslashes(std::wstring_view path) {
     return path;
 }
 
+// Lets an error outlive what is cleaned up behind it.
+struct KeepError {
+    DWORD error = GetLastError();
+    ~KeepError() { SetLastError(error); }
+};
+
 bool WriteAll(HANDLE handle, const std::uint8_t* bytes, std::size_t count) {
     while (count > 0) {
         const DWORD part = static_cast<DWORD>(std::min<std::size_t>(count, kLargestTransfer));
@@ -89,6 +95,7 @@ bool SameLetter(wchar_t a, wchar_t b) {
 } // namespace
 
 bool FileExists(const std::wstring& path) {
+    SetLastError(ERROR_INVALID_NAME);
     if (path.empty() || HasWildcard(path) || path.ends_with(L'\\')) return false;
     WIN32_FIND_DATAW found;
     const HANDLE listing = FindFirstFileW(path.c_str(), &found);
@@ -129,6 +136,7 @@ bool ReadWholeFile(const std::wstring& path, std::vector<std::uint8_t>& bytes, s
     } catch (const std::bad_alloc&) {
         good = false;
     }
+    const KeepError error;
     CloseHandle(handle);
     if (!good) bytes.clear();
     return good;
@@ -231,6 +239,16 @@ std::uint32_t UniqueNumber() {
         return GetCurrentProcessId() * 2654435761u ^ GetTickCount() * 40503u ^ fine.LowPart;
     }();
     return start + static_cast<std::uint32_t>(InterlockedIncrement(&counter));
+}
+
+bool FileIsBusy() {
+    switch (GetLastError()) {
+    case ERROR_ACCESS_DENIED: // a file that is open without sharing its deletion
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+    case ERROR_USER_MAPPED_FILE: return true;
+    default: return false;
+    }
 }
 
 std::string ReasonOfRefusal() {

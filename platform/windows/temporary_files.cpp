@@ -14,6 +14,13 @@ std::wstring TemporaryFolder() {
     return std::wstring(folder, length);
 }
 
+std::wstring ShortNameOf(const std::wstring& path) {
+    wchar_t name[MAX_PATH];
+    const DWORD length = GetShortPathNameW(path.c_str(), name, static_cast<DWORD>(std::size(name)));
+    if (length == 0 || length >= std::size(name)) return path;
+    return std::wstring(name, length);
+}
+
 std::wstring CreateTemporaryFile(const std::wstring& folder, const std::wstring& prefix) {
     wchar_t path[MAX_PATH + 1] = L"";
     if (GetTempFileNameW(folder.c_str(), prefix.c_str(), 0, path) == 0) return {};

@@ -131,13 +131,16 @@ bool Operation(const std::string& call, const std::wstring& path) {
     Desktop& desk = Current();
     Log(call, path);
     const int number = desk.file_operations++;
+    desk.last_was_busy = false;
     if (number == desk.stop_at) {
         LoseUnflushed();
         throw desktop::MachineStopped{};
     }
-    if (desk.refused.contains(call)) return false;
-    if (desk.fail_at < 0) return true;
-    return desk.fail_for_good ? number < desk.fail_at : number != desk.fail_at;
+    const bool failing =
+        desk.fail_at >= 0 && (desk.fail_for_good ? number >= desk.fail_at : number == desk.fail_at);
+    if (!failing && !desk.refused.contains(call)) return true;
+    desk.last_was_busy = desk.failing_is_busy;
+    return false;
 }
 
 std::wstring Plain(std::wstring path) {
@@ -242,6 +245,10 @@ std::string ReasonOfRefusal() {
     return Current().log.empty() ? "" : "refused: " + Current().log.back();
 }
 
+bool FileIsBusy() {
+    return Current().last_was_busy;
+}
+
 bool FileExists(const std::wstring& path) {
     return Operation("FileExists", path) && Current().files.contains(path);
 }
@@ -315,7 +322,7 @@ OutputFilePtr CreateOutput(const std::wstring& path) {
 bool WriteOutput(OutputFile& file, const std::uint8_t* bytes, std::size_t count) {
     Desktop& desk = Current();
     const bool good = Operation("WriteOutput", file.path + L" " + std::to_wstring(count));
-    std::size_t taken = good ? count : count / 2;
+    std::size_t taken = good ? count : desk.last_was_busy ? 0 : count / 2;
     if (desk.disk_space) {
         taken = std::min(taken, *desk.disk_space);
         *desk.disk_space -= taken;
@@ -398,6 +405,12 @@ std::uint32_t UniqueNumber() {
 std::wstring TemporaryFolder() {
     Log("TemporaryFolder");
     return Current().temporary_folder;
+}
+
+std::wstring ShortNameOf(const std::wstring& path) {
+    Log("ShortNameOf", path);
+    const auto found = Current().short_names.find(path);
+    return found == Current().short_names.end() ? path : found->second;
 }
 
 std::wstring CreateTemporaryFile(const std::wstring& folder, const std::wstring& prefix) {

@@ -88,6 +88,8 @@ struct Desktop {
     std::set<std::string> refused;         ///< operations that always fail, by name: "RenameOver"
     bool garbles_writes = false;           ///< the disk stores another first byte than it was given
     bool lengthens_writes = false;         ///< the disk stores a byte more than it was given
+    bool failing_is_busy = true;           ///< what fails by the script is held by another program
+    bool last_was_busy = false;            ///< of the last operation; what FileIsBusy answers
     std::uint32_t unique_number = 0;       ///< UniqueNumber counts it up
     std::optional<std::size_t> disk_space; ///< bytes that can still be written
     bool in_flight_truncated = true;       ///< a file dropped without CloseOutput keeps only half its bytes
@@ -102,7 +104,8 @@ struct Desktop {
     int wave_outputs = 1;
     int hour = 12, minute = 34, second = 56;
     ScreenMeasures screen;
-    std::wstring current_folder = L"C:\\Home"; ///< relative paths count from it
+    std::wstring current_folder = L"C:\\Home";        ///< relative paths count from it
+    std::map<std::wstring, std::wstring> short_names; ///< of folders that have one
     std::wstring temporary_folder = L"C:\\Temp\\";
     unsigned code_page = 932;
 

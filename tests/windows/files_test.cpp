@@ -1,5 +1,7 @@
 #include "platform/files.h"
 
+#include "link/folder_device_services.h"
+#include "platform/refusal.h"
 #include "platform/temporary_files.h"
 #include "score/file_services.h"
 #include "tests/windows/support.h"
@@ -8,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <set>
 
 using namespace tonex;
@@ -230,6 +233,36 @@ TEST(Output, DroppedWithoutClosingLeavesNoHandleOpen) {
     EXPECT_FALSE(CloseOutput(nullptr));
 }
 
+TEST(FileIsBusy, TellsAHeldFileFromWhatWillNeverSucceed) {
+    const TestFolder folder;
+    const std::wstring held_path = folder / L"held", there = folder / L"there";
+    WriteBytes(held_path, "x");
+    WriteBytes(there, "x");
+    const HeldFile held(held_path);
+    std::vector<std::uint8_t> bytes;
+    EXPECT_FALSE(RemoveFile(held_path));
+    EXPECT_TRUE(FileIsBusy());
+    EXPECT_FALSE(ReadWholeFile(held_path, bytes, 9));
+    EXPECT_TRUE(FileIsBusy());
+    EXPECT_FALSE(RenameOver(there, held_path));
+    EXPECT_TRUE(FileIsBusy());
+    for (const std::wstring& path :
+         {folder / L"missing", folder / L"missing\\a", folder / L"a*", std::wstring()}) {
+        EXPECT_FALSE(RemoveFile(path));
+        EXPECT_FALSE(FileIsBusy());
+        EXPECT_FALSE(FileExists(path));
+        EXPECT_FALSE(FileIsBusy());
+        EXPECT_FALSE(ReadWholeFile(path, bytes, 9));
+        EXPECT_FALSE(FileIsBusy());
+        EXPECT_FALSE(AttributesOf(path));
+        EXPECT_FALSE(FileIsBusy());
+    }
+    EXPECT_FALSE(CreateOutput(there));
+    EXPECT_FALSE(FileIsBusy());
+    EXPECT_FALSE(CreateOutput(folder / L"missing\\a"));
+    EXPECT_FALSE(FileIsBusy());
+}
+
 TEST(RenameOver, ReplacesTheTarget) {
     const TestFolder folder;
     WriteBytes(folder / L"new", "new");
@@ -359,6 +392,29 @@ TEST(TemporaryFile, IsMadeWithPrefixAndANumber) {
     }
 }
 
+TEST(ShortName, SpellsAFolderInAnotherScript) {
+    const TestFolder folder;
+    const std::wstring other = folder / L"\x5F20\x4E09\x97F3";
+    MakeFolder(other);
+    ASSERT_FALSE(FitsAnsi(other));
+    const std::wstring name = ShortNameOf(other + L"\\");
+    EXPECT_TRUE(FitsAnsi(name));
+    EXPECT_EQ(name.back(), L'\\');
+    const std::wstring path = CreateTemporaryFile(name, L"Snd");
+    ASSERT_FALSE(path.empty());
+    EXPECT_TRUE(SaveWholeFile(path, Bytes("melody")));
+    const std::vector<std::wstring> found = ListFiles(other, L"*");
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(ReadBytes(other + L"\\" + found[0]), "melody");
+    EXPECT_TRUE(RemoveFile(path));
+    EXPECT_EQ(ListFiles(other, L"*").size(), 0u);
+}
+
+TEST(ShortName, OfAMissingFolderIsTheNameItWasGiven) {
+    const TestFolder folder;
+    EXPECT_EQ(ShortNameOf(folder / L"missing\\"), folder / L"missing\\");
+}
+
 TEST(TemporaryFile, OfAMissingFolderIsEmpty) {
     const TestFolder folder;
     EXPECT_EQ(CreateTemporaryFile(folder / L"missing\\", L"Snd"), L"");
@@ -383,6 +439,19 @@ TEST(SaveWholeFileOnDisk, AFileHeldByAnotherStaysWholeAndNothingIsLeftBehind) {
     }
     EXPECT_EQ(ReadBytes(folder / L"a.snd"), "old");
     EXPECT_TRUE(AttributesOf(folder / L"a.snd").value() & kAttributeReadOnly);
+    EXPECT_EQ(ListFiles(folder.path, L"*"), std::vector<std::wstring>{L"a.snd"});
+}
+
+TEST(SaveWholeFileOnDisk, AFileThatIsHeldForMomentsIsReplacedAfterAll) {
+    const TestFolder folder;
+    WriteBytes(folder / L"a.snd", "old");
+    auto held = std::make_unique<HeldFile>(folder / L"a.snd");
+    const Hands scanner([&] {
+        Sleep(600);
+        held.reset();
+    });
+    EXPECT_TRUE(SaveWholeFile(folder / L"a.snd", Bytes("new")));
+    EXPECT_EQ(ReadBytes(folder / L"a.snd"), "new");
     EXPECT_EQ(ListFiles(folder.path, L"*"), std::vector<std::wstring>{L"a.snd"});
 }
 
