@@ -24,7 +24,7 @@ as_root() {
 packages="cmake ninja-build g++ g++-mingw-w64-i686-win32 googletest libgtest-dev libbenchmark-dev libcli11-dev
 nlohmann-json3-dev libpng-dev python3 python3-markdown-it
 wine wine32:i386 fonts-vlgothic fonts-wine locales xvfb openbox
-clang-format python3-pytest python3-xlib python3-pil libasound2-plugins:i386 sox strace"
+clang-format python3-pytest python3-pytest-xdist python3-xlib python3-pil libasound2-plugins:i386 sox strace"
 
 missing_packages() {
     # One query for all; a package that was never heard of has no line.
@@ -82,8 +82,17 @@ install_packages() {
     fi
 }
 
-# build PRESET TARGET…: configures once and builds quietly.
+# build PRESET TARGET…: configures once and builds quietly. One build of a preset at a time: suites that run side by
+# side wait for each other.
 build() {
+    mkdir -p "$root/build"
+    (
+        flock 8
+        build_alone "$@" 8>&-
+    ) 8>"$root/build/.$1.lock"
+}
+
+build_alone() {
     local preset=$1 log="$logs/build-$1.log"
     shift
     if [ ! -f "$root/build/$preset/build.ninja" ]; then
@@ -109,7 +118,10 @@ wine_template() {
     stamp="$(wine --version 2>/dev/null) $(cksum <"$fonts") 2"
     (
         flock 9
-        [ "$(cat "$template/stamp" 2>/dev/null)" = "$stamp" ] && exit 0
+        if [ "$(cat "$template/stamp" 2>/dev/null)" = "$stamp" ]; then
+            # Copies share files with it: what was written since would be in all of them.
+            [ -z "$(find "$template" -newer "$template/stamp" -type f -print -quit)" ] && exit 0
+        fi
         say "Preparing Wine (once)"
         rm -rf "$template" "$template.new"
         export WINEPREFIX="$template.new"
@@ -134,7 +146,7 @@ wine_template() {
 new_prefix() {
     wine_template || return 1
     rm -rf "$1"
-    cp -a "$root/build/wine-template" "$1"
+    "$root/resources/scripts/copy_prefix" "$root/build/wine-template" "$1"
 }
 
 # What the link software's set-up program leaves behind: the registry entry and the folders. For `wine`'s
@@ -155,7 +167,7 @@ display_usable() {
 # A virtual screen with a window manager; sets DISPLAY and remembers what to end.
 screen_pids=""
 start_screen() {
-    local pipe="$root/build/.display.$$" number=""
+    local pipe="$root/build/.display.$BASHPID" number=""
     rm -f "$pipe"
     mkfifo "$pipe" || return 1
     Xvfb -displayfd 7 -screen 0 1920x1200x24 -nolisten tcp 7>"$pipe" >"$logs/xvfb.log" 2>&1 &

@@ -7,7 +7,7 @@ import pathlib
 import shutil
 import subprocess
 
-from building import BUILD, WINDOWS_BUILD, program
+from building import BUILD, ROOT, WINDOWS_BUILD, program
 
 INSTALL_DIR = "C:\\Link"
 SOUND_FOLDER = INSTALL_DIR + "\\userdata\\sound\\"
@@ -65,7 +65,7 @@ class Prefix:
         folder.mkdir(parents=True, exist_ok=True)
         sweep(folder)
         self.path = folder / f"{name}-{os.getpid()}"
-        subprocess.run(["cp", "-a", str(BUILD / "wine-template"), str(self.path)], check=True)
+        subprocess.run([ROOT / "resources/scripts/copy_prefix", BUILD / "wine-template", self.path], check=True)
         if link_entry:
             self.register(LINK_ENTRY, {"InstallDir": INSTALL_DIR})
         self.register("Control Panel\\Desktop", {"LogPixels": dpi})

@@ -1,4 +1,4 @@
-"""One virtual screen a session, one Wine prefix a module, one fresh editor a test."""
+"""One virtual screen a session or a worker, one Wine prefix a module, one fresh editor a test."""
 
 import os
 import re
@@ -15,6 +15,12 @@ from prefix import SCREEN_SIZE, Prefix, virtual_screen
 from sound_device import Device
 from wine_paths import windows_path
 from xscreen import Screen
+
+
+@pytest.hookimpl(optionalhook=True)
+def pytest_xdist_make_scheduler(config, log):
+    from shares import Shares
+    return Shares(config, log)
 
 
 @pytest.fixture(scope="session")
@@ -122,7 +128,7 @@ def slow_sound(prefix, tmp_path, monkeypatch):
 @pytest.fixture
 def small_disk():
     """A file system of 64 KB."""
-    folder = BUILD / "small-disk"
+    folder = BUILD / f"small-disk-{os.getpid()}"
     folder.mkdir(parents=True, exist_ok=True)
     sudo = [] if os.geteuid() == 0 else ["sudo", "-n"]
     subprocess.run([*sudo, "mount", "-t", "tmpfs", "-o", f"size=64k,uid={os.geteuid()}", "tmpfs", str(folder)],

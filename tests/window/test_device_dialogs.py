@@ -1,5 +1,7 @@
 """The device's dialogs by keyboard and mouse, Japanese names, libraries of other makes, and uploads that fail."""
 
+import contextlib
+import os
 import shutil
 import subprocess
 
@@ -322,8 +324,13 @@ def japanese(screen):
     """A prefix whose programs run with code page 932."""
     folder = BUILD / "locales"
     if not (folder / "ja_JP.UTF-8").exists():
-        folder.mkdir(parents=True, exist_ok=True)
-        subprocess.run(["localedef", "-i", "ja_JP", "-f", "UTF-8", str(folder / "ja_JP.UTF-8")], check=True)
+        # Made aside and moved into its place, as another worker may want it at the same moment.
+        own = folder / str(os.getpid()) / "ja_JP.UTF-8"
+        own.parent.mkdir(parents=True, exist_ok=True)
+        subprocess.run(["localedef", "-i", "ja_JP", "-f", "UTF-8", str(own)], check=True)
+        with contextlib.suppress(OSError):
+            own.rename(folder / own.name)
+        shutil.rmtree(own.parent)
     prefix = Prefix("japanese", environment={"LOCPATH": str(folder), "LC_ALL": "ja_JP.UTF-8"})
     yield prefix
     prefix.end()
