@@ -116,7 +116,7 @@ class PanelAccessible final : public IAccessible {
         if (!state || !Resolve(child, item)) return E_INVALIDARG;
         state->vt = VT_I4;
         state->lVal = STATE_SYSTEM_FOCUSABLE;
-        if (!TakesInput(*Owner())) state->lVal |= STATE_SYSTEM_UNAVAILABLE;
+        if (!TakesInput(*Owner()->main)) state->lVal |= STATE_SYSTEM_UNAVAILABLE;
         if (item < 0) return S_OK;
         state->lVal |= STATE_SYSTEM_SELECTABLE;
         if (Owner()->kind->item_chosen(*Owner(), item)) state->lVal |= STATE_SYSTEM_SELECTED;
@@ -152,7 +152,7 @@ class PanelAccessible final : public IAccessible {
     HRESULT STDMETHODCALLTYPE accSelect(LONG flags, VARIANT child) override {
         int item = 0;
         if (!Resolve(child, item) || item < 0) return E_INVALIDARG;
-        if (!TakesInput(*Owner())) return S_FALSE;
+        if (!TakesInput(*Owner()->main)) return S_FALSE;
         if ((flags & SELFLAG_TAKEFOCUS) == 0) return S_OK;
         Owner()->kind->take_cursor(*Owner(), item);
         ShowDifferences(*Owner()->main);
@@ -207,7 +207,7 @@ class PanelAccessible final : public IAccessible {
         if (!Resolve(child, item) || item < 0) return E_INVALIDARG;
         // What mouse and keyboard can not do now, a tool can not do either: a command would run inside
         // another.
-        if (!TakesInput(*Owner())) return S_FALSE;
+        if (!TakesInput(*Owner()->main)) return S_FALSE;
         Owner()->kind->press(*Owner(), item);
         ShowDifferences(*Owner()->main);
         return S_OK;

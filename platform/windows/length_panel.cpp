@@ -75,15 +75,17 @@ void PaintButton(Panel& panel, int item, const RECT& dirty) {
     PaintPicture(panel, area, item + 1, ink, dirty);
 }
 
-/// The length that the next key gets, in a frame of its own.
+/// The length that the next key gets: a picture in a thin line on the paper of the score. Nothing presses it
+/// and the keyboard never reaches it, so it looks neither like a button nor like the mark of the focus.
 void PaintCurrent(Panel& panel, const RECT& dirty) {
     const LengthPicture& now = RecordOf(panel).imgNow;
     const Colours& colours = ColoursOf(panel);
     const Scale& scale = ScaleOf(panel);
     RECT area = AreaInPanel(panel, now.place);
-    FillRound(panel.canvas, area, Scaled(scale, 3), colours.select);
-    InflateRect(&area, -Scaled(scale, 2), -Scaled(scale, 2));
-    FillRound(panel.canvas, area, Scaled(scale, 2), colours.paper);
+    const int edge = Hairline(scale);
+    FillArea(panel.canvas, area, colours.button_edge);
+    InflateRect(&area, -edge, -edge);
+    FillArea(panel.canvas, area, colours.paper);
     if (now.Picture > 0) PaintPicture(panel, area, now.Picture, colours.ink, dirty);
 }
 

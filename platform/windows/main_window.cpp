@@ -95,6 +95,10 @@ void Magnify(MainWindow& main, const Scale& scale) {
 
 } // namespace
 
+bool TakesInput(const MainWindow& main) {
+    return main.record.Enabled && IsWindowEnabled(main.window);
+}
+
 SIZE MinimumWindowSize(const MainWindow& main) {
     RECT area = {0, 0, ToPixelsX(main.screen_scale, kMinClientWidth),
                  ToPixelsY(main.screen_scale, kMinClientHeight)};

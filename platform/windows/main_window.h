@@ -19,6 +19,9 @@ struct MainWindow {
     HWND owner = nullptr; ///< hidden application window; what finds a running copy asks for an owned window
     HWND window = nullptr;
     HWND toolbar = nullptr;
+    WNDPROC toolbar_procedure = nullptr; ///< the system's own
+    int tool_left_behind =
+        -1; ///< the button that had the toolbar's frame when the keyboard left it; -1 = none
     HWND tempo = nullptr;
     TempoBoxState tempo_state;
     HWND tempo_caption = nullptr;
@@ -34,6 +37,11 @@ struct MainWindow {
 
     Panel& panel(PanelId id) { return panels[static_cast<int>(id)]; }
 };
+
+/// Whether the window takes input: not while a box is open or a preview plays. What assistive tools and other
+/// programs send comes all the same; a command that the user can not give then is not taken from them either,
+/// or it would run inside another.
+bool TakesInput(const MainWindow& main);
 
 /// The program's one main window.
 MainWindow& TheMainWindow();

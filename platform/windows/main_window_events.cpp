@@ -22,17 +22,11 @@ void RunFromToolbar(MainWindow& main, UINT id) {
     RunToolButton(main.record, ToolButtonRows()[id - kFirstToolId].key);
 }
 
-/// A disabled window still gets what assistive tools and other programs send. A command that the user can not
-/// give now is not taken from them either, or it would run inside another.
-bool TakesCommands(const MainWindow& main) {
-    return main.record.Enabled && IsWindowEnabled(main.window);
-}
-
 void CommandGiven(MainWindow& main, WPARAM wparam) {
     const UINT id = LOWORD(wparam);
     if (id == kTempoId)
         TempoEvent(main, HIWORD(wparam));
-    else if (!TakesCommands(main))
+    else if (!TakesInput(main))
         return;
     else if (id >= kFirstMenuId && id < kFirstMenuId + kMenuItems)
         RunFromMenu(main, id);

@@ -89,6 +89,19 @@ void AddButtons(HWND toolbar) {
     }
 }
 
+/// The toolbar frames the button that the keyboard is on, and keeps the frame when the keyboard has gone: two
+/// places would look as if they had it. The next time it comes back to the same button.
+LRESULT CALLBACK ToolbarProcedure(HWND toolbar, UINT message, WPARAM wparam, LPARAM lparam) {
+    MainWindow& main = TheMainWindow();
+    if (message == WM_KILLFOCUS)
+        main.tool_left_behind = static_cast<int>(SendMessageW(toolbar, TB_GETHOTITEM, 0, 0));
+    const LRESULT result = CallWindowProcW(main.toolbar_procedure, toolbar, message, wparam, lparam);
+    if (message == WM_KILLFOCUS) SendMessageW(toolbar, TB_SETHOTITEM, static_cast<WPARAM>(-1), 0);
+    if (message == WM_SETFOCUS && main.tool_left_behind >= 0)
+        SendMessageW(toolbar, TB_SETHOTITEM, static_cast<WPARAM>(main.tool_left_behind), 0);
+    return result;
+}
+
 } // namespace
 
 HMENU CreateMainMenu() {
@@ -127,6 +140,8 @@ void CreateToolbar(MainWindow& main, HINSTANCE instance) {
         CreateWindowExW(0, TOOLBARCLASSNAMEW, L"Toolbar",
                         WS_CHILD | WS_VISIBLE | WS_TABSTOP | TBSTYLE_FLAT | TBSTYLE_TOOLTIPS | CCS_TOP, 0, 0,
                         0, 0, main.window, nullptr, instance, nullptr);
+    main.toolbar_procedure = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(main.toolbar, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(ToolbarProcedure)));
     SendMessageW(main.toolbar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     SendMessageW(main.toolbar, TB_SETMAXTEXTROWS, 0, 0); // names without room: shown as tooltips only
     SizeToolbar(main);

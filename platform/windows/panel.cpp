@@ -273,10 +273,6 @@ void TellCursor(Panel& panel) {
                    now.item + 1); // no item = the panel itself, 0
 }
 
-bool TakesInput(const Panel& panel) {
-    return RecordOf(panel).Enabled && IsWindowEnabled(panel.main->window);
-}
-
 bool FocusShown(const Panel& panel, int item) {
     return panel.focused && panel.keyboard_used && item == panel.kind->cursor(panel);
 }

@@ -91,8 +91,6 @@ void InvalidateItem(Panel& panel, int item);
 /// Tells screen readers which item has the keyboard, when it or what it is called changed since they were
 /// told.
 void TellCursor(Panel& panel);
-/// Whether the main window takes input: not while a box is open or a preview plays.
-bool TakesInput(const Panel& panel);
 /// Draws the mark of the keyboard focus inside an area when the panel has the keyboard and shows it.
 void DrawFocusMark(Panel& panel, const RECT& area, COLORREF colour);
 bool FocusShown(const Panel& panel, int item);

@@ -95,6 +95,17 @@ WNDPROC Replace(HWND window, WNDPROC procedure) {
 
 // ---- what is shown ----
 
+void Unmark(const MainWindow& main) {
+    SendMessageW(main.tempo, CB_SETEDITSEL, 0, MAKELPARAM(0, 0));
+}
+
+/// Whenever the box is given a text or a size it may mark all of its text, which looks as if it had the
+/// keyboard.
+void UnmarkUnlessFocused(const MainWindow& main) {
+    const HWND focus = GetFocus();
+    if (!focus || (focus != main.tempo && GetParent(focus) != main.tempo)) Unmark(main);
+}
+
 void ShowList(MainWindow& main) {
     const TempoBox& box = main.record.TempoCombo;
     if (box.List == main.shown.tempo_list) return;
@@ -157,6 +168,7 @@ void CreateTempoBox(MainWindow& main, HINSTANCE instance) {
 }
 
 void TempoEvent(MainWindow& main, UINT notification) {
+    if (notification == CBN_KILLFOCUS) Unmark(main);
     if (main.showing) return;
     switch (notification) {
     case CBN_EDITCHANGE: Typed(main); break;
@@ -174,6 +186,7 @@ void ShowTempoBox(MainWindow& main) {
     const TempoBox& box = main.record.TempoCombo;
     Shown& shown = main.shown;
     ShowList(main);
+    if (shown.tempo_index == box.ListIndex && shown.tempo_text == box.Text) return;
     // Typing a number deselects the list's item; the text and its caret stay as typed.
     if (shown.tempo_index != box.ListIndex && box.ListIndex >= 0) {
         SendMessageW(main.tempo, CB_SETCURSEL, static_cast<WPARAM>(box.ListIndex), 0);
@@ -182,6 +195,7 @@ void ShowTempoBox(MainWindow& main) {
     shown.tempo_index = box.ListIndex;
     if (shown.tempo_text != box.Text) SetWindowTextW(main.tempo, box.Text.c_str());
     shown.tempo_text = box.Text;
+    UnmarkUnlessFocused(main);
 }
 
 void AlignTempoLine(MainWindow& main) {
@@ -193,6 +207,7 @@ void AlignTempoLine(MainWindow& main) {
     const TextLine line = NumberLine(main);
     for (HWND label : {main.tempo_caption, main.tempo_label})
         MoveToTop(main, label, line.top, line.height);
+    UnmarkUnlessFocused(main);
     // Parts of it drawn one by one do not make the whole: its button is stretched from a small picture.
     RedrawWindow(main.tempo, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }

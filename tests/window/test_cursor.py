@@ -159,6 +159,76 @@ def test_a_tool_that_gives_a_cell_the_keyboard_moves_the_cursor(five):
     assert_told(five, 4, R)
 
 
+# --- one place looks as if it had the keyboard
+
+
+def press_until_focus(editor, key, kind):
+    for _ in range(8):
+        before = editor.focused_item()
+        editor.screen.key(key)
+        wait_until(lambda: editor.focused_item() != before, 5, f"what follows {before}")
+        if editor.focused_item()[0] == kind:
+            return
+    raise AssertionError(f"{key} does not lead to {kind}")
+
+
+def tool_pictures(editor):
+    """The toolbar's buttons by their tooltips, as they look."""
+    buttons = editor.toolbar()
+    picture_of(editor, editor.child("ToolbarWindow32")["rect"])
+    return {name: editor.screen.picture(left, top, right - left, bottom - top).tobytes()
+            for name, (left, top, right, bottom) in ((name, button["rect"]) for name, button in buttons.items())}
+
+
+def changed_tools(editor, before):
+    now = tool_pictures(editor)
+    return [name for name in now if now[name] != before[name]]
+
+
+def test_the_toolbars_frame_goes_with_the_keyboard_and_comes_back_to_its_button(editor):
+    plain = tool_pictures(editor)
+    press_until_focus(editor, "F6", "ToolbarWindow32")
+    editor.screen.key("right")
+    assert changed_tools(editor, plain) == ["Open on PC"]
+    press_until_focus(editor, "F6", "TonexGrid")
+    assert changed_tools(editor, plain) == []
+    press_until_focus(editor, "shift+F6", "ToolbarWindow32")
+    assert changed_tools(editor, plain) == ["Open on PC"]
+
+
+def test_the_tempo_is_not_left_marked(start, melody):
+    editor = start(windows_path(melody("FAST.SND", "tempo 64\nc5 1/4\n")))
+    assert editor.tempo_box()["marked"] == 0
+    press_until_focus(editor, "F6", "Edit")
+    editor.screen.key("ctrl+a")
+    text = editor.tempo_box()["text"]
+    wait_until(lambda: editor.tempo_box()["marked"] == len(text), 5, "the marked number")
+    press_until_focus(editor, "F6", "TonexPiano")
+    wait_until(lambda: editor.tempo_box()["marked"] == 0, 5, "nothing marked")
+    # A melody with another tempo, and another size.
+    editor.prefix.ask("drop", editor.hwnd, windows_path(melody("SLOW.SND", "tempo 60\nc5 1/4\n")))
+    wait_until(lambda: editor.tempo_box()["text"].strip() == "60", 5, "the other tempo")
+    assert editor.tempo_box()["marked"] == 0
+    window = editor.screen.find("Sound Editor - ")
+    _, _, width, height = editor.screen.rect_of(window)
+    before = editor.child("ComboBox")["rect"]
+    window.configure(width=round(width * 1.6), height=round(height * 1.6))
+    editor.screen.display.sync()
+    wait_until(lambda: editor.child("ComboBox")["rect"][3] - editor.child("ComboBox")["rect"][1] > before[3] - before[1],
+               5, "the larger box")
+    assert editor.tempo_box()["marked"] == 0
+
+
+def test_the_picture_of_the_current_length_does_not_look_like_the_focus(editor):
+    """Nothing beside the row of rests has the selection's colour."""
+    left, top, _, bottom = editor.child("TonexLengths")["client"]
+    first_rest = editor.item("TonexLengths", "Thirty-second rest")["rect"]
+    editor.screen.key("F6")  # with the keyboard away from the grid, too
+    picture = picture_of(editor, (left, first_rest[1], first_rest[0], bottom))
+    assert len(picture.getcolors(picture.width * picture.height)) > 2, "the picture of the length"
+    assert pixels_of(picture, system_colour(editor, "Hilight")) == 0
+
+
 # --- disabled is disabled for all
 
 
