@@ -17,6 +17,11 @@ void Enable(sndmain& window, MenuItem item, bool enabled) {
     }
 }
 
+// Why Preview is grey is the one reason that the window itself does not show.
+const wchar_t* ReasonOfGreyPreview(const sndmain& window) {
+    return window.score.end_count == 1 ? L" (the melody is empty)" : L" (there is no sound device)";
+}
+
 } // namespace
 
 void RefreshEnabling(sndmain& window) {
@@ -28,6 +33,14 @@ void RefreshEnabling(sndmain& window) {
     Enable(window, MenuItem::mnuDelete, holds_entries);
     Enable(window, MenuItem::mnuPreview, holds_entries && CountWaveOutputs() >= 1);
     Enable(window, MenuItem::mnuPaste, window.clipboard.filled && end_count < kMaxEndCount);
+}
+
+std::wstring TooltipOf(const sndmain& window, int button) {
+    const ToolButtonRow& row = At(ToolButtonRows(), button);
+    std::wstring text(row.tooltip);
+    if (row.item == MenuItem::mnuPreview && !At(window.toolbar_enabled, button))
+        text += ReasonOfGreyPreview(window);
+    return text;
 }
 
 } // namespace tonex

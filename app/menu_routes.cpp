@@ -1,5 +1,6 @@
 #include "app/menu_routes.h"
 
+#include "app/enabling_commands.h"
 #include "app/sndmain.h"
 #include "link/device_commands.h"
 #include "link/settings_commands.h"
@@ -89,6 +90,8 @@ void RunToolButton(sndmain& window, std::wstring_view key) {
 
 void OpenMenu(sndmain& window, Menu menu) {
     if (menu == Menu::MenuDefine) MenuDefine_Open(window);
+    // A sound device may have come or gone.
+    if (menu == Menu::mnuEdit) RefreshEnabling(window);
 }
 
 } // namespace tonex

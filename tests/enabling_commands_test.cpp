@@ -122,6 +122,24 @@ TEST(Enabling, IsRefreshedByNew) {
         ExpectEnabled(*window, item, false);
 }
 
+TEST(Tooltips, OfAGreyPreviewSaysWhy) {
+    auto window = SetUpWindow();
+    const int preview = kToolButtons - 1;
+    EXPECT_EQ(TooltipOf(*window, preview), L"Preview Sound (the melody is empty)");
+    FillScore(*window, 1);
+    EXPECT_EQ(TooltipOf(*window, preview), L"Preview Sound");
+    desktop::Current().wave_outputs = 0;
+    RefreshEnabling(*window);
+    EXPECT_EQ(TooltipOf(*window, preview), L"Preview Sound (there is no sound device)");
+}
+
+TEST(Tooltips, OfTheOthersAreThoseOfTheTableWhateverIsGrey) {
+    auto window = SetUpWindow();
+    window->toolbar_enabled.fill(false);
+    for (int button = 0; button < kToolButtons - 1; ++button)
+        EXPECT_EQ(TooltipOf(*window, button), ToolButtonRows()[static_cast<std::size_t>(button)].tooltip);
+}
+
 TEST(Enabling, LeavesTheOtherItemsAlone) {
     auto window = SetUpWindow();
     for (auto& item : window->menu)

@@ -211,6 +211,15 @@ TEST_F(Commands, OpeningTheSettingMenuRefreshesItsCheckMark) {
     EXPECT_FALSE(window.item(MenuItem::MenuCheckMsg).Checked);
 }
 
+TEST_F(Commands, OpeningTheEditMenuAsksForSoundDevicesAnew) {
+    FillScore(window, 2);
+    for (const int outputs : {0, 1, 0}) {
+        desk.wave_outputs = outputs;
+        OpenMenu(window, Menu::mnuEdit);
+        EXPECT_EQ(window.item(MenuItem::mnuPreview).Enabled, outputs > 0);
+    }
+}
+
 TEST_F(Commands, TheViewMenuTogglesTheNames) {
     RunMenuItem(window, MenuItem::mnuDoremi);
     EXPECT_TRUE(window.doremi);

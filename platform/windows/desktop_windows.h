@@ -57,7 +57,8 @@ struct InProgramFolder {
     std::wstring previous;
 };
 
-/// The wave outputs are counted again at the next question; called on WM_DEVICECHANGE.
+/// The wave outputs are counted again at the next question. Called when some may have come or gone: when the
+/// system says so, when the user comes back to the window, when a menu opens.
 void ForgetWaveOutputs();
 
 } // namespace tonex

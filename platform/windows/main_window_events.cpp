@@ -36,6 +36,7 @@ void CommandGiven(MainWindow& main, WPARAM wparam) {
 }
 
 void MenuOpens(MainWindow& main, HMENU menu) {
+    ForgetWaveOutputs();
     for (int i = 0; i < kMenus; ++i)
         if (GetSubMenu(main.menu, i) == menu) OpenMenu(main.record, static_cast<Menu>(i));
     ShowDifferences(main);
@@ -111,8 +112,8 @@ void Dropped(MainWindow& main, HDROP drop) {
     ShowDifferences(main);
 }
 
-/// A sound device may have come or gone, and Preview with it.
-void DeviceChanged(MainWindow& main) {
+/// A sound device may have come or gone, and Preview with it. The system does not tell every program.
+void CountDevicesAgain(MainWindow& main) {
     ForgetWaveOutputs();
     if (!main.up) return;
     RefreshEnabling(main.record);
@@ -125,12 +126,14 @@ void ColoursChanged(MainWindow& main) {
     RedrawWindow(main.window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
-LRESULT Notify(const NMHDR& header) {
+LRESULT Notify(const MainWindow& main, const NMHDR& header) {
     if (header.code != TTN_GETDISPINFOW) return 0;
     auto& info = reinterpret_cast<NMTTDISPINFOW&>(const_cast<NMHDR&>(header));
     const UINT_PTR id = header.idFrom;
     if (id < kFirstToolId || id >= kFirstToolId + kToolButtons) return 0;
-    info.lpszText = const_cast<wchar_t*>(ToolButtonRows()[id - kFirstToolId].tooltip.data());
+    lstrcpynW(info.szText, TooltipOf(main.record, static_cast<int>(id - kFirstToolId)).c_str(),
+              static_cast<int>(std::size(info.szText)));
+    info.lpszText = info.szText;
     return 0;
 }
 
@@ -150,6 +153,7 @@ void GiveFocusBack(MainWindow& main) {
 LRESULT Activated(MainWindow& main, WPARAM wparam, LPARAM lparam) {
     HWND focus = GetFocus();
     if (LOWORD(wparam) == WA_INACTIVE && focus && IsChild(main.window, focus)) main.last_focus = focus;
+    if (LOWORD(wparam) != WA_INACTIVE) CountDevicesAgain(main);
     return DefWindowProcW(main.window, WM_ACTIVATE, wparam, lparam);
 }
 
@@ -166,7 +170,7 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, L
     switch (message) {
     case WM_COMMAND: CommandGiven(main, wparam); return 0;
     case WM_INITMENUPOPUP: MenuOpens(main, reinterpret_cast<HMENU>(wparam)); return 0;
-    case WM_NOTIFY: return Notify(*reinterpret_cast<const NMHDR*>(lparam));
+    case WM_NOTIFY: return Notify(main, *reinterpret_cast<const NMHDR*>(lparam));
     case WM_SIZE: Resized(main, lparam); return 0;
     case WM_GETMINMAXINFO: MinimumSize(main, *reinterpret_cast<MINMAXINFO*>(lparam)); return 0;
     case WM_ACTIVATE:
@@ -177,7 +181,7 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, L
     case WM_DROPFILES: Dropped(main, reinterpret_cast<HDROP>(wparam)); return 0;
     case WM_SYSCOLORCHANGE:
     case WM_THEMECHANGED: ColoursChanged(main); return 0;
-    case WM_DEVICECHANGE: DeviceChanged(main); return TRUE;
+    case WM_DEVICECHANGE: CountDevicesAgain(main); return TRUE;
     case WM_QUERYENDSESSION: return SessionAsks(main);
     case WM_ENDSESSION: SessionDecided(main, wparam != FALSE); return 0;
     case WM_CLOSE: Close(main); return 0;

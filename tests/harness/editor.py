@@ -180,8 +180,9 @@ class Editor:
         return found
 
     def toolbar(self):
+        """The buttons by the names that screen readers are told."""
         hwnd = self.child("ToolbarWindow32")["hwnd"]
-        return {button["tooltip"]: button for button in self.prefix.ask("toolbar", hwnd) if not button["separator"]}
+        return {button["name"]: button for button in self.prefix.ask("toolbar", hwnd) if not button["separator"]}
 
     def choose(self, caption):
         """Opens a menu by the keyboard and chooses an item by its underlined letter."""

@@ -54,7 +54,7 @@ def test_the_menu_bar_is_the_documented_one(editor):
 
 def test_the_toolbar_is_the_documented_one(editor):
     buttons = editor.prefix.ask("toolbar", editor.child("ToolbarWindow32")["hwnd"])
-    assert [button["tooltip"] for button in buttons if not button["separator"]] == TOOLTIPS
+    assert [button["name"] for button in buttons if not button["separator"]] == TOOLTIPS
     rects = [button["rect"] for button in buttons]
     assert rects == sorted(rects), "left to right"
 

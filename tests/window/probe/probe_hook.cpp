@@ -56,6 +56,16 @@ std::string MenuOf(HWND window) {
 
 // --- toolbar
 
+std::wstring ButtonText(HWND toolbar, int command) {
+    wchar_t text[200] = L"";
+    const LRESULT length = SendMessageW(toolbar, TB_GETBUTTONTEXTW, static_cast<WPARAM>(command), 0);
+    if (length > 0 && length < 200) {
+        SendMessageW(toolbar, TB_GETBUTTONTEXTW, static_cast<WPARAM>(command),
+                     reinterpret_cast<LPARAM>(text));
+    }
+    return text;
+}
+
 std::wstring ToolTipOf(HWND toolbar, int command) {
     wchar_t text[200] = L"";
     // The toolbar asks its parent, in one of two ways, unless the tip is the button's own text.
@@ -76,12 +86,7 @@ std::wstring ToolTipOf(HWND toolbar, int command) {
     if (tip.lpszText != nullptr && !IS_INTRESOURCE(tip.lpszText) && tip.lpszText[0] != 0) {
         return tip.lpszText;
     }
-    const LRESULT length = SendMessageW(toolbar, TB_GETBUTTONTEXTW, static_cast<WPARAM>(command), 0);
-    if (length > 0 && length < 200) {
-        SendMessageW(toolbar, TB_GETBUTTONTEXTW, static_cast<WPARAM>(command),
-                     reinterpret_cast<LPARAM>(text));
-    }
-    return text;
+    return ButtonText(toolbar, command);
 }
 
 std::string ToolbarOf(HWND toolbar) {
@@ -96,7 +101,8 @@ std::string ToolbarOf(HWND toolbar) {
         const bool separator = (button.fsStyle & BTNS_SEP) != 0;
         const std::wstring tip = separator ? std::wstring() : ToolTipOf(toolbar, button.idCommand);
         result += i == 0 ? "" : ",";
-        result += "{\"tooltip\":" + Quoted(tip);
+        result += "{\"name\":" + Quoted(separator ? std::wstring() : ButtonText(toolbar, button.idCommand));
+        result += ",\"tooltip\":" + Quoted(tip);
         result += ",\"id\":" + std::to_string(button.idCommand);
         result += ",\"separator\":" + Bool(separator);
         result += ",\"enabled\":" + Bool((button.fsState & TBSTATE_ENABLED) != 0);
