@@ -37,6 +37,21 @@ void ShowDifferencesNow();
 /// Called first of all by WinMain.
 void SecureLibrarySearch();
 
+/// Keeps the system from asking for a disk in an empty drive, and the like: what fails is told by the
+/// program.
+void TurnSystemErrorBoxesOff();
+
+/// Makes the calling thread an apartment of one thread for as long as it lives, as what opens documents and
+/// shows file dialogs wants it.
+struct Apartment {
+    Apartment();
+    ~Apartment();
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+
+    bool entered = false;
+};
+
 /// A library of the system folder by full path, loaded on first use; null when the system has none.
 HMODULE SystemLibrary(const wchar_t* file_name);
 

@@ -1,7 +1,9 @@
-// The hooks, and the rules by which libraries are found.
+// The hooks, what a process sets once, and the rules by which libraries are found.
 #include "platform/windows/desktop_windows.h"
 
 #include "platform/program_folder.h"
+
+#include <objbase.h>
 
 #include <iterator>
 
@@ -22,6 +24,23 @@ void SecureLibrarySearch() {
     const auto set_folder =
         LibraryFunction<SetDllDirectoryFunction>(GetModuleHandleW(L"kernel32.dll"), "SetDllDirectoryW");
     if (set_folder) set_folder(L"");
+}
+
+void TurnSystemErrorBoxesOff() {
+    const UINT before = SetErrorMode(0);
+    SetErrorMode(before | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+}
+
+Apartment::Apartment() {
+    using Enter = HRESULT(WINAPI*)(void*, DWORD);
+    const auto enter = LibraryFunction<Enter>(SystemLibrary(L"ole32.dll"), "CoInitializeEx");
+    entered = enter && SUCCEEDED(enter(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE));
+}
+
+Apartment::~Apartment() {
+    if (!entered) return;
+    const auto leave = LibraryFunction<void(WINAPI*)()>(SystemLibrary(L"ole32.dll"), "CoUninitialize");
+    if (leave) leave();
 }
 
 HMODULE SystemLibrary(const wchar_t* file_name) {

@@ -36,6 +36,8 @@ int RunMessages(tonex::MainWindow& main) {
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show) {
     tonex::SecureLibrarySearch();
+    tonex::TurnSystemErrorBoxesOff();
+    const tonex::Apartment apartment;
     if (!tonex::CreateMainWindow(instance)) return 1;
     tonex::MainWindow& main = tonex::TheMainWindow();
     if (tonex::StartUp(main.record, CommandLinePath()) == tonex::StartResult::EndSilent) {

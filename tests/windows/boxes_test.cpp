@@ -110,6 +110,29 @@ TEST(MessageBoxes, BelongsToTheMainWindowAndComesAfterWhatIsToBeShown) {
     DestroyWindow(owner);
 }
 
+TEST(MessageBoxes, OverADialogBelongsToItAndLeavesTheMainWindowDisabled) {
+    const KeepHooks keep;
+    const auto window = [](HWND owner) {
+        return CreateWindowExW(0, L"STATIC", L"window", WS_POPUP | WS_VISIBLE, 0, 0, 200, 100, owner, nullptr,
+                               nullptr, nullptr);
+    };
+    const HWND main = window(nullptr), dialog = window(main);
+    Hooks().main_window = main;
+    EnableWindow(main, FALSE);
+    SetActiveWindow(dialog);
+    {
+        const Hands hands([&] {
+            const HWND box = WaitForDialog(L"Sound Editor");
+            EXPECT_EQ(GetWindow(box, GW_OWNER), dialog);
+            Press(box, IDOK);
+        });
+        ShowMessage(L"The help file is missing.");
+    }
+    EXPECT_FALSE(IsWindowEnabled(main));
+    EXPECT_TRUE(IsWindowEnabled(dialog));
+    DestroyWindow(main);
+}
+
 TEST(OpenDialog, GivesTheFullPathOfAFileInTheFolderOffered) {
     const TestFolder folder;
     WriteBytes(folder / L"tune.snd", "x");

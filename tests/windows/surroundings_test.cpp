@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <mmsystem.h>
+#include <objbase.h>
 
 using namespace tonex;
 using namespace tonex::windows_test;
@@ -204,6 +205,32 @@ TEST(SystemLibrary, IsFoundInTheSystemsFolderOnly) {
     SetCurrentDirectoryW(L"C:\\");
     EXPECT_FALSE(LibraryFunction<void (*)()>(nullptr, "any"));
     EXPECT_FALSE(LibraryFunction<void (*)()>(SystemLibrary(L"winmm.dll"), "noSuchFunction"));
+}
+
+TEST(Process, TheSystemsErrorBoxesAreOffAndWhatWasOffStaysOff) {
+    const UINT before = SetErrorMode(SEM_NOGPFAULTERRORBOX);
+    TurnSystemErrorBoxesOff();
+    EXPECT_EQ(SetErrorMode(before),
+              static_cast<UINT>(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX | SEM_NOGPFAULTERRORBOX));
+}
+
+TEST(Process, TheThreadIsAnApartmentOfItsOwnForAWhile) {
+    HRESULT inside = S_OK, after = E_FAIL;
+    // On a thread that nothing has made an apartment yet.
+    Hands([&] {
+        const HMODULE library = SystemLibrary(L"ole32.dll");
+        const auto enter = LibraryFunction<HRESULT(WINAPI*)(void*, DWORD)>(library, "CoInitializeEx");
+        const auto leave = LibraryFunction<void(WINAPI*)()>(library, "CoUninitialize");
+        {
+            const Apartment apartment;
+            EXPECT_TRUE(apartment.entered);
+            inside = enter(nullptr, COINIT_MULTITHREADED);
+        }
+        after = enter(nullptr, COINIT_MULTITHREADED);
+        leave();
+    });
+    EXPECT_EQ(inside, RPC_E_CHANGED_MODE);
+    EXPECT_EQ(after, S_OK);
 }
 
 TEST(Help, AMissingFileOrOneOfAnotherKindOpensNothing) {

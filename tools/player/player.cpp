@@ -188,6 +188,9 @@ const wchar_t* FaultText(int status) {
 // Playing.
 
 void Finish(HWND window, const Player& player) {
+    // The editor waits for this end to come to the front again. The system lets it only where the program in
+    // front says so, and that is this one.
+    AllowSetForegroundWindow(ASFW_ANY);
     EndDialog(window, player.status);
 }
 

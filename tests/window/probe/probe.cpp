@@ -11,7 +11,7 @@
 //   gettext WINDOW                 the text of a control
 //   post WINDOW MESSAGE W L        posts a message
 //   drop WINDOW FILE…              drops files on a window, by their Windows paths
-//   menu|toolbar|accessible|combo|inputmethod|textsize WINDOW   see probe_hook.cpp
+//   menu|toolbar|accessible|combo|process|inputmethod|textsize WINDOW   see probe_hook.cpp
 //   pressitem|focusitem WINDOW NUMBER   as an assistive tool does, on an item of a panel, counted from 1
 //   messagefont WINDOW HEIGHT      gives the system's message font a height in pixels, for that program
 //   told WINDOW                    the items that screen readers were told to have the keyboard, since the
@@ -299,6 +299,10 @@ std::string Combo(const Words& words) {
     return AskInside(kCombo, words);
 }
 
+std::string Process(const Words& words) {
+    return AskInside(kProcess, words);
+}
+
 std::string PressItem(const Words& words) {
     return AskInside(kPressItem, words);
 }
@@ -380,6 +384,7 @@ constexpr Command kCommands[] = {
     {"toolbar", 2, Toolbar},
     {"accessible", 2, Accessible},
     {"combo", 2, Combo},
+    {"process", 2, Process},
     {"pressitem", 3, PressItem},
     {"focusitem", 3, FocusItem},
     {"inputmethod", 2, InputMethod},

@@ -111,6 +111,19 @@ std::string ToolbarOf(HWND toolbar) {
     return result + "]";
 }
 
+// --- the process
+
+std::string ProcessOf() {
+    const UINT mode = SetErrorMode(0);
+    SetErrorMode(mode);
+    const HRESULT entered = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    if (SUCCEEDED(entered)) {
+        CoUninitialize();
+    }
+    return "{\"error_mode\":" + std::to_string(mode) +
+           ",\"apartment\":" + Bool(entered == RPC_E_CHANGED_MODE) + "}";
+}
+
 // --- what a screen reader is told
 
 std::wstring TakeText(BSTR text) {
@@ -269,6 +282,7 @@ extern "C" __declspec(dllexport) LRESULT CALLBACK ProbeHook(int code, WPARAM wpa
             case kCombo: Answer(ComboOf(window)); break;
             case kPressItem:
             case kFocusItem: Answer(DoToItem(window, static_cast<Request>(message->wParam), number)); break;
+            case kProcess: Answer(ProcessOf()); break;
             case kInputMethod: Answer(InputMethodOf(window)); break;
             case kTextSize: Answer(TextSizeOf(window)); break;
             case kMessageFont: Answer(SetMessageFont(window, number)); break;

@@ -22,7 +22,8 @@ enum Request : WPARAM {
     kFocusItem,
     kInputMethod,
     kTextSize,
-    kMessageFont
+    kMessageFont,
+    kProcess
 };
 
 /// UTF-8 of wide text.
