@@ -1,4 +1,4 @@
-# Shared by ./run, ./test and bench/run: packages, builds, Wine prefixes, the virtual screen.
+# Shared by ./run, ./test, ./package and bench/run: packages, builds, Wine prefixes, the virtual screen.
 # The caller has set `root` to the project's folder and runs under `set -u`.
 
 logs="$root/build/logs"
@@ -22,9 +22,10 @@ as_root() {
 
 # What building, running and testing need on Debian 12: build, run, test.
 packages="cmake ninja-build g++ g++-mingw-w64-i686-win32 googletest libgtest-dev libbenchmark-dev libcli11-dev
-nlohmann-json3-dev libpng-dev python3 python3-markdown-it
+nlohmann-json3-dev libpng-dev python3 python3-markdown-it nsis
 wine wine32:i386 fonts-vlgothic fonts-wine locales xvfb openbox
-clang-format python3-pytest python3-pytest-xdist python3-xlib python3-pil libasound2-plugins:i386 sox strace"
+clang-format python3-pytest python3-pytest-xdist python3-xlib python3-pil python3-pefile libasound2-plugins:i386
+sox strace"
 
 missing_packages() {
     # One query for all; a package that was never heard of has no line.
@@ -105,6 +106,11 @@ build_alone() {
         fail "Building $* ($preset) failed." "$log"
         return 1
     fi
+}
+
+# Everything that a user gets, in build/windows/sound-editor. The samples are built by the native sndtool.
+build_product() {
+    build native sndtool && build windows product
 }
 
 # Wine, quiet and without the parts that a small program has no use for.

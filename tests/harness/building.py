@@ -6,6 +6,7 @@ import pathlib
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build"
 WINDOWS_BUILD = pathlib.Path(os.environ.get("TONEX_WINDOWS_BUILD", BUILD / "windows"))
+PRODUCT = WINDOWS_BUILD / "sound-editor"  # all that a user gets, in one folder
 NATIVE_BUILD = pathlib.Path(os.environ.get("TONEX_NATIVE_BUILD", BUILD / "native"))
 
 

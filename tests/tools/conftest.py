@@ -13,7 +13,7 @@ import subprocess
 
 import pytest
 
-from building import NATIVE_BUILD, WINDOWS_BUILD
+from building import NATIVE_BUILD, PRODUCT
 from xscreen import Screen
 
 TIMEOUT = 60  # seconds; a cold Wine takes several to start
@@ -26,7 +26,7 @@ def programs():
         name = "windows" if wrapper else "native"
         return {name: (wrapper, pathlib.Path(os.environ["SNDTOOL"]).resolve())}
     return {"native": ([], NATIVE_BUILD / "tools/sndtool/sndtool"),
-            "windows": (["wine"], WINDOWS_BUILD / "tools/sndtool/sndtool.exe")}
+            "windows": (["wine"], PRODUCT / "sndtool.exe")}
 
 
 def pytest_generate_tests(metafunc):

@@ -8,12 +8,12 @@ import time
 
 import pytest
 
-from building import WINDOWS_BUILD
+from building import PRODUCT
 from sound_device import Device, NoDevice, assert_heard, noise, wav_bytes
 from wine_paths import windows_path
 from xscreen import wait_until
 
-PLAYER = pathlib.Path(os.environ.get("TONEX_PLAYER", WINDOWS_BUILD / "platform" / "windows" / "sndrec32.exe"))
+PLAYER = pathlib.Path(os.environ.get("TONEX_PLAYER", PRODUCT / "sndrec32.exe"))
 TITLE = "Sound Player"
 PLAYED, STOPPED, BAD_FILE, NO_DEVICE, WRONG_USAGE = range(5)
 

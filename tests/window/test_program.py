@@ -1,11 +1,13 @@
 """The program as a whole: one instance, placement, help, About, what it does without the link software."""
 
 import os
+import re
 import shutil
 import time
 
 import pytest
 
+from building import ROOT
 from editor import Editor
 from melody import Melody
 from prefix import SETTINGS, Prefix
@@ -117,7 +119,8 @@ def test_about_shows_name_and_version_and_closes(editor):
     editor.choose("&About Sound Editor...")
     box = editor.wait_dialog("About Sound Editor")
     texts = " ".join(child["text"] for child in editor.children(box["hwnd"]))
-    assert "Sound Editor" in texts and "1.0.0" in texts
+    version = re.search(r"VERSION ([\d.]+)", (ROOT / "CMakeLists.txt").read_text().partition("project(")[2])[1]
+    assert "Sound Editor" in texts and version in texts
     editor.screen.key("enter")
     wait_until(lambda: not editor.dialogs(), 5, "the box's end")
     assert editor.main()["enabled"]

@@ -33,7 +33,7 @@ struct Program {
     explicit Program(const std::wstring& arguments) {
         const std::wstring test = TestProgram();
         std::wstring line = L"\"" + test.substr(0, test.rfind(L'\\')) +
-                            L"\\..\\..\\tools\\linksetup\\LinkSetup.exe\" " + arguments;
+                            L"\\..\\..\\sound-editor\\LinkSetup.exe\" " + arguments;
         STARTUPINFOW startup = {};
         startup.cb = sizeof startup;
         EXPECT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,

@@ -1,17 +1,17 @@
-// Writes the program icon as an ICO file. Sizes up to 64 are plain bitmaps, which every Windows reads; 256 is
-// a PNG, which Windows XP passes over.
+// Writes the program icon as an ICO file: make_icon OUT.ico SIZE... Sizes below 256 are plain bitmaps, which
+// every Windows reads; 256 is a PNG, which Windows XP passes over.
 #include "pictures/glyphs.h"
 #include "tools/pictures/png_file.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 namespace {
 
 using namespace tonex;
-
-constexpr int kSizes[] = {16, 20, 24, 32, 48, 64, 256};
 
 std::string LittleEndian(std::uint32_t value, int bytes) {
     std::string text;
@@ -57,17 +57,17 @@ std::string Bitmap(int size, const std::vector<std::uint8_t>& pixels) {
     return bytes + mask;
 }
 
-std::string IconFile() {
-    constexpr auto kCount = static_cast<std::uint32_t>(std::size(kSizes));
-    std::string head = LittleEndian(0, 2) + LittleEndian(1, 2) + LittleEndian(kCount, 2), body;
-    for (const int size : kSizes) {
+std::string IconFile(const std::vector<int>& sizes) {
+    const auto count = static_cast<std::uint32_t>(sizes.size());
+    std::string head = LittleEndian(0, 2) + LittleEndian(1, 2) + LittleEndian(count, 2), body;
+    for (const int size : sizes) {
         const std::vector<std::uint8_t> pixels = PlainPixels(size);
         const std::string picture = size < 256 ? Bitmap(size, pixels) : PngFile(size, size, 4, pixels);
         head += LittleEndian(static_cast<std::uint32_t>(size) & 255, 1) +
                 LittleEndian(static_cast<std::uint32_t>(size) & 255, 1) + LittleEndian(0, 2) +
                 LittleEndian(1, 2) + LittleEndian(32, 2) +
                 LittleEndian(static_cast<std::uint32_t>(picture.size()), 4) +
-                LittleEndian(static_cast<std::uint32_t>(6 + 16 * kCount + body.size()), 4);
+                LittleEndian(static_cast<std::uint32_t>(6 + 16 * count + body.size()), 4);
         body += picture;
     }
     return head + body;
@@ -76,11 +76,15 @@ std::string IconFile() {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fputs("make_icon OUT.ico\n", stderr);
+    std::vector<int> sizes;
+    for (int i = 2; i < argc; ++i)
+        sizes.push_back(std::atoi(argv[i]));
+    if (sizes.empty() || *std::min_element(sizes.begin(), sizes.end()) < 1 ||
+        *std::max_element(sizes.begin(), sizes.end()) > 256) {
+        std::fputs("make_icon OUT.ico SIZE...    sizes from 1 to 256 pixels\n", stderr);
         return 2;
     }
-    const std::string bytes = IconFile();
+    const std::string bytes = IconFile(sizes);
     std::FILE* file = std::fopen(argv[1], "wb");
     if (file == nullptr) {
         std::perror(argv[1]);
