@@ -243,8 +243,10 @@ void RunSave(Editor& editor, bool load_again) {
     const SndResult result = SaveDocument(window, kPath);
     const bool in_list = std::find(std::begin(kTempos), std::end(kTempos), model.tempo) != std::end(kTempos);
     if ((result == kSndNotFound) != !in_list) editor.fault = "saving took a tempo that is not in the list";
-    if (result == kSndDone && model.Unwritable()) editor.fault = "saving took what no file can hold";
-    if (result == kSndWriteError && !model.Unwritable()) editor.fault = "saving refused a good score";
+    const int unwritable = model.FirstUnwritable();
+    if (result == kSndDone && unwritable < model.Size()) editor.fault = "saving took what no file can hold";
+    if (result == kSndWriteError && unwritable == model.Size()) editor.fault = "saving refused a good score";
+    if (result == kSndWriteError) model.Select(unwritable, unwritable);
     if (result != kSndDone && result != kSndFull) return;
 
     const auto bytes = desktop::Current().files[kPath].bytes;

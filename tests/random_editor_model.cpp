@@ -227,11 +227,12 @@ void Model::Load(const std::vector<std::uint8_t>& pairs, int tempo_of_file) {
     view_restored = View{0, 0, Size() % 30};
 }
 
-bool Model::Unwritable() const {
-    return std::any_of(entries.begin(), entries.end(), [](const Entry& entry) {
+int Model::FirstUnwritable() const {
+    const auto found = std::find_if(entries.begin(), entries.end(), [](const Entry& entry) {
         if (Note(entry)) return entry.pitch < 1 || entry.pitch > 256;
         return entry.code > 40;
     });
+    return static_cast<int>(found - entries.begin());
 }
 
 void Model::Reload(int entries_saved) {

@@ -59,8 +59,8 @@ struct Model {
     /// Pairs of pitch byte and code byte, as an edit block holds them in front of its end.
     void Load(const std::vector<std::uint8_t>& pairs, int tempo_of_file);
 
-    /// Whether no file can hold the score.
-    bool Unwritable() const;
+    /// The first entry that no file can hold; the size when there is none.
+    int FirstUnwritable() const;
     /// What of the score is left when its first so many entries are saved and loaded.
     void Reload(int entries_saved);
 

@@ -73,6 +73,34 @@ def test_save_to_the_organiser_as_then_save_again(start, prefix, link):
     editor.close_with_reminder()
 
 
+@pytest.fixture
+def foreign_folder(prefix):
+    """The system's folder for temporary files, of a user whose name the code page can not spell."""
+    folder = prefix.path / "drive_c" / "users" / "张三" / "Temp"
+    folder.mkdir(parents=True, exist_ok=True)
+    for name in ("TMP", "TEMP"):
+        prefix.ask("setreg", "Environment", name, "C:\\users\\张三\\Temp")
+    yield folder
+    for name in ("TMP", "TEMP"):
+        prefix.ask("delreg", "Environment", name)
+
+
+def test_a_user_of_another_script_saves_to_the_organiser(start, prefix, link, foreign_folder):
+    path = Melody.build(prefix.cache_dir / "TUNE.SND", TUNE)
+    editor = start(DEVICE_FOLDER + "TUNE.SND", environment=link.environment())
+    editor.wait_caption("Sound Editor - Veloxa:TUNE.SND")
+    editor.screen.key("end")
+    editor.click_key("c4")
+    editor.choose("Save to Ve&loxa")
+    wait_until(lambda: Melody.saved_entries(path)[-1:] == ["c4 1/4"], 8, "the saved file")
+    editor.no_dialog()
+    assert list(foreign_folder.iterdir()) == []
+    if link.with_libraries:
+        line = link.calls("Cor_PutFile")[-1]
+        assert "\\Temp\\Snd" in line and line.isascii(), line
+    editor.close_with_reminder()
+
+
 def test_save_to_the_organiser_on_an_untitled_score_asks_for_a_name(start, prefix, link):
     editor = start(environment=link.environment())
     editor.click_key("c4")

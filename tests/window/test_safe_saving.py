@@ -145,3 +145,19 @@ def test_a_write_error_of_the_system_is_told(start, tmp_path):
     finally:
         tracer.terminate()
         tracer.wait(10)
+
+
+def test_a_start_deletes_what_killed_runs_left_and_nothing_else(start, prefix):
+    day = 24 * 60 * 60
+    ages = {"$$123456.snd": 2 * day, "$$123456.wav": 2 * day, "SndA1B2.tmp": 2 * day, "~snd77.tmp": 2 * day,
+            "$$123457.snd": 60, "Snd1.tmp": 60, "Sndbox.tmp": 2 * day, "$$999999.wav": 2 * day}
+    for folder in prefix.temporary_folders():
+        for name, age in ages.items():
+            (folder / name).write_bytes(b"x")
+            os.utime(folder / name, (time.time() - age,) * 2)
+    editor = start()
+    kept = {"$$123457.snd", "Snd1.tmp", "Sndbox.tmp", "$$999999.wav"}
+    wait_until(lambda: any(set(ages) & set(os.listdir(folder)) == kept for folder in prefix.temporary_folders()), 5,
+               "a swept folder for temporary files")
+    editor.close()
+    editor.wait_end()

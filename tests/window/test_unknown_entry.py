@@ -60,3 +60,18 @@ def test_the_keyboard_reaches_it_and_what_is_behind_it(foreign):
     screen.key("end")
     screen.key("enter")
     foreign.wait_selected([29])
+
+
+def test_saving_says_which_entry_it_is_and_puts_the_cursor_on_it(foreign, tmp_path):
+    before = (tmp_path / "FOREIGN.SND").read_bytes()
+    foreign.screen.key("end")
+    foreign.wait_selected([29])
+    foreign.screen.key("ctrl+s")
+    foreign.message("Entry 2 is unknown and cannot be saved.")
+    assert foreign.selected_items("TonexGrid") == [UNKNOWN]
+    assert (tmp_path / "FOREIGN.SND").read_bytes() == before
+    foreign.screen.key("delete")
+    foreign.screen.key("ctrl+s")
+    foreign.no_dialog()
+    assert len((tmp_path / "FOREIGN.SND").read_bytes()) > 12
+    assert (tmp_path / "FOREIGN.SND").read_bytes() != before
