@@ -3,6 +3,7 @@
 Called by ALSA's file plugin: drain.py BYTES_A_SECOND FILE
 """
 
+import errno
 import fcntl
 import os
 import sys
@@ -11,12 +12,26 @@ import time
 F_SETPIPE_SZ = 1031
 CHUNK = 1024
 
+
+
+def small_pipe():
+    """A large pipe would take the sound at once. False while more is in it than a small one holds."""
+    try:
+        fcntl.fcntl(0, F_SETPIPE_SZ, 4096)
+    except OSError as error:
+        if error.errno != errno.EBUSY:
+            raise
+        return False
+    return True
+
+
 rate, path = int(sys.argv[1]), sys.argv[2]
-fcntl.fcntl(0, F_SETPIPE_SZ, 4096)  # a large pipe would take the sound at once
+small = small_pipe()
 start = time.monotonic()
 taken = 0
 with open(path, "wb", buffering=0) as kept:
     while chunk := os.read(0, CHUNK):
         kept.write(chunk)
         taken += len(chunk)
+        small = small or small_pipe()
         time.sleep(max(0.0, start + taken / rate - time.monotonic()))

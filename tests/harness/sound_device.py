@@ -54,5 +54,8 @@ class Device(NoDevice):
 def assert_heard(device, samples, silence=b"\x80"):
     """The samples, exactly, and nothing but silence behind them."""
     heard = device.sound()
-    assert heard[:len(samples)] == samples
+    if heard[:len(samples)] != samples:
+        same = len(os.path.commonprefix([heard, samples]))
+        raise AssertionError(f"{len(heard)} bytes heard, {len(samples)} wanted; from byte {same}: "
+                             f"{heard[same:same + 32].hex()} and not {samples[same:same + 32].hex()}")
     assert heard[len(samples):].strip(silence) == b""
