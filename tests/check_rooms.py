@@ -13,10 +13,13 @@ import xml.etree.ElementTree as ElementTree
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
-ROOMS = ("score", "preview", "view", "link", "app", "pictures")
+ROOMS = ("score", "preview", "view", "link", "app", "pictures", "exchange")
+# What the editor does not link: only the companion's tools know it.
+OUTSIDE_THE_EDITOR = ("exchange",)
 RULES_FLOOR, PROMISES, SERVICES, RECORD, COMMANDS, ROUTES, SYSTEM = range(1, 8)
 FLOOR_OF_ENDING = (("_services", SERVICES), ("sndmain", RECORD), ("_commands", COMMANDS), ("_routes", ROUTES))
-LIBRARIES = {"tonex_rules": {RULES_FLOOR}, "tonex_services": {SERVICES}, "tonex_commands": {RECORD, COMMANDS, ROUTES}}
+LIBRARIES = {"tonex_rules": {RULES_FLOOR}, "tonex_exchange": {RULES_FLOOR},
+             "tonex_services": {SERVICES}, "tonex_commands": {RECORD, COMMANDS, ROUTES}}
 
 # What can change for as long as the process runs: a thing each of which a process has one.
 CHANGING_GLOBALS = {
@@ -82,6 +85,17 @@ def includes_go_down():
                 yield f"{path} includes {name}, which is no room of the editor"
             elif theirs > mine:
                 yield f"{path} (floor {mine}) includes {name} (floor {theirs})"
+
+
+def the_editor_knows_nothing_outside_it():
+    for path, text in sources(*ROOMS, "platform"):
+        for _, name in included(text):
+            if name.split("/")[0] in OUTSIDE_THE_EDITOR and path.split("/")[0] not in OUTSIDE_THE_EDITOR:
+                yield f"{path} includes {name}, which the editor does not link"
+    for library, held in libraries().items():
+        for path in held:
+            if (path.split("/")[0] in OUTSIDE_THE_EDITOR) != (library == "tonex_exchange"):
+                yield f"{library} holds {path}"
 
 
 def portable_rooms_know_no_system():
@@ -254,7 +268,7 @@ def windows_code_stands_in_its_room():
             yield f"{path} asks which system it is built for"
 
 
-RULES = [includes_go_down, portable_rooms_know_no_system, no_heavy_library, no_extern_state, globals_do_not_change,
+RULES = [includes_go_down, the_editor_knows_nothing_outside_it, portable_rooms_know_no_system, no_heavy_library, no_extern_state, globals_do_not_change,
          headers_guarded, headers_open_with_their_purpose, windows_code_stands_in_its_room,
          libraries_hold_their_floors, the_grid_shows_the_house]
 

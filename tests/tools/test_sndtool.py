@@ -210,20 +210,42 @@ def test_info_tells_all(sndtool, example):
     assert lines[0] == ["tune.snd"]
     told = {" ".join(line.split()[:-1]): line.split()[-1]
             for line in sndtool.good("info", "tune.snd").decode().splitlines()[1:]}
-    assert told == {"tempo 120": "(Allegro)", "timing mode": "0", "entries": "6", "notes": "4", "rests": "1",
-                    "separators": "1", "lowest note": "c4", "highest note": "e5",
-                    "duration 2.938": "s"}
+    assert {name: told[name] for name in list(told)[:9]} == {
+        "tempo 120": "(Allegro)", "timing mode": "0", "entries": "6", "notes": "4", "rests": "1",
+        "separators": "1", "lowest note": "c4", "highest note": "e5", "duration 2.938": "s"}
 
 
 def test_info_as_json_is_one_object_a_file(sndtool, example):
     (example / "empty.snd").write_bytes(EMPTY_SND)
     made = json.loads(sndtool.good("info", "--json", "tune.snd", "empty.snd"))
-    assert made == [
+    keys = list(made[0])[:11]
+    assert [{key: told[key] for key in keys} for told in made] == [
         {"file": "tune.snd", "tempo": 120, "timing_mode": 0, "entries": 6, "notes": 4, "rests": 1,
          "separators": 1, "unknown": 0, "lowest_note": "c4", "highest_note": "e5",
          "duration_seconds": EXAMPLE_SECONDS},
         {"file": "empty.snd", "tempo": 120, "timing_mode": 0, "entries": 0, "notes": 0, "rests": 0,
          "separators": 0, "unknown": 0, "lowest_note": None, "highest_note": None, "duration_seconds": 0.0}]
+
+
+def test_info_tells_how_evenly_a_file_plays_what_is_written(sndtool, tmp_path):
+    # Tempo 128 has timing mode 2 only: a sixteenth plays one unit instead of one and a half.
+    (tmp_path / "even.txt").write_bytes(b"tempo 120\n" + b"c5 1/4\nd5 1/16\n" * 4)
+    (tmp_path / "bent.txt").write_bytes(b"tempo 128\n" + b"c5 1/4\nd5 1/16\n" * 4)
+    sndtool.good("build", "even.txt", "bent.txt")
+    even, bent = json.loads(sndtool.good("info", "--json", "even.snd", "bent.snd"))
+    assert (even["j"], even["worst"], even["true_tempo"], even["mending_tempo"]) == (0.0, None, 120.0, None)
+    assert bent["true_tempo"] == 128.0 and bent["j"] > 3
+    # A quarter 6 of 6 units and a sixteenth 1 of 1.5: together 28 for 30, so a sixteenth lacks 0.4 units of 5/64 s.
+    assert bent["worst"] == {"entry": 2, "name": "entry 2 (d5 1/16)", "milliseconds": -31.25, "percent": -28.57}
+    assert bent["slower_percent"] == -6.67
+    assert (bent["mending_tempo"], bent["mending_scale"]) == (120, 1.0)
+    text = sndtool.good("info", "bent.snd").decode()
+    assert "at entry 2 (d5 1/16)" in text and "more even at tempo 120 (J " in text
+
+
+def test_info_tells_no_evenness_of_a_play_block_that_is_none_of_its_entries(sndtool):
+    made = json.loads(sndtool.good("info", "--json", "-", stdin=snd([(26, 56), (27, 56)], [(26, 10)])))
+    assert made[0]["j"] is None and made[0]["true_tempo"] == 120.0
 
 
 def test_info_of_standard_input_and_bad_files(sndtool, example):

@@ -1,13 +1,13 @@
 #include "tools/sndtool/sndtool.h"
 
+#include "exchange/fit.h"
+#include "exchange/played.h"
 #include "preview/timing_tables.h"
 #include "score/melody_text.h"
 #include "score/snd_file.h"
 #include "tools/sndtool/console.h"
 #include "tools/sndtool/inputs.h"
-
-#include <cstdio>
-#include <nlohmann/json.hpp>
+#include "tools/sndtool/reports.h"
 
 namespace tonex {
 
@@ -51,14 +51,64 @@ Facts FactsOf(const SndInput& snd) {
     return facts;
 }
 
-std::string SecondsText(double seconds) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.3f", seconds);
-    return text;
+/// How evenly a file plays what is written in it.
+struct Evenness {
+    bool known = false; ///< the play block is what the entries give
+    Deviation deviation;
+    int worst_entry = -1; ///< counted from 0
+    double true_tempo = 0.0;
+    bool mended = false; ///< another tempo would be heard less
+    Fit mending;
+};
+
+Evenness EvennessOf(const TimingTables& tables, const SndInput& snd, const Facts& facts) {
+    Evenness evenness;
+    PlayBlock block;
+    if (facts.unknown > 0 || !ReadPlayBlock(snd.bytes, block)) return evenness;
+    evenness.true_tempo = TrueTempoOf(snd.mode, block.tempo_byte);
+    const auto units = UnitsPlayed(tables, block, snd.list, snd.mode);
+    if (!units) return evenness;
+    evenness.known = true;
+    Tune tune = TuneOfMelody({snd.tempo, snd.list});
+    evenness.deviation = DeviationOf(SecondsMeant(tune), SecondsPlayed(tune, *units, block.tempo_byte));
+    const std::vector<Interval> intervals = IntervalsOf(tune);
+    if (evenness.deviation.worst >= 0)
+        evenness.worst_entry = At(intervals, evenness.deviation.worst).first_item;
+    if (evenness.deviation.j <= 1.0) return evenness;
+    tune.as_written = false;
+    evenness.mending = FitScore(tables, tune);
+    evenness.mended = evenness.mending.whole && evenness.mending.deviation.j < evenness.deviation.j - 0.1;
+    return evenness;
+}
+
+/// "120 with all lengths halved (J 0.50)"
+std::string MendingText(const Fit& mending) {
+    std::string text = std::to_string(mending.melody.tempo);
+    if (mending.melody.scale != 1.0)
+        text += mending.melody.scale < 1.0 ? " with all lengths halved" : " with all lengths doubled";
+    return text + " (J " + Decimal(mending.deviation.j, 2) + ")";
 }
 
 std::string Narrow(std::wstring_view ascii) {
     return std::string(ascii.begin(), ascii.end());
+}
+
+/// What is played against what is written, for people and as JSON.
+void TellEvenness(Report& report, const SndInput& snd, const Evenness& evenness) {
+    report.json["true_tempo"] = nullptr;
+    if (evenness.true_tempo > 0.0) {
+        report.json["true_tempo"] = Rounded(evenness.true_tempo, 3);
+        Tell(report, "really plays", Decimal(evenness.true_tempo, 2));
+    }
+    report.json["j"] = nullptr;
+    if (!evenness.known) return;
+    TellDeviation(report, evenness.deviation, snd.list, evenness.worst_entry);
+    report.json["mending_tempo"] = nullptr;
+    report.json["mending_scale"] = nullptr;
+    if (!evenness.mended) return;
+    Tell(report, "more even at", "tempo " + MendingText(evenness.mending));
+    report.json["mending_tempo"] = evenness.mending.melody.tempo;
+    report.json["mending_scale"] = evenness.mending.melody.scale;
 }
 
 std::string PlainText(const std::string& name, const SndInput& snd, const Facts& facts) {
@@ -74,7 +124,7 @@ std::string PlainText(const std::string& name, const SndInput& snd, const Facts&
     if (facts.unknown > 0) text += "  unknown      " + std::to_string(facts.unknown) + "\n";
     text += "  lowest note  " + (facts.notes > 0 ? PitchTextOf(facts.lowest) : "-") + "\n";
     text += "  highest note " + (facts.notes > 0 ? PitchTextOf(facts.highest) : "-") + "\n";
-    text += "  duration     " + SecondsText(facts.seconds) + " s\n";
+    text += "  duration     " + Decimal(facts.seconds, 3) + " s\n";
     return text;
 }
 
@@ -102,6 +152,7 @@ nlohmann::ordered_json JsonOf(const std::string& name, const SndInput& snd, cons
 
 int InfoCommand(const Arguments& files, bool as_json) {
     if (!StandardInputOnce(files)) return kExitWrongUsage;
+    const TimingTables tables = BuildTimingTables();
     int status = kExitGood;
     std::string text;
     auto array = nlohmann::ordered_json::array();
@@ -114,11 +165,11 @@ int InfoCommand(const Arguments& files, bool as_json) {
             continue;
         }
         const Facts facts = FactsOf(snd);
-        if (as_json) {
-            array.push_back(JsonOf(file, snd, facts));
-        } else {
-            text += (text.empty() ? "" : "\n") + PlainText(file, snd, facts);
-        }
+        Report report;
+        report.json = JsonOf(file, snd, facts);
+        TellEvenness(report, snd, EvennessOf(tables, snd, facts));
+        array.push_back(report.json);
+        text += (text.empty() ? "" : "\n") + PlainText(file, snd, facts) + LinesOf(report);
     }
     // JSON is UTF-8; a byte of a file name that is not becomes the replacement character.
     if (as_json) text = array.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";

@@ -1,5 +1,6 @@
 // The command line of sndtool.
 #include "tools/sndtool/console.h"
+#include "tools/sndtool/exchange.h"
 #include "tools/sndtool/inputs.h"
 #include "tools/sndtool/sndtool.h"
 
@@ -16,6 +17,8 @@ struct Options {
     std::string output;
     bool as_json = false;
     bool fit = false;
+    ImportWish import_wish;
+    ExportWish export_wish;
 };
 
 constexpr const char* kFooter =
@@ -50,6 +53,35 @@ std::string RefuseEmpty(const std::string& name) {
     return name.empty() ? "a name is empty" : "";
 }
 
+/// What "import" takes beside the files.
+void DescribeImport(CLI::App& import, ImportWish& wish) {
+    import.add_flag("--list", wish.list, "Only list tunes, or tracks and channels");
+    import.add_option("--track", wish.track, "Track, or tune of a text, counted from 1")
+        ->check(CLI::Range(1, 1000));
+    import.add_option("--channel", wish.channel, "Channel, 1 to 16")->check(CLI::Range(1, 16));
+    import.add_option("--from", wish.from, "Begin there, seconds")->check(CLI::Range(0.0, 1e6));
+    import.add_option("--to", wish.to, "End there, seconds")->check(CLI::Range(0.0, 1e9));
+    import
+        .add_option("--transpose", wish.transpose,
+                    "Half tones, or fit: the fewest that bring it onto the piano")
+        ->option_text("N|fit");
+    import.add_option("--octave", wish.octave, "Octaves up, or down when negative")->check(CLI::Range(-9, 9));
+    import.add_option("--speed", wish.speed, "So many times as fast")->check(CLI::Range(0.1, 10.0));
+    import.add_flag("--exact", wish.exact, "Lengths by the clock instead of as they are written");
+    import.add_flag("--as-written", wish.as_written, "Keep tempo and lengths, however unevenly they play");
+    import.add_flag("--fit", wish.fit, "Take the part that fits");
+    import.add_flag("--strict", wish.strict, "Refuse what would be heard to be bent (J above 1)");
+    import.add_flag("--json", wish.as_json, "Report as JSON on standard output");
+}
+
+/// What "export" takes beside the files.
+void DescribeExport(CLI::App& command, ExportWish& wish) {
+    command.add_option("--to", wish.format, "rtttl or mid")->required();
+    command.add_flag("--nominal", wish.nominal, "MIDI: the written lengths instead of what is played");
+    command.add_flag("--strict", wish.strict, "Refuse what would be heard to be bent (J above 1)");
+    command.add_flag("--json", wish.as_json, "Report as JSON on standard output");
+}
+
 void DescribeCommands(CLI::App& app, Options& options) {
     app.allow_windows_style_options(false); // a path may start with a slash
     app.require_subcommand(1);
@@ -81,6 +113,16 @@ void DescribeCommands(CLI::App& app, Options& options) {
     files(build, "IN.txt", "Melody text");
     output(build, "File, folder or -; without it IN.snd beside each file");
     build->add_flag("--fit", options.fit, "Write the part that fits the play block and report the rest");
+
+    CLI::App* import = app.add_subcommand("import", "Make SND files from ring tones (RTTTL) and MIDI files");
+    files(import, "IN", "RTTTL texts or MIDI files");
+    output(import, "File, folder or -; without it IN.snd, or each tune's name, beside each file");
+    DescribeImport(*import, options.import_wish);
+
+    CLI::App* export_command = app.add_subcommand("export", "Write SND files as ring tones or MIDI files");
+    files(export_command, "IN.snd", "SND files");
+    output(export_command, "File, folder or -; without it IN.rtttl or IN.mid beside each file");
+    DescribeExport(*export_command, options.export_wish);
 }
 
 /// Tells of a first word that is no command. True when it is one, or an option.
@@ -126,6 +168,8 @@ int RunCommand(const CLI::App& app, const Options& options) {
     if (command == "check") return CheckCommand(options.files);
     if (command == "wav") return WavCommand(options.files, options.output);
     if (command == "text") return TextCommand(options.files.front());
+    if (command == "import") return ImportCommand(options.files, options.output, options.import_wish);
+    if (command == "export") return ExportCommand(options.files, options.output, options.export_wish);
     return BuildCommand(options.files, options.output, options.fit);
 }
 

@@ -6,6 +6,7 @@
 #include "tools/sndtool/console.h"
 #include "tools/sndtool/inputs.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace tonex {
@@ -29,16 +30,10 @@ bool EndsWithSeparator(const std::string& argument) {
     return !argument.empty() && kSeparators.find(argument.back()) != std::string_view::npos;
 }
 
-/// Where the file name starts in an argument.
-std::size_t NameStart(const std::string& argument) {
-    const std::size_t separator = argument.find_last_of(kSeparators);
-    return separator == std::string::npos ? 0 : separator + 1;
-}
-
 std::string WithExtension(const std::string& argument, const std::string& extension) {
     const std::size_t dot = argument.rfind('.');
     // A dot in a folder's name, or the one that a hidden file's name starts with, begins no extension.
-    if (dot == std::string::npos || dot <= NameStart(argument)) return argument + extension;
+    if (dot == std::string::npos || dot <= NameStartOf(argument)) return argument + extension;
     return argument.substr(0, dot) + extension;
 }
 
@@ -59,7 +54,7 @@ bool OutputOf(const std::string& input, const std::string& output, bool into_fol
         return true;
     }
     if (input == kStandardStream) return Refuse("standard input has no name for a file in " + output);
-    const std::string name = WithExtension(input.substr(NameStart(input)), extension);
+    const std::string name = WithExtension(input.substr(NameStartOf(input)), extension);
     result = EndsWithSeparator(output) ? output + name : output + kSeparator + name;
     return true;
 }
@@ -76,6 +71,16 @@ bool WriteToStream(const Job& job, std::span<const std::uint8_t> bytes, std::str
 }
 
 } // namespace
+
+std::size_t NameStartOf(const std::string& argument) {
+    const std::size_t separator = argument.find_last_of(kSeparators);
+    return separator == std::string::npos ? 0 : separator + 1;
+}
+
+bool GoesToStandardOutput(const std::vector<Job>& jobs) {
+    return std::any_of(jobs.begin(), jobs.end(),
+                       [](const Job& job) { return job.output == kStandardStream; });
+}
 
 bool PlanJobs(const std::vector<std::string>& inputs, const std::string& output, const std::string& extension,
               std::vector<Job>& jobs) {

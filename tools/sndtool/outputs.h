@@ -1,6 +1,7 @@
 // Where a command's files go.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -20,6 +21,12 @@ struct Job {
 /// told, when the arguments make no sense together.
 bool PlanJobs(const std::vector<std::string>& inputs, const std::string& output, const std::string& extension,
               std::vector<Job>& jobs);
+
+/// Where the file name starts in an argument.
+std::size_t NameStartOf(const std::string& argument);
+
+/// Whether one of the jobs writes to standard output.
+bool GoesToStandardOutput(const std::vector<Job>& jobs);
 
 /// Writes a job's output whole: a file is replaced in one step. False, with the user told, when it could not.
 bool WriteJobOutput(const Job& job, std::span<const std::uint8_t> bytes);

@@ -1,0 +1,116 @@
+#include "exchange/tune.h"
+
+#include "score/codes.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace tonex {
+
+namespace {
+
+constexpr double kNothing = 1e-9; ///< seconds; shorter is rounding
+
+/// The half tones of least size, whole octaves or any, that keep a range on the piano.
+bool LeastShift(std::pair<int, int> range, int step, int& half_tones) {
+    for (int size = 0; size <= 10 * kOctave; size += step) {
+        for (const int shift : {size, -size}) {
+            if (range.first + shift < kLowestKey || range.second + shift > kHighestKey) continue;
+            half_tones = shift;
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+void Remark(Remarks& remarks, std::string_view what) {
+    const auto found = std::find_if(remarks.begin(), remarks.end(),
+                                    [&](const auto& remark) { return remark.first == what; });
+    if (found != remarks.end()) {
+        ++found->second;
+    } else {
+        remarks.emplace_back(what, 1);
+    }
+}
+
+std::vector<Interval> IntervalsOf(const Tune& tune) {
+    std::vector<Interval> intervals;
+    for (int i = 0; i < static_cast<int>(tune.items.size()); ++i) {
+        const TuneItem& item = At(tune.items, i);
+        if (item.kind == TuneKind::Note) {
+            intervals.push_back({i, 0, item.pitch, 0.0, item.seconds});
+        } else if (intervals.empty()) {
+            intervals.push_back({i, 0, 0, 0.0, 0.0});
+        }
+        ++intervals.back().items;
+        intervals.back().seconds += item.seconds;
+    }
+    return intervals;
+}
+
+double LengthOf(const Tune& tune) {
+    double seconds = 0.0;
+    for (const TuneItem& item : tune.items)
+        seconds += item.seconds;
+    return seconds;
+}
+
+int CountNotes(const Tune& tune) {
+    return static_cast<int>(std::count_if(tune.items.begin(), tune.items.end(),
+                                          [](const TuneItem& item) { return item.kind == TuneKind::Note; }));
+}
+
+std::pair<int, int> RangeOf(const Tune& tune) {
+    std::pair<int, int> range = {0, 0};
+    bool first = true;
+    for (const TuneItem& item : tune.items) {
+        if (item.kind != TuneKind::Note) continue;
+        if (first || item.pitch < range.first) range.first = item.pitch;
+        if (first || item.pitch > range.second) range.second = item.pitch;
+        first = false;
+    }
+    return range;
+}
+
+void TransposeTune(Tune& tune, int half_tones) {
+    for (TuneItem& item : tune.items) {
+        if (item.kind == TuneKind::Note) item.pitch += half_tones;
+    }
+}
+
+bool HalfTonesToPiano(std::pair<int, int> range, bool whole_octaves_first, int& half_tones) {
+    if (whole_octaves_first && LeastShift(range, kOctave, half_tones)) return true;
+    return LeastShift(range, 1, half_tones);
+}
+
+void SpeedUp(Tune& tune, double speed) {
+    tune.tempo *= speed;
+    for (TuneItem& item : tune.items)
+        item.seconds /= speed;
+}
+
+void KeepPart(Tune& tune, double from, double to) {
+    std::vector<TuneItem> kept;
+    double start = 0.0;
+    for (TuneItem item : tune.items) {
+        const double end = start + item.seconds;
+        const bool note = item.kind == TuneKind::Note;
+        const double first = note ? start : std::max(start, from);
+        const double last = std::min(end, to);
+        const bool inside = item.kind == TuneKind::Separator
+                                ? start >= from - kNothing && start < to
+                                : first >= from - kNothing && last - first > kNothing;
+        if (inside && item.seconds > 0.0) {
+            const double part = (last - first) / item.seconds;
+            item.quarters *= part;
+            item.seconds *= part;
+        }
+        if (inside) kept.push_back(item);
+        start = end;
+    }
+    tune.items = std::move(kept);
+}
+
+} // namespace tonex

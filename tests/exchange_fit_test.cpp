@@ -1,0 +1,193 @@
+#include "exchange/chains.h"
+#include "exchange/fit.h"
+#include "exchange/played.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace tonex {
+namespace {
+
+const TimingTables& Tables() {
+    static const TimingTables tables = BuildTimingTables();
+    return tables;
+}
+
+/// Notes of these lengths in quarter notes; negative ones are rests.
+Tune TuneOf(double tempo, const std::vector<double>& quarters) {
+    Tune tune;
+    tune.tempo = tempo;
+    for (const double length : quarters) {
+        const bool note = length > 0.0;
+        tune.items.push_back({note ? TuneKind::Note : TuneKind::Rest, note ? 39 : 0, std::abs(length),
+                              std::abs(length) * 60.0 / tempo});
+    }
+    return tune;
+}
+
+std::vector<double> Times(std::vector<double> lengths, int times) {
+    std::vector<double> all;
+    for (int i = 0; i < times; ++i)
+        all.insert(all.end(), lengths.begin(), lengths.end());
+    return all;
+}
+
+TEST(Deviation, IsNoneForTheSameLengths) {
+    const std::vector<double> meant = {0.5, 0.25, 1.0};
+    const Deviation deviation = DeviationOf(meant, meant);
+    EXPECT_EQ(deviation.j, 0.0);
+    EXPECT_EQ(deviation.worst, -1);
+    EXPECT_EQ(DeviationOf({}, {}).j, 0.0);
+}
+
+TEST(Deviation, CountsSpeedAndUnevennessApart) {
+    const std::vector<double> meant = {0.5, 0.5, 0.5, 0.5};
+    const std::vector<double> slower = {0.515, 0.515, 0.515, 0.515};
+    EXPECT_NEAR(DeviationOf(meant, slower).j, std::log(1.03) / 0.03, 1e-9);
+    EXPECT_EQ(DeviationOf(meant, slower).worst, -1);
+    const std::vector<double> uneven = {0.5, 0.5, 0.525, 0.475};
+    const Deviation deviation = DeviationOf(meant, uneven);
+    EXPECT_NEAR(deviation.j, std::sqrt((2.0 * 2.0 + 2.0 * 2.0) / 4.0), 1e-9);
+    EXPECT_EQ(deviation.worst, 2);
+    EXPECT_NEAR(deviation.worst_seconds, 0.025, 1e-9);
+    EXPECT_NEAR(deviation.worst_part, 0.05, 1e-9);
+    EXPECT_NEAR(deviation.mean_seconds, 0.0125, 1e-9);
+}
+
+TEST(Deviation, ShortLengthsAreHeardFrom6Milliseconds) {
+    EXPECT_DOUBLE_EQ(HeardFrom(0.1), 0.006);
+    EXPECT_DOUBLE_EQ(HeardFrom(1.0), 0.025);
+}
+
+TEST(Chains, ALengthOfTheEditorIsOneEntry) {
+    for (int code = 0; code < kLengthCodes; ++code)
+        EXPECT_EQ(ChainOf(QuartersOf(code)), std::vector<int>{code});
+}
+
+TEST(Chains, OthersAreTheFewestEntriesThatComeNearest) {
+    EXPECT_EQ(ChainOf(2.5), (std::vector<int>{14, 6}));
+    EXPECT_NEAR(QuartersOfChain(ChainOf(5.0)), 5.0, 1e-9);
+    EXPECT_EQ(ChainOf(5.0).size(), 2u);
+    EXPECT_EQ(ChainOf(0.0).size(), 1u);
+    EXPECT_NEAR(QuartersOfChain(ChainOf(100.0)), 100.0, 0.05);
+}
+
+TEST(Played, TempoBytesGiveTheirTrueTempo) {
+    EXPECT_DOUBLE_EQ(TrueTempoOf(0, 4), 120.0);
+    EXPECT_DOUBLE_EQ(TrueTempoOf(1, 4), 80.0);
+    EXPECT_DOUBLE_EQ(TrueTempoOf(2, 15), 640.0 / 15.0);
+}
+
+TEST(FitScore, KeepsATempoOfTheListAndItsLengths) {
+    const Fit fit = FitTune(Tables(), TuneOf(120.0, {1.0, 0.5, 0.5, 1.5, -0.5, 4.0}), false);
+    EXPECT_EQ(fit.melody.tempo, 120);
+    EXPECT_EQ(fit.melody.scale, 1.0);
+    EXPECT_EQ(fit.deviation.j, 0.0);
+    EXPECT_TRUE(fit.whole);
+}
+
+TEST(FitScore, HalvesOrDoublesLengthsWhereThatComesNearer) {
+    // 140 lies between 160 and 128; at half the lengths 70 plays 68.6.
+    const Fit fast = FitTune(Tables(), TuneOf(140.0, Times({1.0, 0.5, 0.5, 2.0}, 4)), false);
+    EXPECT_EQ(fast.melody.tempo, 70);
+    EXPECT_EQ(fast.melody.scale, 0.5);
+    EXPECT_NEAR(fast.deviation.duration, 140.0 / (2.0 * 480.0 / 7.0), 1e-9);
+    const Fit faster = FitTune(Tables(), TuneOf(200.0, Times({1.0, 0.5, 0.5, 2.0}, 4)), false);
+    EXPECT_EQ(faster.melody.tempo, 96);
+    EXPECT_EQ(faster.melody.scale, 0.5);
+}
+
+TEST(FitScore, GoesByWhatTheWriterMakesNotByTheTempoOfThatName) {
+    // 128 has timing mode 2 only, in which a sixteenth plays a third too short.
+    const Tune tune = TuneOf(128.0, Times({0.25, 0.25, 0.5, 1.0}, 8));
+    Candidate named = WriteLengths(tune, 1.0);
+    named.tempo = 128;
+    const Fit bent = Evaluate(Tables(), tune, named);
+    const Fit fit = FitTune(Tables(), tune, false);
+    EXPECT_NE(fit.melody.tempo, 128);
+    EXPECT_LT(fit.deviation.j, bent.deviation.j / 2.0);
+}
+
+TEST(FitScore, KeepsWhatIsWrittenWhenToldTo) {
+    Tune tune = TuneOf(128.0, Times({0.25, 0.25, 0.5, 1.0}, 8));
+    tune.as_written = true;
+    EXPECT_EQ(FitTune(Tables(), tune, false).melody.tempo, 128);
+}
+
+TEST(FitScore, TellsHowMuchOfALongTuneFits) {
+    const Fit fit = FitTune(Tables(), TuneOf(120.0, Times({0.5}, 600)), false);
+    EXPECT_FALSE(fit.whole);
+    EXPECT_EQ(fit.intervals_written, 509);
+    EXPECT_NEAR(fit.seconds_written, 509 * 0.25, 1e-6);
+    const Fit full = FitTune(Tables(), TuneOf(120.0, Times({6.0}, 400)), false);
+    EXPECT_FALSE(full.whole);
+    EXPECT_LT(full.intervals_written, 400);
+    EXPECT_EQ(full.intervals_written, full.encoding.entries_written);
+}
+
+TEST(FitExact, MeetsAnySpeedWithWholeUnits) {
+    for (const double tempo : {137.0, 151.3, 187.0, 233.0, 285.0}) {
+        Tune tune = TuneOf(tempo, Times({0.5, 0.25, 0.25, 1.0}, 10));
+        const Fit score = FitTune(Tables(), tune, false);
+        const Fit exact = FitTune(Tables(), tune, true);
+        EXPECT_TRUE(exact.melody.exact);
+        EXPECT_TRUE(exact.whole) << tempo;
+        EXPECT_NEAR(exact.deviation.duration, 1.0, 0.016) << tempo;
+        EXPECT_LE(exact.deviation.unevenness, 1.1) << tempo;
+        EXPECT_LE(exact.deviation.j, score.deviation.j + 0.2) << tempo;
+        EXPECT_LE(exact.melody.entries.size(), tune.items.size() * 2) << tempo;
+    }
+}
+
+TEST(FitExact, IsTakenByItselfForATuneThatIsOnNoGrid) {
+    Tune tune = TuneOf(120.0, {0.93, 0.51, 0.47, 1.06, 0.22, 0.31, 0.49, 1.9});
+    tune.on_grid = false;
+    const Fit fit = FitTune(Tables(), tune, false);
+    EXPECT_TRUE(fit.melody.exact);
+    EXPECT_LE(fit.deviation.j, 1.1);
+}
+
+TEST(FitExact, KeepsRestsAndPitches) {
+    const Fit fit = FitTune(Tables(), TuneOf(151.0, {1.0, -1.0, 1.0, -3.0, 2.0}), true);
+    int notes = 0;
+    for (const FileEntry& entry : fit.melody.entries)
+        notes += KindOfFileCode(entry.code) == EntryKind::Note ? 1 : 0;
+    EXPECT_EQ(notes, 3);
+    EXPECT_LE(fit.deviation.j, 1.0);
+}
+
+TEST(Tune, MovesToThePianoByOctavesWhereTheyDoAndElseByTheLeast) {
+    int shift = 0;
+    EXPECT_TRUE(HalfTonesToPiano({30, 60}, true, shift));
+    EXPECT_EQ(shift, 0);
+    EXPECT_TRUE(HalfTonesToPiano({20, 50}, true, shift));
+    EXPECT_EQ(shift, 12);
+    EXPECT_TRUE(HalfTonesToPiano({20, 50}, false, shift));
+    EXPECT_EQ(shift, 7);
+    EXPECT_TRUE(HalfTonesToPiano({20, 68}, true, shift));
+    EXPECT_EQ(shift, 7);
+    EXPECT_FALSE(HalfTonesToPiano({20, 69}, true, shift));
+}
+
+TEST(Tune, KeepsThePartFromOneSecondToAnother) {
+    Tune tune = TuneOf(60.0, {1.0, 1.0, -1.0, 1.0, 2.0});
+    KeepPart(tune, 1.0, 4.5);
+    ASSERT_EQ(tune.items.size(), 4u);
+    EXPECT_NEAR(LengthOf(tune), 3.5, 1e-9);
+    EXPECT_NEAR(tune.items.back().quarters, 0.5, 1e-9);
+    Tune middle = TuneOf(60.0, {1.0, -2.0, 1.0});
+    KeepPart(middle, 1.5, 10.0);
+    ASSERT_EQ(middle.items.size(), 2u);
+    EXPECT_NEAR(middle.items[0].seconds, 1.5, 1e-9);
+}
+
+TEST(Tune, SpeedChangesSecondsAndTempoOnly) {
+    Tune tune = TuneOf(60.0, {1.0, 2.0});
+    SpeedUp(tune, 2.0);
+    EXPECT_EQ(tune.tempo, 120.0);
+    EXPECT_EQ(tune.items[1].quarters, 2.0);
+    EXPECT_EQ(tune.items[1].seconds, 1.0);
+}
+
+} // namespace
+} // namespace tonex

@@ -1,0 +1,297 @@
+#include "exchange/fit.h"
+#include "exchange/played.h"
+#include "exchange/rtttl.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace tonex {
+namespace {
+
+const TimingTables& Tables() {
+    static const TimingTables tables = BuildTimingTables();
+    return tables;
+}
+
+std::vector<Tune> Read(std::string_view text) {
+    RtttlFault fault;
+    auto tunes = ReadRtttl(text, fault);
+    EXPECT_TRUE(tunes.has_value()) << fault.line << ":" << fault.column << " " << fault.reason << "\n"
+                                   << text;
+    return tunes.value_or(std::vector<Tune>{});
+}
+
+Tune ReadOne(std::string_view text) {
+    const std::vector<Tune> tunes = Read(text);
+    EXPECT_EQ(tunes.size(), 1u) << text;
+    return tunes.empty() ? Tune{} : tunes.front();
+}
+
+RtttlFault FaultOf(std::string_view text) {
+    RtttlFault fault;
+    EXPECT_FALSE(ReadRtttl(text, fault).has_value()) << text;
+    return fault;
+}
+
+bool HasRemark(const Tune& tune, std::string_view what) {
+    for (const auto& [remark, times] : tune.remarks) {
+        if (remark.find(what) != std::string::npos && times > 0) return true;
+    }
+    return false;
+}
+
+/// "c5 0.5" an item, in one line; rests are r.
+std::string ItemsOf(const Tune& tune) {
+    std::string text;
+    for (const TuneItem& item : tune.items) {
+        char length[32];
+        std::snprintf(length, sizeof length, "%.4g", item.quarters);
+        text += (text.empty() ? "" : ", ") + (item.kind == TuneKind::Note ? PitchTextOf(item.pitch) : "r") +
+                " " + length;
+    }
+    return text;
+}
+
+TEST(RtttlReader, DefaultsStandInForWhatIsLeftOut) {
+    const Tune tune = ReadOne("x:d=8,o=5,b=120:c,4d#,e6,2f#.,p");
+    EXPECT_EQ(ItemsOf(tune), "c5 0.5, d5# 1, e6 0.5, f5# 3, r 0.5");
+    EXPECT_EQ(tune.name, "x");
+    EXPECT_EQ(tune.tempo, 120);
+    EXPECT_DOUBLE_EQ(tune.items[1].seconds, 0.5);
+    EXPECT_TRUE(tune.remarks.empty());
+}
+
+TEST(RtttlReader, MissingControlsAreLength4Octave6Tempo63) {
+    const Tune tune = ReadOne("x::a");
+    EXPECT_EQ(ItemsOf(tune), "a6 1");
+    EXPECT_EQ(tune.tempo, 63);
+    EXPECT_TRUE(HasRemark(tune, "no tempo"));
+}
+
+TEST(RtttlReader, ADotStandsBehindTheLengthTheNoteOrTheOctave) {
+    EXPECT_EQ(ItemsOf(ReadOne("x:d=4,o=5,b=120:8.c6,8c.6,8c6.,8c.")), "c6 0.75, c6 0.75, c6 0.75, c5 0.75");
+    EXPECT_TRUE(HasRemark(ReadOne("x:b=120:8.c6"), "behind a length"));
+    EXPECT_TRUE(HasRemark(ReadOne("x:b=120:8c.6"), "in front of an octave"));
+}
+
+TEST(RtttlReader, CaseBlanksLineEndsOrderOfControlsAndTrailingCommasMeanNothing) {
+    EXPECT_EQ(ItemsOf(ReadOne("X : B=120 , O=5,d = 8 :\r\n C , D#5,\r\n 4 E,\r\n")), "c5 0.5, d5# 0.5, e5 1");
+}
+
+TEST(RtttlReader, HIsBAndFlatsAreTheSharpBelow) {
+    EXPECT_EQ(ItemsOf(ReadOne("x:o=5,b=120:h,b,eb,bb6,b5")), "b5 1, b5 1, d5# 1, a6# 1, b5 1");
+}
+
+TEST(RtttlReader, BIsAControlOnlyInFrontOfAnEqualsSign) {
+    const Tune tune = ReadOne("x:d=4,o=4,b=60:b5,b=120,b5,o=6,c");
+    EXPECT_EQ(ItemsOf(tune), "b5 1, b5 1, c6 1");
+    EXPECT_DOUBLE_EQ(tune.items[0].seconds, 1.0);
+    EXPECT_DOUBLE_EQ(tune.items[1].seconds, 0.5);
+    EXPECT_TRUE(tune.bends);
+    EXPECT_NEAR(tune.tempo, 90.0, 1e-9);
+}
+
+TEST(RtttlReader, LengthsOf12And24AreTriplets) {
+    const Tune tune = ReadOne("x:o=5,b=120:12c,24d,5e");
+    EXPECT_NEAR(tune.items[0].quarters, 1.0 / 3.0, 1e-9);
+    EXPECT_NEAR(tune.items[1].quarters, 1.0 / 6.0, 1e-9);
+    EXPECT_NEAR(tune.items[2].quarters, 0.8, 1e-9);
+    EXPECT_TRUE(HasRemark(tune, "triplet"));
+    EXPECT_TRUE(HasRemark(tune, "does not have"));
+}
+
+TEST(RtttlReader, ALineWithAColonBeginsTheNextTune) {
+    const auto tunes =
+        Read("// a comment\none:b=100:c,\n d,e\n# another\n\ntwo:b=120:f // a third\nb=90:g\n");
+    ASSERT_EQ(tunes.size(), 3u);
+    EXPECT_EQ(tunes[0].items.size(), 3u);
+    EXPECT_EQ(tunes[1].name, "two");
+    EXPECT_EQ(tunes[2].name, "");
+    EXPECT_EQ(tunes[2].tempo, 90);
+}
+
+TEST(RtttlReader, OfSeveralVoicesTheFirstIsTaken) {
+    const Tune tune = ReadOne("x:d=4,o=5,b=120:c,d | e,f ; g | a");
+    EXPECT_EQ(ItemsOf(tune), "c5 1, d5 1, g5 1");
+    EXPECT_TRUE(HasRemark(tune, "first of several voices"));
+}
+
+TEST(RtttlReader, UnknownControlsAndAByteOrderMarkAreNoFault) {
+    EXPECT_EQ(ItemsOf(ReadOne("\xEF\xBB\xBFx:d=4,o=5,b=120,s=N,l=2:c")), "c5 1");
+}
+
+TEST(RtttlReader, NamesLineAndColumnOfWhatIsWrong) {
+    struct Case {
+        std::string_view text;
+        int line, column;
+        std::string_view reason;
+    };
+    for (const Case& wrong :
+         std::initializer_list<Case>{{"x:d=4,b=120:c,8x,d", 1, 15, "\"8x\" is no note"},
+                                     {"a:b=90:c\nx:d=4:c,\n  q", 3, 3, "\"q\" is no note"},
+                                     {"x:d=0:c", 1, 3, "no length"},
+                                     {"x:b=0:c", 1, 3, "no tempo"},
+                                     {"x:b=1001:c", 1, 3, "no tempo"},
+                                     {"x:o=12:c", 1, 3, "no octave"},
+                                     {"x:hello:c", 1, 3, "no control"},
+                                     {"x:b=:c", 1, 3, "no tempo"},
+                                     {"x:b=9z:c", 1, 3, "no number"},
+                                     {"x:b=90:0c", 1, 8, "has no length"},
+                                     {"x:b=90:999c", 1, 8, "has no length"},
+                                     {"x:b=90:8", 1, 8, "no note"},
+                                     {"x:b=90:c5x", 1, 10, "no note"},
+                                     {"x:b=90:c...", 1, 11, "two dots"},
+                                     {"x:b=90:p,p", 1, 8, "no note"},
+                                     {"x:b=90:", 1, 8, "no note"},
+                                     {"no tune here", 1, 1, "no ring tone"},
+                                     {"x:no second", 1, 2, "no second colon"},
+                                     {"", 1, 1, "no ring tone"}}) {
+        const RtttlFault fault = FaultOf(wrong.text);
+        EXPECT_EQ(fault.line, wrong.line) << wrong.text;
+        EXPECT_EQ(fault.column, wrong.column) << wrong.text;
+        EXPECT_NE(fault.reason.find(wrong.reason), std::string::npos) << wrong.text << ": " << fault.reason;
+    }
+}
+
+TEST(RtttlReader, CountsOfTunesAndItemsAreLimited) {
+    std::string many = "x:b=90:c";
+    for (int i = 0; i < kMostTuneItems; ++i)
+        many += ",c";
+    EXPECT_NE(FaultOf(many).reason.find("more than 20000"), std::string::npos);
+    std::string tunes;
+    for (int i = 0; i <= kMostTunes; ++i)
+        tunes += "x:b=90:c\n";
+    EXPECT_NE(FaultOf(tunes).reason.find("more than 1000 tunes"), std::string::npos);
+}
+
+// The writer.
+
+Melody MelodyFrom(std::string_view text) {
+    MelodyTextFault fault;
+    const auto melody = ParseMelodyText(Tables(), text, fault);
+    EXPECT_TRUE(melody.has_value()) << fault.reason;
+    return melody.value_or(Melody{});
+}
+
+/// What the writer's file plays.
+struct Play {
+    std::vector<double> seconds;
+    double true_tempo = 0.0;
+};
+
+Play Played(const Melody& melody) {
+    const SndEncoding encoding = EncodeSnd(Tables(), melody.tempo, melody.list);
+    const int mode = ChooseTimingMode(Tables(), melody.list, TempoIndexOf(Tables(), melody.tempo));
+    PlayBlock block;
+    EXPECT_TRUE(ReadPlayBlock(encoding.bytes, block));
+    const auto units = UnitsPlayed(Tables(), block, melody.list, mode);
+    EXPECT_TRUE(units.has_value());
+    return {SecondsPlayed(TuneOfMelody(melody), units.value_or(std::vector<int>{}), block.tempo_byte),
+            TrueTempoOf(mode, block.tempo_byte)};
+}
+
+RtttlText WrittenFrom(const Melody& melody, std::string_view name = "x") {
+    const Play play = Played(melody);
+    return WriteRtttl(melody, play.seconds, play.true_tempo, name);
+}
+
+RtttlText Written(std::string_view text, std::string_view name = "x") {
+    return WrittenFrom(MelodyFrom(text), name);
+}
+
+TEST(RtttlWriter, WritesTheControlsInOrderAndALineEnd) {
+    EXPECT_EQ(Written("tempo 120\nc5 1/8\nd5# 1/8\nb5 1/4\nc6 1/8.\nr 1/8\n", "My tune: a,b").text,
+              "Mytuneab:d=8,o=6,b=120:c5,d#5,4b5,c.,p\n");
+}
+
+TEST(RtttlWriter, LeavesOutTheOctaveOfTheDottedNotes) {
+    EXPECT_EQ(Written("tempo 120\nc5 1/4\nd5 1/4\ne5 1/4\nc6 1/4.\n").text, "x:d=4,o=6,b=120:c5,d5,e5,c.\n");
+}
+
+TEST(RtttlWriter, ADoubleDotBecomesADotAndARest) {
+    const RtttlText made = Written("tempo 120\nc5 1/4..\nd5 1/4\n");
+    EXPECT_EQ(made.text, "x:d=4,o=5,b=120:c.,16p,d\n");
+    EXPECT_EQ(made.remarks.size(), 1u);
+}
+
+TEST(RtttlWriter, WritesTheTempoThatIsReallyPlayedWhereTheOtherIsHeard) {
+    // The triplets force tempo 44 into mode 2, where it plays at 42.67.
+    const RtttlText made = Written("tempo 44\nc5 1/4\nd5 1/4\ne5 1/4\nf5 1/4\nc5 1/8t\nd5 1/8t\ne5 1/8t\n");
+    EXPECT_NEAR(made.beats / made.scale, 42.67, 0.7);
+    EXPECT_EQ(Written("tempo 44\nc5 1/4\nd5 1/4\n").beats, 44);
+}
+
+TEST(RtttlWriter, TripletsOnlyArePlainLengthsAtAnotherTempo) {
+    const RtttlText made = Written("tempo 80\nc5 1/8t\nd5 1/8t\ne5 1/8t\nc5 1/8t\nd5 1/8t\ne5 1/8t\n");
+    EXPECT_EQ(made.text, "x:d=8,o=5,b=120:c,d,e,c,d,e\n");
+    EXPECT_EQ(made.scale, 1.5);
+}
+
+TEST(RtttlWriter, MovesTheWholeMelodyIntoItsOctaves) {
+    const RtttlText made = Written("tempo 120\nc8 1/4\nb7 1/4\n");
+    EXPECT_EQ(made.half_tones, -12);
+    EXPECT_EQ(made.text, "x:d=4,o=7,b=120:c,b6\n");
+    EXPECT_EQ(Written("tempo 120\nc4 1/4\nc8 1/4\n").reason,
+              "the melody is wider than the four octaves that a ring tone has");
+    EXPECT_NE(Written("tempo 120\nr 1/4\n").reason, "");
+}
+
+// Both ways.
+
+/// Lengths that the format has: no second dot, no triplet.
+bool IsPlain(int code) {
+    const NoteLength& length = At(kNoteLengths, code);
+    return length.dots < 2 && !length.triplet;
+}
+
+Melody RandomPlainMelody(std::mt19937& random) {
+    Melody melody;
+    melody.tempo = At(Tables().tempo_list, static_cast<int>(random() % 28));
+    const int entries = 1 + static_cast<int>(random() % 60);
+    for (int i = 0; i < entries; ++i) {
+        int code = 0;
+        do
+            code = static_cast<int>(random() % kLengthCodes);
+        while (!IsPlain(code));
+        const bool rest = i > 0 && random() % 5 == 0;
+        At(melody.list, i).code = static_cast<std::uint16_t>(rest ? kFileRests + code : code);
+        At(melody.list, i).pitch = static_cast<std::uint16_t>(rest ? kFileRestPitch : 26 + random() % 48);
+    }
+    return melody;
+}
+
+std::vector<FileEntry> EntriesOf(const Melody& melody) {
+    return {melody.list.begin(), melody.list.begin() + CountEntries(melody.list)};
+}
+
+TEST(RtttlRoundTrip, GivesTheSameMelodyWhereItPlaysWhatIsWritten) {
+    std::mt19937 random(11);
+    int told = 0;
+    for (int i = 0; i < 150; ++i) {
+        const Melody melody = RandomPlainMelody(random);
+        const RtttlText made = WrittenFrom(melody);
+        if (DeviationOf(SecondsMeant(TuneOfMelody(melody)), Played(melody).seconds).j > 0.9) continue;
+        const Fit fit = FitTune(Tables(), ReadOne(made.text), false);
+        EXPECT_EQ(fit.melody.tempo, melody.tempo) << made.text;
+        EXPECT_EQ(fit.melody.entries, EntriesOf(melody)) << made.text;
+        ++told;
+    }
+    EXPECT_GT(told, 30);
+}
+
+TEST(RtttlRoundTrip, GivesEveryMelodyOfPlainLengthsWhenItIsKeptAsWritten) {
+    std::mt19937 random(12);
+    for (int i = 0; i < 300; ++i) {
+        const Melody melody = RandomPlainMelody(random);
+        const RtttlText made = WrittenFrom(melody);
+        ASSERT_NE(made.text, "") << made.reason;
+        Tune tune = ReadOne(made.text);
+        tune.as_written = true;
+        const Fit fit = FitTune(Tables(), tune, false);
+        EXPECT_EQ(fit.melody.tempo, melody.tempo) << made.text;
+        EXPECT_EQ(fit.melody.entries, EntriesOf(melody)) << made.text;
+    }
+}
+
+} // namespace
+} // namespace tonex
