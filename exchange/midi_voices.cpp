@@ -232,6 +232,18 @@ double PlaceOf(double tick, int ticks_of_quarter) {
                                                  : std::round(quarters * 24.0) / 24.0;
 }
 
+/// Where a score would end a note: at a multiple of an eighth or a sixth of a quarter note.
+double EndPlaceOf(double quarters) {
+    const double straight = std::round(quarters * 8.0) / 8.0;
+    const double triplet = std::round(quarters * 6.0) / 6.0;
+    return std::abs(straight - quarters) <= std::abs(triplet - quarters) + 1e-9 ? straight : triplet;
+}
+
+bool IsOnEndPlace(double quarters, int ticks_of_quarter) {
+    const double near = std::max(kGridNear, 0.5 / ticks_of_quarter);
+    return std::abs(EndPlaceOf(quarters) - quarters) <= near;
+}
+
 /// Nine onsets of ten lie where a score has them.
 bool LiesOnGrid(const std::vector<Sound>& line, int ticks_of_quarter) {
     if (ticks_of_quarter == 0) return false;
@@ -273,13 +285,17 @@ double SecondsFrom(const LineWriter& writer, double from, double to) {
 void WriteSound(const LineWriter& writer, const Sound& sound, double next_start) {
     double end = sound.end;
     const int ticks = writer.ticks_of_quarter;
-    const bool on_place = writer.on_grid && IsOnPlace(end / ticks, ticks);
+    const bool on_place = writer.on_grid && IsOnEndPlace(end / ticks, ticks);
     const double sounding = SecondsAt(writer.clock, end) - sound.start_seconds;
     const double all = SecondsAt(writer.clock, next_start) - sound.start_seconds;
     if (IsShortGap(sounding, all, on_place)) {
         if (next_start - end > 0.5)
             Remark(writer.tune.remarks, "let a note last through the short gap behind it");
         end = next_start;
+    } else if (writer.on_grid && end < next_start) {
+        // A note that is followed by a rest ends where a score would end it.
+        const double place = EndPlaceOf(end / ticks) * ticks;
+        if (place > sound.start && place < next_start) end = place;
     }
     const int pitch = sound.key - kMidiPitchDistance;
     writer.tune.items.push_back({TuneKind::Note, pitch, QuartersFrom(writer, sound.start, end),

@@ -133,7 +133,6 @@ constexpr int kMarker = 6;
 MidiBytes WritePlayedMidi(const PlayBlock& block, const Melody& melody, int mode,
                           const std::vector<int>& units, std::string_view name) {
     MidiBytes refused;
-    refused.reason = ReasonAgainst(melody);
     for (std::size_t i = 0; i + 1 < block.records.size() && refused.reason.empty(); i += 2) {
         if (block.records[i] > kHighestByte && block.records[i + 1] >= 16)
             refused.reason = "record " + std::to_string(i / 2 + 1) + " is higher than MIDI goes";

@@ -50,7 +50,7 @@ struct RtttlText {
 
 /// A melody as a ring tone, as near to what its file plays as the format goes. `played` is what each interval
 /// of TuneOfMelody lasts there, seconds, and `true_tempo` what TrueTempoOf says of it. Refuses a melody that
-/// is wider than four octaves or has no note.
+/// is wider than four octaves, or has no note or an entry with an unknown code.
 RtttlText WriteRtttl(const Melody& melody, const std::vector<double>& played, double true_tempo,
                      std::string_view name);
 

@@ -224,6 +224,19 @@ Trial BestTrial(const Tune& tune, const std::vector<double>& played, double true
     return best;
 }
 
+/// Why a text can not hold the melody, its range aside; empty when it can.
+std::string ReasonAgainst(const Melody& melody) {
+    const int count = CountEntries(melody.list);
+    bool note = false;
+    for (int i = 0; i < count; ++i) {
+        const std::uint16_t code = At(melody.list, i).code;
+        if (KindOfFileCode(code) == EntryKind::Foreign)
+            return "entry " + std::to_string(i + 1) + " has the unknown code " + std::to_string(code);
+        note = note || KindOfFileCode(code) == EntryKind::Note;
+    }
+    return note ? "" : "the melody has no note";
+}
+
 void RemarkLosses(const Tune& tune, const std::vector<TextItem>& items, Remarks& remarks) {
     int sounds = 0;
     for (const TuneItem& item : tune.items) {
@@ -243,10 +256,8 @@ RtttlText WriteRtttl(const Melody& melody, const std::vector<double>& played, do
                      std::string_view name) {
     RtttlText result;
     Tune tune = TuneOfMelody(melody);
-    if (CountNotes(tune) == 0) {
-        result.reason = "the melody has no note";
-        return result;
-    }
+    result.reason = ReasonAgainst(melody);
+    if (!result.reason.empty()) return result;
     if (!ShiftToOctaves(RangeOf(tune), result.half_tones)) {
         result.reason = "the melody is wider than the four octaves that a ring tone has";
         return result;

@@ -123,7 +123,7 @@ bool MakeMidi(Export& melody, const std::string& input, bool nominal, Report& re
          nominal ? std::to_string(melody.snd.tempo) + ", as it is written"
                  : Decimal(true_tempo, 2) + ", as the file plays");
     Tell(report, "size", std::to_string(made.ticks) + " ticks, 480 a quarter note");
-    report.json["tempo"] = nominal ? melody.snd.tempo : Rounded(true_tempo, 3);
+    report.json["tempo"] = Rounded(nominal ? melody.snd.tempo : true_tempo, 3);
     report.json["ticks"] = made.ticks;
     // What the MIDI file has against what the organiser plays: nothing, unless the written lengths were
     // wanted.

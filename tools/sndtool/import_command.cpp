@@ -25,9 +25,9 @@ constexpr std::size_t kMostNameBytes = 8; ///< that the organiser knows
 struct Import {
     std::string input;
     Tune tune;
-    std::string source;          ///< "tune 2 \"Name\"", "track 3 \"Lead\", channel 1"
-    std::string chosen;          ///< why this one; empty when it was asked for or there is no other
-    nlohmann::ordered_json json; ///< what the report has of it
+    std::string source; ///< "tune 2 \"Name\"", "track 3 \"Lead\", channel 1"
+    std::string chosen; ///< why this one; empty when it was asked for or there is no other
+    nlohmann::ordered_json json = nlohmann::ordered_json::object(); ///< what the report has of it
 };
 
 std::string Named(const std::string& what, const std::string& name) {

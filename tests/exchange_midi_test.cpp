@@ -1,0 +1,407 @@
+#include "exchange/fit.h"
+#include "exchange/midi_voices.h"
+#include "exchange/midi_writer.h"
+#include "exchange/played.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace tonex {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+const TimingTables& Tables() {
+    static const TimingTables tables = BuildTimingTables();
+    return tables;
+}
+
+void Add(Bytes& bytes, std::uint32_t number, int count) {
+    for (int i = count - 1; i >= 0; --i)
+        bytes.push_back(static_cast<std::uint8_t>(number >> (8 * i)));
+}
+
+Bytes Header(int format, int tracks, int division) {
+    Bytes bytes = {'M', 'T', 'h', 'd'};
+    Add(bytes, 6, 4);
+    Add(bytes, static_cast<std::uint32_t>(format), 2);
+    Add(bytes, static_cast<std::uint32_t>(tracks), 2);
+    Add(bytes, static_cast<std::uint32_t>(division), 2);
+    return bytes;
+}
+
+const Bytes kEnd = {0, 0xFF, 0x2F, 0};
+
+void AddTrack(Bytes& bytes, const Bytes& events, const Bytes& end = kEnd) {
+    for (const char letter : {'M', 'T', 'r', 'k'})
+        bytes.push_back(static_cast<std::uint8_t>(letter));
+    Add(bytes, static_cast<std::uint32_t>(events.size() + end.size()), 4);
+    bytes.insert(bytes.end(), events.begin(), events.end());
+    bytes.insert(bytes.end(), end.begin(), end.end());
+}
+
+/// A file of one track, 96 ticks a quarter note.
+Bytes OneTrack(const Bytes& events) {
+    Bytes bytes = Header(0, 1, 96);
+    AddTrack(bytes, events);
+    return bytes;
+}
+
+MidiFile Read(const Bytes& bytes) {
+    MidiFile file;
+    MidiFault fault;
+    EXPECT_TRUE(ReadMidi(bytes, file, fault)) << fault.offset << ": " << fault.reason;
+    return file;
+}
+
+MidiFault FaultOf(const Bytes& bytes) {
+    MidiFile file;
+    MidiFault fault;
+    EXPECT_FALSE(ReadMidi(bytes, file, fault));
+    return fault;
+}
+
+bool HasRemark(const Remarks& remarks, std::string_view what) {
+    for (const auto& [remark, times] : remarks) {
+        if (remark.find(what) != std::string::npos && times > 0) return true;
+    }
+    return false;
+}
+
+std::string ItemsOf(const Tune& tune) {
+    std::string text;
+    for (const TuneItem& item : tune.items) {
+        char length[32];
+        std::snprintf(length, sizeof length, "%.4g", item.quarters);
+        text += (text.empty() ? "" : ", ") + (item.kind == TuneKind::Note ? PitchTextOf(item.pitch) : "r") +
+                " " + length;
+    }
+    return text;
+}
+
+Tune Melody0(const Bytes& bytes) {
+    const MidiFile file = Read(bytes);
+    const auto voices = VoicesOf(file);
+    const int melody = MelodyOf(voices, -1, -1);
+    return melody < 0 ? Tune{} : TuneOfVoice(file, At(voices, melody), 0.0, 1e9);
+}
+
+// The reader.
+
+TEST(MidiReader, ReadsNotesAndRunningStatus) {
+    const MidiFile file = Read(OneTrack({0, 0x90, 60, 100, 96, 60, 0, 0, 62, 100, 48, 62, 0}));
+    ASSERT_EQ(file.notes.size(), 2u);
+    EXPECT_EQ(file.notes[0].key, 60);
+    EXPECT_EQ(file.notes[0].end, 96);
+    EXPECT_EQ(file.notes[1].start, 96);
+    EXPECT_EQ(file.notes[1].end, 144);
+    EXPECT_TRUE(file.remarks.empty());
+}
+
+TEST(MidiReader, KeepsRunningStatusBeyondAMetaEventAndTells) {
+    const MidiFile file = Read(OneTrack({0, 0x90, 60, 100, 0, 0xFF, 1, 1, 'x', 96, 60, 0}));
+    ASSERT_EQ(file.notes.size(), 1u);
+    EXPECT_EQ(file.notes[0].end, 96);
+    EXPECT_TRUE(HasRemark(file.remarks, "kept a status"));
+}
+
+TEST(MidiReader, StrikingAgainEndsAndOneOffEndsAll) {
+    const MidiFile file = Read(OneTrack({0, 0x90, 60, 100, 48, 60, 100, 48, 0x80, 60, 0}));
+    ASSERT_EQ(file.notes.size(), 2u);
+    EXPECT_EQ(file.notes[0].end, 48);
+    EXPECT_EQ(file.notes[1].end, 96);
+}
+
+TEST(MidiReader, RepairsWhatCanBeRepairedAndTells) {
+    EXPECT_TRUE(HasRemark(Read(OneTrack({0, 0x90, 60, 200, 96, 60, 0})).remarks, "above 127"));
+    EXPECT_TRUE(HasRemark(Read(OneTrack({0, 0x90, 60, 100})).remarks, "ended a note"));
+    Bytes open = Header(0, 1, 96);
+    AddTrack(open, {0, 0x90, 60, 100, 96, 60, 0}, {});
+    EXPECT_TRUE(HasRemark(Read(open).remarks, "no end event"));
+    Bytes counts = Header(1, 60000, 96);
+    AddTrack(counts, {0, 0x90, 60, 100, 96, 60, 0});
+    EXPECT_TRUE(HasRemark(Read(counts).remarks, "other tracks"));
+    Bytes cut = OneTrack({0, 0x90, 60, 100, 96, 60, 0, 0, 62, 100, 48, 62, 0});
+    cut.resize(cut.size() - 6);
+    EXPECT_TRUE(HasRemark(Read(cut).remarks, "beyond the end of the file"));
+    EXPECT_EQ(Read(cut).notes.size(), 2u);
+    Bytes foreign = Header(0, 1, 96);
+    foreign.insert(foreign.end(), {'X', 'F', 'I', 'H', 0, 0, 0, 1, 9});
+    AddTrack(foreign, {0, 0x90, 60, 100, 96, 60, 0});
+    EXPECT_TRUE(HasRemark(Read(foreign).remarks, "no track"));
+    EXPECT_TRUE(
+        HasRemark(Read(OneTrack({0, 0xFF, 0x51, 3, 0, 0, 0, 0, 0x90, 60, 100})).remarks, "tempo of 0"));
+    EXPECT_TRUE(HasRemark(Read(OneTrack({0, 0xFF, 0x51, 1, 7, 0, 0x90, 60, 100})).remarks, "three bytes"));
+}
+
+TEST(MidiReader, LeavesOutSysexAndMetaUnread) {
+    const MidiFile file = Read(OneTrack({0, 0xF0, 3, 1,    2, 0xF7, 0, 0xFF, 0x59, 5,   1,  2,  3,
+                                         4, 5,    0, 0xF7, 1, 9,    0, 0x90, 60,   100, 10, 60, 0}));
+    EXPECT_EQ(file.notes.size(), 1u);
+}
+
+TEST(MidiReader, ReadsARiffWrapper) {
+    const Bytes inner = OneTrack({0, 0x90, 60, 100, 96, 60, 0});
+    Bytes riff = {'R', 'I', 'F', 'F', 0,   0,   0,   0,   'R',
+                  'M', 'I', 'D', 'I', 'N', 'F', 'O', 1,   0,
+                  0,   0,   7,   0,   'd', 'a', 't', 'a', static_cast<std::uint8_t>(inner.size()),
+                  0,   0,   0};
+    riff.insert(riff.end(), inner.begin(), inner.end());
+    EXPECT_TRUE(LooksLikeMidi(riff));
+    EXPECT_EQ(Read(riff).notes.size(), 1u);
+    riff.resize(30);
+    EXPECT_EQ(FaultOf(riff).reason, "\"MThd\" is missing");
+}
+
+TEST(MidiReader, RefusesWithTheOffset) {
+    struct Case {
+        Bytes bytes;
+        std::size_t offset;
+        std::string_view reason;
+    };
+    const Bytes note = {0, 0x90, 60, 100, 96, 60, 0};
+    const auto header = [&](std::uint32_t length) {
+        Bytes bytes = Header(0, 1, 96);
+        for (int i = 0; i < 4; ++i)
+            bytes[static_cast<std::size_t>(4 + i)] = static_cast<std::uint8_t>(length >> (24 - 8 * i));
+        AddTrack(bytes, note);
+        return bytes;
+    };
+    const auto with = [&](int format, int division) {
+        Bytes bytes = Header(format, 1, division);
+        AddTrack(bytes, note);
+        return bytes;
+    };
+    const std::vector<Case> cases = {
+        {{}, 0, "MThd"},
+        {{'M', 'T', 'h', 'd'}, 4, "beyond"},
+        {header(0), 4, "length is 0"},
+        {header(5), 4, "length is 5"},
+        {header(0xFFFFFFFF), 4, "length is 4294967295"},
+        {with(3, 96), 8, "format is 3"},
+        {with(0, 0), 12, "division is 0"},
+        {with(0, 0xE800), 12, "division"},
+        {with(0, 0xE128), 12, "division"},
+        {Header(0, 1, 96), 14, "no track"},
+        {OneTrack({0x81, 0x82, 0x83, 0x84, 0x05, 0x90, 60, 100}), 22, "more than 4 bytes"},
+        {OneTrack({0, 60, 100}), 23, "without the status"},
+        {OneTrack({0, 0xF5, 0}), 23, "byte 245"},
+        {OneTrack({0, 0xFF, 1, 0x7F, 'x'}), 25, "beyond the end of its track"},
+        {OneTrack({0, 0xFF, 1, 0x8F, 0xFF, 0xFF, 0x7F}), 25, "beyond the end of its track"},
+    };
+    for (const Case& wrong : cases) {
+        const MidiFault fault = FaultOf(wrong.bytes);
+        EXPECT_EQ(fault.offset, wrong.offset) << wrong.reason << " / " << fault.reason;
+        EXPECT_NE(fault.reason.find(wrong.reason), std::string::npos) << fault.reason;
+    }
+}
+
+TEST(MidiReader, CountsOfTracksAndEventsAreLimited) {
+    Bytes tracks = Header(1, 5, 96);
+    for (int i = 0; i <= kMostMidiTracks; ++i)
+        AddTrack(tracks, {});
+    EXPECT_NE(FaultOf(tracks).reason.find("tracks"), std::string::npos);
+    Bytes events = {0, 0xC0};
+    for (int i = 0; i < kMostMidiEvents; ++i)
+        events.insert(events.end(), {1, 0});
+    EXPECT_NE(FaultOf(OneTrack(events)).reason.find("events"), std::string::npos);
+}
+
+TEST(MidiReader, SmpteDivisionsAreSeconds) {
+    for (const auto& [frames, rate] : {std::pair{24, 24.0}, {25, 25.0}, {29, 30000.0 / 1001.0}, {30, 30.0}}) {
+        Bytes bytes = Header(0, 1, (256 - frames) << 8 | 40);
+        AddTrack(bytes, {0, 0x90, 60, 100, 96, 60, 0});
+        const MidiFile file = Read(bytes);
+        EXPECT_NEAR(SecondsAt(ClockOf(file, 0), 40.0 * rate), 1.0, 1e-9) << frames;
+    }
+}
+
+TEST(MidiClock, IsAt120UntilTheFirstTempoAndFollowsAllTracks) {
+    Bytes bytes = Header(1, 2, 96);
+    AddTrack(bytes, {96, 0xFF, 0x51, 3, 0x0F, 0x42, 0x40}); // one second from the second quarter note on
+    AddTrack(bytes, {0, 0x90, 60, 100, 96, 60, 0});
+    const MidiClock clock = ClockOf(Read(bytes), 1);
+    EXPECT_DOUBLE_EQ(SecondsAt(clock, 96), 0.5);
+    EXPECT_DOUBLE_EQ(SecondsAt(clock, 192), 1.5);
+    Bytes own = bytes;
+    own[9] = 2; // format 2: a track's own tempos only
+    EXPECT_DOUBLE_EQ(SecondsAt(ClockOf(Read(own), 1), 192), 1.0);
+}
+
+// Voices.
+
+TEST(MidiVoices, FormatZeroIsSplitByChannelAndDrumsAreLeftOut) {
+    const MidiFile file = Read(OneTrack({0,  0x91, 40, 100, 0, 0x90, 72, 100, 0, 0x99, 80, 100,
+                                         96, 0x90, 72, 0,   0, 0x91, 40, 0,   0, 0x99, 80, 0}));
+    const auto voices = VoicesOf(file);
+    ASSERT_EQ(voices.size(), 3u);
+    EXPECT_TRUE(voices[2].drums);
+    EXPECT_EQ(voices[2].points, 0.0);
+    EXPECT_EQ(MelodyOf(voices, -1, -1), 0);
+    EXPECT_EQ(MelodyOf(voices, -1, 1), 1);
+    EXPECT_EQ(MelodyOf(voices, -1, kMidiDrums), -1);
+    EXPECT_EQ(MelodyOf(voices, 1, -1), -1);
+}
+
+TEST(MidiVoices, ANameMakesAMelody) {
+    Bytes bytes = Header(1, 2, 96);
+    Bytes high, low = {0, 0xFF, 3, 4, 'L', 'e', 'a', 'd'};
+    for (int i = 0; i < 10; ++i) {
+        high.insert(high.end(), {0, 0x90, static_cast<std::uint8_t>(80 + i), 100, 96,
+                                 static_cast<std::uint8_t>(80 + i), 0});
+        low.insert(low.end(), {0, 0x91, static_cast<std::uint8_t>(60 + i), 100, 96,
+                               static_cast<std::uint8_t>(60 + i), 0});
+    }
+    AddTrack(bytes, high);
+    AddTrack(bytes, low);
+    auto voices = VoicesOf(Read(bytes));
+    ASSERT_EQ(voices.size(), 2u);
+    EXPECT_EQ(voices[1].name, "Lead");
+    // Both sound alone in their voice and all the time; the upper one is on top, the lower one has the name.
+    EXPECT_NEAR(voices[0].points, 40.0 + 25.0 + 20.0 + 15.0 * 10.0 / 12.0, 1e-6);
+    EXPECT_NEAR(voices[1].points, 25.0 + 20.0 + 15.0 * 10.0 / 12.0 + 30.0, 1e-6);
+}
+
+TEST(MidiVoices, OfAChordTheHighestAndALowerNoteUnderAHeldOneIsLeftOut) {
+    const Tune chord =
+        Melody0(OneTrack({0, 0x90, 60, 100, 0, 67, 100, 0, 64, 100, 96, 60, 0, 0, 67, 0, 0, 64, 0}));
+    EXPECT_EQ(ItemsOf(chord), "g4 1");
+    const Tune held = Melody0(OneTrack({0, 0x90, 72, 100, 48, 60, 100, 48, 60, 0, 96, 72, 0}));
+    EXPECT_EQ(ItemsOf(held), "c5 2");
+    EXPECT_TRUE(HasRemark(held.remarks, "lower note"));
+}
+
+TEST(MidiVoices, AnOnsetEndsTheNoteBefore) {
+    // A legato of a tenth of a quarter note.
+    EXPECT_EQ(ItemsOf(Melody0(OneTrack({0, 0x90, 60, 100, 96, 58, 100, 10, 60, 0, 86, 58, 0}))),
+              "c4 1, a3# 1");
+}
+
+TEST(MidiVoices, ShortGapsAreAbsorbedAndRestsAreKept) {
+    // 95 of 96 ticks, then 40 of 96 that end off every place, then a quarter note of three.
+    const Tune tune = Melody0(OneTrack({0,  0x90, 60,  100, 95, 60, 0,    1,    62, 100, 41, 62, 0,
+                                        55, 64,   100, 96,  64, 0,  0x81, 0x40, 65, 100, 96, 65, 0}));
+    EXPECT_EQ(ItemsOf(tune), "c4 1, d4 1, e4 1, r 2, f4 1");
+    EXPECT_TRUE(tune.on_grid);
+}
+
+TEST(MidiVoices, SilenceInFrontIsLeftOutAndAPartCanBeTaken) {
+    const Bytes bytes =
+        OneTrack({96, 0x90, 60, 100, 96, 60, 0, 0, 62, 100, 96, 62, 0, 0, 64, 100, 96, 64, 0});
+    EXPECT_EQ(ItemsOf(Melody0(bytes)), "c4 1, d4 1, e4 1");
+    const MidiFile file = Read(bytes);
+    const auto voices = VoicesOf(file);
+    EXPECT_EQ(ItemsOf(TuneOfVoice(file, voices[0], 0.9, 1.75)), "d4 1, e4 0.5");
+}
+
+TEST(MidiVoices, OnsetsOffThePlacesOfAScoreAreOnNoGrid) {
+    Bytes events;
+    for (int i = 0; i < 20; ++i) {
+        const auto length = static_cast<std::uint8_t>(90 + 7 * (i % 4));
+        events.insert(events.end(), {0, 0x90, 60, 100, length, 60, 0});
+    }
+    EXPECT_FALSE(Melody0(OneTrack(events)).on_grid);
+}
+
+TEST(MidiVoices, ChangingTemposAreTold) {
+    const Tune tune = Melody0(OneTrack({0,    0x90, 60, 100,  96,   60,   0, 0,    62, 100, 96, 62, 0, 0,
+                                        0xFF, 0x51, 3,  0x0F, 0x42, 0x40, 0, 0x90, 64, 100, 96, 64, 0}));
+    EXPECT_TRUE(tune.bends);
+    EXPECT_TRUE(HasRemark(tune.remarks, "between 60 and 120"));
+    EXPECT_NEAR(LengthOf(tune), 2.0, 1e-9);
+}
+
+// The writer.
+
+Melody RandomMelody(std::mt19937& random) {
+    Melody melody;
+    melody.tempo = At(Tables().tempo_list, static_cast<int>(random() % 28));
+    const int entries = 1 + static_cast<int>(random() % 80);
+    for (int i = 0; i < entries; ++i) {
+        FileEntry& entry = At(melody.list, i);
+        const auto code = static_cast<std::uint16_t>(random() % kLengthCodes);
+        switch (random() % 6) {
+        case 0: entry = {kFileSeparator, 0}; break;
+        case 1: entry = {static_cast<std::uint16_t>(kFileRests + code), kFileRestPitch}; break;
+        default: entry = {code, static_cast<std::uint16_t>(random() % 94)};
+        }
+    }
+    return melody;
+}
+
+TEST(MidiRoundTrip, OfTheNominalWayGivesTheSameFile) {
+    std::mt19937 random(5);
+    for (int i = 0; i < 200; ++i) {
+        const Melody melody = RandomMelody(random);
+        const MidiBytes made = WriteNominalMidi(melody, "x");
+        ASSERT_FALSE(made.bytes.empty()) << made.reason;
+        const auto tune = TuneOfNominal(Read(made.bytes));
+        ASSERT_TRUE(tune.has_value());
+        if (CountNotes(*tune) == 0) continue;
+        const Fit fit = FitTune(Tables(), *tune, false);
+        EXPECT_EQ(fit.encoding.bytes, EncodeSnd(Tables(), melody.tempo, melody.list).bytes) << "melody " << i;
+    }
+}
+
+TEST(MidiRoundTrip, AChangedNominalFileIsReadLikeAnyOther) {
+    Melody melody;
+    melody.tempo = 120;
+    melody.list[0] = {10, 26};
+    melody.list[1] = {10, 28};
+    const MidiBytes made = WriteNominalMidi(melody, "x");
+    EXPECT_TRUE(TuneOfNominal(Read(made.bytes)).has_value());
+    MidiFile moved = Read(made.bytes);
+    moved.notes[1].start += 10;
+    EXPECT_FALSE(TuneOfNominal(moved).has_value());
+    MidiFile longer = Read(made.bytes);
+    longer.ends[0] += 10;
+    EXPECT_FALSE(TuneOfNominal(longer).has_value());
+}
+
+TEST(MidiWriter, WritesWhatThePlayBlockPlaysToTheTick) {
+    std::mt19937 random(6);
+    for (int i = 0; i < 100; ++i) {
+        const Melody melody = RandomMelody(random);
+        const SndEncoding encoding = EncodeSnd(Tables(), melody.tempo, melody.list);
+        if (encoding.result != kSndDone) continue;
+        const int mode = ChooseTimingMode(Tables(), melody.list, TempoIndexOf(Tables(), melody.tempo));
+        PlayBlock block;
+        ASSERT_TRUE(ReadPlayBlock(encoding.bytes, block));
+        const auto units = UnitsPlayed(Tables(), block, melody.list, mode);
+        ASSERT_TRUE(units.has_value());
+        const MidiFile file = Read(WritePlayedMidi(block, melody, mode, *units, "x").bytes);
+        const MidiClock clock = ClockOf(file, 0);
+        std::size_t note = 0;
+        double seconds = 0.0;
+        for (int k = 0; k < CountEntries(melody.list); ++k) {
+            const FileEntry& entry = At(melody.list, k);
+            const int entry_units = At(*units, k);
+            if (KindOfFileCode(entry.code) == EntryKind::Note) {
+                ASSERT_LT(note, file.notes.size());
+                EXPECT_EQ(file.notes[note].key, entry.pitch + 34);
+                EXPECT_NEAR(SecondsAt(clock, static_cast<double>(file.notes[note].start)), seconds, 1e-9);
+                const int last = (entry_units - 1) % 16 + 1;
+                const double sounding = (entry_units - last / 4.0) * block.tempo_byte / 64.0;
+                EXPECT_NEAR(SecondsAt(clock, static_cast<double>(file.notes[note].end)), seconds + sounding,
+                            1e-9);
+                ++note;
+            }
+            seconds += entry_units * block.tempo_byte / 64.0;
+        }
+        EXPECT_EQ(note, file.notes.size());
+        EXPECT_NEAR(SecondsAt(clock, static_cast<double>(file.ends[0])), seconds, 1e-9);
+    }
+}
+
+TEST(MidiWriter, RefusesWhatMidiDoesNotHave) {
+    Melody melody;
+    melody.tempo = 120;
+    melody.list[0] = {10, 93};
+    melody.list[1] = {10, 94};
+    EXPECT_EQ(WriteNominalMidi(melody, "x").reason, "entry 2 is g9#; MIDI ends at g9");
+    melody.list[1] = {50, 20};
+    EXPECT_EQ(WriteNominalMidi(melody, "x").reason, "entry 2 has the unknown code 50");
+}
+
+} // namespace
+} // namespace tonex
