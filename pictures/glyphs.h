@@ -10,7 +10,6 @@
 
 namespace tonex {
 
-inline constexpr int kRestMiddle = 210; ///< the middle line in a rest's picture
 inline constexpr int kBarLinePicture = 58;
 inline constexpr int kUnknownPicture = 59; ///< of an entry that the editor does not know
 inline constexpr int kLastPicture = 59;
@@ -23,56 +22,62 @@ struct PictureBox {
 /// Where the treble clef with its small 8 stands when the staff lines are at 1170, 1290, 1410, 1530 and 1650.
 inline constexpr PictureBox kClefBox{60, 810, 600, 1080};
 
-/// How thick staff and ledger lines are at this scale, in pixels (1 up to 150 %, 2 at 200 %).
+/// How thick staff lines and stems are at this scale, in pixels (1 up to 150 %, 2 at 200 %).
 int StaffLinePixels(float pixels_per_twip);
 
-/// The first pixel row of a staff or ledger line at the height `y` (in pixels, 0 or more): lines are always
-/// whole rows, also where a scale puts them between two (125 %), and the pictures are fitted to lines so
-/// drawn.
+/// How thick bar lines and ledger lines are, in pixels (1 at 100 %, 2 at 125 and 150 %, 3 at 200 %).
+int BarLinePixels(float pixels_per_twip);
+
+/// The first pixel row of a staff line at the height `y` (in pixels, 0 or more): lines are always whole rows,
+/// also where a scale puts them between two (125 %), and the pictures are fitted to lines so drawn.
 int StaffLineRow(float y);
 
-/// How twips fall on pixels.
-struct PixelGrid {
-    float pixels_per_twip = 1 / 15.0F;
-    /// Where in its pixel (0 to 1) the top left corner of a picture's box lies: mask pixel (0, 0) is the
-    /// pixel that holds the corner.
-    float origin_x = 0, origin_y = 0;
-};
+/// Whether a picture of the strip is a note's.
+bool IsNotePicture(int picture);
 
 /// A picture of the strip as it is asked for.
 struct StripPicture {
     int picture = 0; ///< 1 to 20 notes with stem up (20 lengths), 21 to 40 rests of the same lengths, 41 to
                      ///< 57 notes of lengths 1 to 17 with stem down, 58 the bar line, 59 the sign of an
                      ///< unknown entry
-    bool sharp = false;        ///< with a sharp sign, drawn where HasRoomForSharp says so
-    int staff_offset = 0;      ///< twips
-    bool head_on_line = false; ///< the head stands on a staff or ledger line, so that dots belong to the
-                               ///< space above it
+    bool sharp = false;       ///< with a sharp sign; only notes have one
+    int y = kMiddleStaffLine; ///< twips below the panel's top: of the centre of a note's head, of the middle
+                              ///< line for rests and the unknown entry, of the first line for the bar line
 };
 
-/// A picture of the strip in its box of 300 x 480 twips. Nothing is drawn outside the box, but for the bar
-/// line, which covers the rows of the staff lines at the box's top and bottom whole. A note's head has its
-/// centre `kHeadCentre - staff_offset` below the box's top, as the rows of the lines have it; a rest's middle
-/// line lies at `kRestMiddle`, as does the middle of the unknown entry's sign. An unknown picture number
-/// gives an empty mask (width and height 0).
-CoverageMask NotePictureMask(const StripPicture& shown, const PixelGrid& grid);
-
-/// From where to where a note's head reaches in its picture, in twips from the left edge of the box: ledger
-/// lines follow it.
-struct HeadSpan {
-    int left, width;
+/// A column of the strip as it falls on pixels. Its left edge is a whole pixel, so that all heads stand
+/// alike.
+struct StripColumn {
+    float pixels_per_twip = 1 / 15.0F;
+    int width = 26; ///< pixels
 };
-HeadSpan HeadSpanOf(int picture);
 
-/// Whether a picture of the strip has room for a sharp sign left of its head. False for all but notes.
-bool HasRoomForSharp(int picture);
+/// A mask and the pixel of its upper left corner.
+struct PlacedMask {
+    int left = 0, top = 0;
+    CoverageMask mask;
+};
+
+/// A picture of the strip, as wide as its column and as high as its ink; `left` is 0, the column's edge,
+/// `top` counts from the panel's. An unknown picture number gives an empty mask (width and height 0).
+PlacedMask StripPictureMask(const StripPicture& shown, const StripColumn& column);
+
+/// A rectangle of whole pixels.
+struct PixelBox {
+    int left, top, right, bottom;
+    bool operator==(const PixelBox&) const = default;
+};
+
+/// The ledger lines of a picture of the strip, from the staff to the head. They reach beyond the head evenly;
+/// beside a sharp they end before it. Coordinates as for the mask.
+std::vector<PixelBox> LedgerLineBoxes(const StripPicture& shown, const StripColumn& column);
 
 /// The picture of a length button (1 to 20 notes, 21 to 40 rests), optically centred in `width` x `height`
 /// pixels and made smaller where it does not fit.
 CoverageMask ButtonPictureMask(int picture, int width, int height, float pixels_per_twip);
 
-/// The treble clef with a small 8 above it, in the box kClefBox.
-CoverageMask ClefMask(const PixelGrid& grid);
+/// The treble clef with a small 8 above it, in the box kClefBox; its corner counts from the panel's.
+PlacedMask ClefMask(float pixels_per_twip);
 
 enum class ToolIcon {
     New,

@@ -114,8 +114,9 @@ void Note(Easel& easel, std::uint32_t rgb, float x, float y, float high) {
     AddRectangle(easel.raster, stem, top, stem + thin, placement.dy);
     placement.dx = stem + thin * 0.4F;
     placement.dy = top;
-    placement.xx *= 1.5F;
-    placement.yy *= 1.35F;
+    // Wider than on the staff, and no longer than the shorter stem allows.
+    placement.xx *= 1.15F;
+    placement.yy *= 0.78F;
     AddOutline(easel.raster, kFlag, placement);
     End(easel, rgb);
 }

@@ -49,15 +49,19 @@ TEST(Picture, EveryCodeHasAPictureOf59OrNone) {
 
 // --- Ledger lines
 
+LedgerLines LedgersOf(std::uint16_t pitch, std::int16_t staff_offset) {
+    return LedgerLinesOf(HeadCentreOf(StaffPositionOf(pitch, staff_offset).value(), staff_offset));
+}
+
 TEST(LedgerLines, C4HasFourBelowTheStaff) {
-    const auto lines = LedgerLinesOf(StaffPositionOf(27, 0).value(), 0);
+    const auto lines = LedgersOf(27, 0);
     EXPECT_EQ(lines.first_y, 1770);
     EXPECT_EQ(lines.step_y, 120);
     EXPECT_EQ(lines.count, 4);
 }
 
 TEST(LedgerLines, C8HasFiveAboveTheStaff) {
-    const auto lines = LedgerLinesOf(StaffPositionOf(75, 0).value(), 0);
+    const auto lines = LedgersOf(75, 0);
     EXPECT_EQ(lines.first_y, 1050);
     EXPECT_EQ(lines.step_y, -120);
     EXPECT_EQ(lines.count, 5);
@@ -65,19 +69,30 @@ TEST(LedgerLines, C8HasFiveAboveTheStaff) {
 
 TEST(LedgerLines, FromD5ToG6ThereAreNone) {
     for (std::uint16_t pitch = 41; pitch <= 58; ++pitch) {
-        EXPECT_EQ(LedgerLinesOf(StaffPositionOf(pitch, 0).value(), 0).count, 0) << pitch;
+        EXPECT_EQ(LedgersOf(pitch, 0).count, 0) << pitch;
     }
-    EXPECT_EQ(LedgerLinesOf(StaffPositionOf(39, 0).value(), 0).count, 1) << "c5";
-    EXPECT_EQ(LedgerLinesOf(StaffPositionOf(60, 0).value(), 0).count, 1) << "a6";
+    EXPECT_EQ(LedgersOf(39, 0).count, 1) << "c5";
+    EXPECT_EQ(LedgersOf(60, 0).count, 1) << "a6";
 }
 
 TEST(LedgerLines, AreTheSameAtEveryScale) {
     for (std::uint16_t pitch = 27; pitch <= 75; ++pitch) {
-        const auto plain = LedgerLinesOf(StaffPositionOf(pitch, 0).value(), 0);
-        const auto scaled = LedgerLinesOf(StaffPositionOf(pitch, 67).value(), 67);
+        const auto plain = LedgersOf(pitch, 0);
+        const auto scaled = LedgersOf(pitch, 67);
         EXPECT_EQ(plain.count, scaled.count);
         EXPECT_EQ(plain.first_y, scaled.first_y);
     }
+}
+
+// --- Where pictures stand
+
+TEST(Picture, NotesStandAtTheirHeadAndRestsAtTheMiddleLine) {
+    EXPECT_EQ(PictureStandsAt(11, 1140, 0), 1410);
+    EXPECT_EQ(PictureStandsAt(51, 1240, 100), 1410);
+    EXPECT_EQ(PictureStandsAt(31, 1200, 0), 1410);
+    EXPECT_EQ(PictureStandsAt(31, 1200, 100), 1410) << "rests have no offset";
+    EXPECT_EQ(PictureStandsAt(58, 1170, 100), 1170) << "the bar line begins with the first line";
+    EXPECT_EQ(PictureStandsAt(59, 32000, 0), 1410) << "whatever pitch an unknown entry may have";
 }
 
 // --- The staff offset

@@ -16,8 +16,9 @@ inline constexpr int kPictureHeight = 480;
 inline constexpr int kStaffSpace = 2 * kStepHeight; ///< between two lines
 inline constexpr int kTopStaffLine = 1170;
 inline constexpr int kBottomStaffLine = kTopStaffLine + 4 * kStaffSpace;
-/// The centre of a note's head in its picture, before the staff offset (0 at 100 %, 100 at 200 %) is taken
-/// away: a little below the middle, so that stems up and down have fair room at every scale.
+inline constexpr int kMiddleStaffLine = kTopStaffLine + 2 * kStaffSpace;
+/// The centre of a note's head in its picture's box, before the staff offset (0 at 100 %, 100 at 200 %) is
+/// taken away.
 inline constexpr int kHeadCentre = 270;
 
 /// The widest caption of a key: as wide as a white key of the ordinary screen.

@@ -33,8 +33,12 @@ int HeadCentreOf(std::int16_t staff_position, std::int16_t staff_offset) {
     return staff_position + kHeadCentre - staff_offset;
 }
 
-LedgerLines LedgerLinesOf(std::int16_t staff_position, std::int16_t staff_offset) {
-    const int head = HeadCentreOf(staff_position, staff_offset);
+int PictureStandsAt(int picture, std::int16_t top, std::int16_t staff_offset) {
+    if (IsNotePicture(picture)) return HeadCentreOf(top, staff_offset);
+    return picture == kBarLinePicture ? top : kMiddleStaffLine;
+}
+
+LedgerLines LedgerLinesOf(int head) {
     if (head <= kTopStaffLine - kStaffSpace) {
         return {kTopStaffLine - kStaffSpace, -kStaffSpace, (kTopStaffLine - head) / kStaffSpace};
     }

@@ -17,6 +17,11 @@ std::int16_t StaffOffsetOf(int line_space, float twips_per_pixel_y);
 /// scale, because the offset that the position contains is taken out again.
 int HeadCentreOf(std::int16_t staff_position, std::int16_t staff_offset);
 
+/// Where a picture of the strip stands whose box begins at `top`, in twips below the panel's upper edge: the
+/// centre of a note's head, the middle line for rests and for what the editor does not know, whatever pitch
+/// that may have, the upper end of the bar line.
+int PictureStandsAt(int picture, std::int16_t top, std::int16_t staff_offset);
+
 /// Ledger lines that a note in the strip needs.
 struct LedgerLines {
     int first_y = 0; ///< of the line nearest to the staff, in the strip's coordinates, twips
@@ -24,7 +29,7 @@ struct LedgerLines {
     int count = 0;
 };
 
-/// The ledger lines of a note at a staff position (StaffOffset included in both).
-LedgerLines LedgerLinesOf(std::int16_t staff_position, std::int16_t staff_offset);
+/// The ledger lines of a note whose head has its centre at the height `head`.
+LedgerLines LedgerLinesOf(int head);
 
 } // namespace tonex

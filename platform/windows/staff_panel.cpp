@@ -20,7 +20,6 @@ namespace {
 
 constexpr int kPointerLength = 8; ///< pixels at 100 %, of the arrow to a cursor out of view; twice as high
 constexpr int kPointerInset = 4;  ///< pixels at 100 %, from the panel's edges
-constexpr int kLedgerReach = 25;  ///< twips that a ledger line reaches beyond the head on each side
 
 /// As many as the grid below has cells: the end column, too, takes the cursor.
 int Count(const Panel& panel) {
@@ -39,15 +38,6 @@ RECT ColumnArea(const Panel& panel, int image) {
             ToPixelsY(scale, w.picStaff.Height)};
 }
 
-/// What a picture can touch: its column, and where the scale moved it into the next one.
-RECT ItemArea(const Panel& panel, int image) {
-    RECT area = ColumnArea(panel, image);
-    const NoteImage& note = At(RecordOf(panel).imgNote, image);
-    area.right =
-        std::max<LONG>(area.right, ToPixelsX(ScaleOf(panel), note.place.Left + note.place.Width) + 1);
-    return area;
-}
-
 std::wstring ItemName(const Panel& panel, int image) {
     return SlotName(panel, RecordOf(panel).score.first_shown + image);
 }
@@ -55,11 +45,6 @@ std::wstring ItemName(const Panel& panel, int image) {
 bool ItemChosen(const Panel& panel, int image) {
     const sndmain& w = RecordOf(panel);
     return IsSelected(w.grdScore.view, w.score.first_shown + image);
-}
-
-/// Pictures reach into the next column; a click means the column.
-int ItemAt(const Panel& panel, POINT point) {
-    return FirstItemAt(panel, point, ColumnArea);
 }
 
 void Press(Panel& panel, int image) {
@@ -89,20 +74,6 @@ void PaintSelection(Panel& panel, const RECT& dirty) {
     }
 }
 
-/// The corner of a picture on the canvas: the pixel that holds it, and where in that pixel it lies.
-struct PictureCorner {
-    int x, y;
-    PixelGrid grid;
-};
-
-PictureCorner CornerAt(const Scale& scale, int left, int top) {
-    const float x = static_cast<float>(left) / scale.twips_per_pixel_x;
-    const float y = static_cast<float>(top) / scale.twips_per_pixel_y;
-    const float column = std::floor(x), row = std::floor(y);
-    return {
-        static_cast<int>(column), static_cast<int>(row), {1 / scale.twips_per_pixel_y, x - column, y - row}};
-}
-
 void PaintStaff(Panel& panel, const RECT& dirty) {
     const sndmain& w = RecordOf(panel);
     const Colours& colours = ColoursOf(panel);
@@ -113,51 +84,42 @@ void PaintStaff(Panel& panel, const RECT& dirty) {
                   colours.staff_line);
     const float clef_right = static_cast<float>(kClefBox.left + kClefBox.width) / scale.twips_per_pixel_x;
     if (static_cast<float>(dirty.left) > clef_right) return;
-    const PictureCorner corner = CornerAt(scale, kClefBox.left, kClefBox.top);
-    BlendMask(panel.canvas, ClefMask(corner.grid), corner.x, corner.y, colours.ink, dirty);
+    const PlacedMask clef = ClefMask(1 / scale.twips_per_pixel_y);
+    BlendMask(panel.canvas, clef.mask, clef.left, clef.top, colours.ink, dirty);
 }
 
-void PaintLedgerLines(Panel& panel, const NoteImage& image, COLORREF colour) {
-    const sndmain& w = RecordOf(panel);
-    const auto position = static_cast<std::int16_t>(image.place.Top);
-    const LedgerLines ledger = LedgerLinesOf(position, w.StaffOffset);
-    const HeadSpan head = HeadSpanOf(image.Picture);
-    const int head_left = image.place.Left + head.left;
-    const int left = ToPixelsX(ScaleOf(panel), head_left - kLedgerReach);
-    const int right = ToPixelsX(ScaleOf(panel), head_left + head.width + kLedgerReach);
-    for (int i = 0; i < ledger.count; ++i) {
-        PaintLine(panel, left, right, ledger.first_y + i * ledger.step_y, colour);
-    }
-}
-
-bool HeadOnLine(const sndmain& w, const NoteImage& image) {
-    const int centre = HeadCentreOf(static_cast<std::int16_t>(image.place.Top), w.StaffOffset);
-    return (centre - w.Line1[0].Y) % kStaffSpace == 0;
+/// A ledger line that can not be thicker than a staff line is darker, so that the eye finds it as well.
+COLORREF LedgerColour(const Panel& panel) {
+    const Colours& colours = ColoursOf(panel);
+    const float pixels_per_twip = 1 / ScaleOf(panel).twips_per_pixel_y;
+    const bool thicker = BarLinePixels(pixels_per_twip) > StaffLinePixels(pixels_per_twip);
+    return thicker ? colours.staff_line : Mix(colours.staff_line, colours.ink, 110);
 }
 
 /// A foreign file's pitch can lie far above or below the panel: no stem or ledger line of it is drawn either.
-bool HeadInPanel(const sndmain& w, const NoteImage& image) {
-    const int centre = HeadCentreOf(static_cast<std::int16_t>(image.place.Top), w.StaffOffset);
-    return centre >= 0 && centre <= w.picStaff.Height;
+bool StandsInPanel(const sndmain& w, int y) {
+    return y >= 0 && y <= w.picStaff.Height;
 }
 
 void PaintImage(Panel& panel, int index, const RECT& dirty) {
     const sndmain& w = RecordOf(panel);
     const NoteImage& image = At(w.imgNote, index);
     if (!image.Visible || image.Picture == 0) return;
+    const StripPicture shown{
+        image.Picture, image.Sharp,
+        PictureStandsAt(image.Picture, static_cast<std::int16_t>(image.place.Top), w.StaffOffset)};
+    if (!StandsInPanel(w, shown.y)) return;
+    const RECT area = ColumnArea(panel, index);
+    const int left = static_cast<int>(area.left);
+    const StripColumn column{1 / ScaleOf(panel).twips_per_pixel_y, static_cast<int>(area.right) - left};
     const Colours& colours = ColoursOf(panel);
     const bool inverse = colours.high_contrast && ItemChosen(panel, index);
-    const COLORREF ink = inverse ? colours.select_text : colours.ink;
-    const bool note = image.Picture <= 20 || (image.Picture > 40 && image.Picture < kBarLinePicture);
-    if (note && !HeadInPanel(w, image)) return;
-    if (note) PaintLedgerLines(panel, image, inverse ? colours.select_text : colours.staff_line);
-    const PictureCorner corner = CornerAt(ScaleOf(panel), image.place.Left, image.place.Top);
-    const CoverageMask mask = NotePictureMask({.picture = image.Picture,
-                                               .sharp = image.Sharp,
-                                               .staff_offset = w.StaffOffset,
-                                               .head_on_line = note && HeadOnLine(w, image)},
-                                              corner.grid);
-    BlendMask(panel.canvas, mask, corner.x, corner.y, ink, dirty);
+    const COLORREF ledger = inverse ? colours.select_text : LedgerColour(panel);
+    for (const PixelBox& box : LedgerLineBoxes(shown, column))
+        FillArea(panel.canvas, {left + box.left, box.top, left + box.right, box.bottom}, ledger);
+    const PlacedMask placed = StripPictureMask(shown, column);
+    BlendMask(panel.canvas, placed.mask, left, placed.top, inverse ? colours.select_text : colours.ink,
+              dirty);
 }
 
 /// An arrow at the panel's edge that points to a cursor out of view: left for -1, right for 1.
@@ -197,7 +159,7 @@ void PaintPanel(Panel& panel, const RECT& dirty) {
     PaintSelection(panel, dirty);
     PaintStaff(panel, dirty);
     for (int image = 0; image < kStripPictures; ++image) {
-        if (Overlap(ItemArea(panel, image), dirty)) PaintImage(panel, image, dirty);
+        if (Overlap(ColumnArea(panel, image), dirty)) PaintImage(panel, image, dirty);
         if (FocusShown(panel, image)) DrawFocusMark(panel, ColumnArea(panel, image), colours.select);
     }
     PaintCursor(panel, dirty);
@@ -221,10 +183,9 @@ const PanelKind kStaffPanel = {
     .item_role = ROLE_SYSTEM_GRAPHIC,
     .tooltips = true,
     .count = Count,
-    .item_area = ItemArea,
+    .item_area = ColumnArea,
     .item_name = ItemName,
     .item_chosen = ItemChosen,
-    .item_at = ItemAt,
     .press = Press,
     .paint = PaintPanel,
     .message = Message,

@@ -1,4 +1,5 @@
-// Writes one picture with everything that the program draws, at 100, 125, 150 and 200 %, to look at.
+// Writes one picture with everything that the program draws, at 100, 125, 150, 175 and 200 %, to
+// look at; or at another scale.
 #include "pictures/glyphs.h"
 #include "tools/pictures/png_file.h"
 #include "view/measures.h"
@@ -45,43 +46,32 @@ void Paint(Sheet& sheet, int x, int y, const CoverageMask& mask, std::uint32_t c
 }
 
 constexpr int kClefEnd = 720; ///< where the first picture's column starts, twips
-constexpr int kInset = (kColumnWidth - kPictureWidth) / 2;
-constexpr int kMiddleLine = kTopStaffLine + 2 * kStaffSpace;
+constexpr std::uint32_t kLineColour = 0x707070, kLedgerColour = 0x404040;
 
-/// One staff with clef and pictures: `first` is the first picture, heads at the given step of 60 twips from
-/// the middle line (up is negative).
-void Staff(Sheet& sheet, float scale, int staff_offset, int left_px, int top_px,
-           const std::vector<int>& pictures, const std::vector<int>& steps, bool sharps) {
-    const auto px = [&](float twips) { return StaffLineRow(twips * scale); };
+/// One staff with clef and pictures, heads at the given step of 60 twips from the middle line (up is
+/// negative).
+void Staff(Sheet& sheet, float scale, int left_px, int top_px, const std::vector<int>& pictures,
+           const std::vector<int>& steps, bool sharps) {
+    const auto edge = [&](std::size_t column) {
+        return left_px + static_cast<int>(std::lround(
+                             static_cast<float>(kClefEnd + kColumnWidth * static_cast<int>(column)) * scale));
+    };
     const int line = StaffLinePixels(scale);
-    const int end = left_px + px(kClefEnd + kColumnWidth * static_cast<float>(pictures.size()));
     for (int y = kTopStaffLine; y <= kBottomStaffLine; y += kStaffSpace)
-        Fill(sheet, left_px, top_px + px(static_cast<float>(y)), end - left_px, line, 0x707070);
-    const float cx = kClefBox.left * scale, cy = kClefBox.top * scale;
-    Paint(sheet, left_px + static_cast<int>(cx), top_px + static_cast<int>(cy),
-          ClefMask({scale, cx - std::floor(cx), cy - std::floor(cy)}), 0);
+        Fill(sheet, left_px, top_px + StaffLineRow(static_cast<float>(y) * scale),
+             edge(pictures.size()) - left_px, line, kLineColour);
+    const PlacedMask clef = ClefMask(scale);
+    Paint(sheet, left_px + clef.left, top_px + clef.top, clef.mask, 0);
     for (std::size_t k = 0; k < pictures.size(); ++k) {
-        const int picture = pictures[k], step = steps[k % steps.size()];
-        const bool note = HasRoomForSharp(picture);
-        int top = picture == kBarLinePicture ? kTopStaffLine : kRestPosition;
-        if (note) top = kMiddleLine - kHeadCentre + kStepHeight * step + staff_offset;
-        const float x = (kClefEnd + kColumnWidth * static_cast<float>(k) + kInset) * scale,
-                    y = static_cast<float>(top) * scale;
-        for (int ledger = 6; note && ledger <= std::abs(step); ledger += 2) {
-            const HeadSpan head = HeadSpanOf(picture);
-            const float from = x + static_cast<float>(head.left - 25) * scale;
-            const int to = static_cast<int>(from + static_cast<float>(head.width + 50) * scale);
-            const float at = static_cast<float>(kMiddleLine + kStepHeight * (step > 0 ? ledger : -ledger));
-            Fill(sheet, left_px + static_cast<int>(from), top_px + px(at), to - static_cast<int>(from), line,
-                 0x707070);
-        }
-        Paint(sheet, left_px + static_cast<int>(x), top_px + static_cast<int>(y),
-              NotePictureMask({.picture = picture,
-                               .sharp = sharps,
-                               .staff_offset = staff_offset,
-                               .head_on_line = step % 2 == 0},
-                              {scale, x - std::floor(x), y - std::floor(y)}),
-              0);
+        StripPicture shown{.picture = pictures[k], .sharp = sharps};
+        if (IsNotePicture(shown.picture)) shown.y += kStepHeight * steps[k % steps.size()];
+        if (shown.picture == kBarLinePicture) shown.y = kTopStaffLine;
+        const StripColumn column{scale, edge(k + 1) - edge(k)};
+        for (const PixelBox& box : LedgerLineBoxes(shown, column))
+            Fill(sheet, edge(k) + box.left, top_px + box.top, box.right - box.left, box.bottom - box.top,
+                 kLedgerColour);
+        const PlacedMask placed = StripPictureMask(shown, column);
+        Paint(sheet, edge(k), top_px + placed.top, placed.mask, 0);
     }
 }
 
@@ -93,7 +83,7 @@ std::string Pgm(const Sheet& sheet) {
     return bytes;
 }
 
-void Scale(Sheet& sheet, int percent, int offset, int top) {
+void Scale(Sheet& sheet, int percent, int top) {
     const float scale = static_cast<float>(percent) / 1500;
     const int row = static_cast<int>(1900 * scale);
     const auto range = [](int from, int to) {
@@ -103,15 +93,14 @@ void Scale(Sheet& sheet, int percent, int offset, int top) {
         return numbers;
     };
     top -= static_cast<int>(600 * scale);
-    Staff(sheet, scale, offset, 4, top, range(1, 20), {1, 2, 3, 4, 5, 6, 7, 8, 2, 3}, false);
-    Staff(sheet, scale, offset, 4, top + row, range(1, 20), {1, 2, 3, 4}, true);
-    Staff(sheet, scale, offset, 4, top + 2 * row, range(41, 57), {0, -1, -2, -3, -4, -5, -6}, false);
-    Staff(sheet, scale, offset, 4, top + 3 * row, range(41, kLastPicture), {0, -1}, true);
-    Staff(sheet, scale, offset, 4, top + 4 * row, range(21, 40), {0}, false);
+    Staff(sheet, scale, 4, top, range(1, 20), {1, 2, 3, 4, 5, 6, 7, 8, 2, 3}, false);
+    Staff(sheet, scale, 4, top + row, range(1, 20), {1, 2, 3, 4}, true);
+    Staff(sheet, scale, 4, top + 2 * row, range(41, 57), {0, -1, -2, -3, -4, -5, -6}, false);
+    Staff(sheet, scale, 4, top + 3 * row, range(41, kLastPicture), {0, -1}, true);
+    Staff(sheet, scale, 4, top + 4 * row, range(21, 40), {0}, false);
     // The lowest and the highest key, c4 and c8.
-    Staff(sheet, scale, offset, 4, top + 5 * row, {1, 2, 3, 5, 7, 8, 10, 11, 13, 14, 15, 17, 18, 20}, {13},
-          true);
-    Staff(sheet, scale, offset, 4, top + 6 * row + static_cast<int>(900 * scale),
+    Staff(sheet, scale, 4, top + 5 * row, {1, 2, 3, 5, 7, 8, 10, 11, 13, 14, 15, 17, 18, 20}, {13}, true);
+    Staff(sheet, scale, 4, top + 6 * row + static_cast<int>(900 * scale),
           {41, 42, 43, 45, 47, 48, 50, 51, 53, 54, 55, 57, 18, 20}, {-15}, true);
     int x = 4, y = top + 7 * row + static_cast<int>(1600 * scale);
     const int w = 31 * percent / 100, h = 34 * percent / 100;
@@ -163,19 +152,17 @@ int main(int argc, char** argv) {
         std::fputs("contact_sheet OUT.png|OUT.pgm [PERCENT]\n", stderr);
         return 2;
     }
-    constexpr int kScales[][2] = {{100, 0}, {125, 40}, {150, 67}, {200, 100}};
-    const int wanted = argc == 3 ? std::atoi(argv[2]) : 0;
+    std::vector<int> scales = {100, 125, 150, 175, 200};
+    if (argc == 3) scales = {std::clamp(std::atoi(argv[2]), 30, 800)};
     int width = 520, height = 270;
-    for (const auto& [percent, offset] : kScales) {
-        if (wanted != 0 && percent != wanted) continue;
+    for (const int percent : scales) {
         width = std::max(width, (8600 * percent) / 1500);
         height += 17300 * percent / 1500;
     }
     Sheet sheet{width, height, std::vector<std::uint8_t>(static_cast<std::size_t>(width * height * 3), 255)};
     int top = 0;
-    for (const auto& [percent, offset] : kScales) {
-        if (wanted != 0 && percent != wanted) continue;
-        Scale(sheet, percent, offset, top);
+    for (const int percent : scales) {
+        Scale(sheet, percent, top);
         top += 17300 * percent / 1500;
     }
     ProgramIcons(sheet, 4, top + 4);
