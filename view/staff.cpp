@@ -38,14 +38,4 @@ int PictureStandsAt(int picture, std::int16_t top, std::int16_t staff_offset) {
     return picture == kBarLinePicture ? top : kMiddleStaffLine;
 }
 
-LedgerLines LedgerLinesOf(int head) {
-    if (head <= kTopStaffLine - kStaffSpace) {
-        return {kTopStaffLine - kStaffSpace, -kStaffSpace, (kTopStaffLine - head) / kStaffSpace};
-    }
-    if (head >= kBottomStaffLine + kStaffSpace) {
-        return {kBottomStaffLine + kStaffSpace, kStaffSpace, (head - kBottomStaffLine) / kStaffSpace};
-    }
-    return {};
-}
-
 } // namespace tonex

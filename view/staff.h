@@ -1,6 +1,8 @@
 // How entries stand on the staff: which picture, where its head is, which ledger lines it needs. Pure.
 #pragma once
 
+#include "view/measures.h"
+
 #include <cstdint>
 
 namespace tonex {
@@ -30,6 +32,11 @@ struct LedgerLines {
 };
 
 /// The ledger lines of a note whose head has its centre at the height `head`.
-LedgerLines LedgerLinesOf(int head);
+constexpr LedgerLines LedgerLinesOf(int head) {
+    constexpr int kAbove = kTopStaffLine - kStaffSpace, kBelow = kBottomStaffLine + kStaffSpace;
+    if (head <= kAbove) return {kAbove, -kStaffSpace, (kTopStaffLine - head) / kStaffSpace};
+    if (head >= kBelow) return {kBelow, kStaffSpace, (head - kBottomStaffLine) / kStaffSpace};
+    return {};
+}
 
 } // namespace tonex
