@@ -139,6 +139,14 @@ void FillRound(Canvas& canvas, const RECT& area, int radius, COLORREF colour, bo
         }
 }
 
+int WidthOf(const Canvas& canvas, std::wstring_view text, HFONT font) {
+    const HGDIOBJ old = SelectObject(canvas.dc, font);
+    SIZE size{};
+    GetTextExtentPoint32W(canvas.dc, text.data(), static_cast<int>(text.size()), &size);
+    SelectObject(canvas.dc, old);
+    return static_cast<int>(size.cx);
+}
+
 void DrawCentred(Canvas& canvas, const RECT& area, std::wstring_view text, HFONT font, COLORREF colour) {
     if (text.empty()) return;
     const HGDIOBJ old = SelectObject(canvas.dc, font);

@@ -35,6 +35,8 @@ void TintArea(Canvas& canvas, const RECT& area, COLORREF colour, int share);
 void BlendMask(Canvas& canvas, const CoverageMask& mask, int x, int y, COLORREF colour, const RECT& clip);
 /// A filled rectangle with antialiased round corners; `square_top` keeps the upper two corners square.
 void FillRound(Canvas& canvas, const RECT& area, int radius, COLORREF colour, bool square_top = false);
+/// The width of a line of text in a font, in pixels.
+int WidthOf(const Canvas& canvas, std::wstring_view text, HFONT font);
 /// One line of text, centred both ways, cut at the area.
 void DrawCentred(Canvas& canvas, const RECT& area, std::wstring_view text, HFONT font, COLORREF colour);
 

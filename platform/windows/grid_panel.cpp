@@ -219,6 +219,15 @@ bool Message(Panel& panel, UINT message, WPARAM wparam, LPARAM lparam, LRESULT&)
 
 // ---- painting ----
 
+/// The largest of the cells' fonts in which a name is not cut.
+HFONT FontOfCell(const Panel& panel, std::wstring_view name) {
+    const Fonts& fonts = panel.main->theme.fonts;
+    const int room = CellTextWidth(ScaleOf(panel));
+    const auto fits = [&](HFONT font) { return WidthOf(panel.canvas, name, font) <= room; };
+    const auto found = std::find_if(fonts.cells.begin(), fonts.cells.end(), fits);
+    return FontFor(name, found == fonts.cells.end() ? fonts.cells.back() : *found, fonts.cell_japanese);
+}
+
 void PaintCell(Panel& panel, int item) {
     const ScoreGrid& grid = Grid(panel);
     const Theme& theme = panel.main->theme;
@@ -228,9 +237,8 @@ void PaintCell(Panel& panel, int item) {
     FillArea(panel.canvas, area, chosen ? theme.colours.select : theme.colours.paper);
     FillArea(panel.canvas, {area.right - 1, area.top, area.right, area.bottom}, theme.colours.rule);
     const CellText& text = At(grid.Text, column);
-    const HFONT font = FontFor(text.View(), theme.fonts.cell, theme.fonts.cell_japanese);
-    DrawCentred(panel.canvas, {area.left, area.top, area.right - 1, area.bottom}, text.View(), font,
-                chosen ? theme.colours.select_text : theme.colours.ink);
+    DrawCentred(panel.canvas, {area.left, area.top, area.right - 1, area.bottom}, text.View(),
+                FontOfCell(panel, text.View()), chosen ? theme.colours.select_text : theme.colours.ink);
     if (panel.focused && column == grid.view.ColSel) {
         RECT mark = {area.left, area.top, area.right - 1, area.bottom};
         InflateRect(&mark, -1, -1);

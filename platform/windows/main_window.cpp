@@ -81,12 +81,14 @@ void ShowForLoops() {
 void Magnify(MainWindow& main, const Scale& scale) {
     Fonts old = main.theme.fonts;
     main.theme.scale = scale;
-    main.theme.fonts = CreateFonts(scale, main.screen_scale.twips_per_pixel_y / scale.twips_per_pixel_y);
+    main.theme.fonts =
+        CreateFonts(main.record, scale, main.screen_scale.twips_per_pixel_y / scale.twips_per_pixel_y);
     for (HWND control : {main.tempo, main.tempo_caption, main.tempo_label, main.length_caption})
         SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), FALSE);
     for (const Panel& panel : main.panels)
         if (panel.tooltip)
-            SendMessageW(panel.tooltip, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.ui), FALSE);
+            SendMessageW(panel.tooltip, WM_SETFONT, reinterpret_cast<WPARAM>(main.theme.fonts.tooltip),
+                         FALSE);
     DeleteFonts(old);
     SizeToolbar(main);
     main.shown.places.fill(kNowhere);
@@ -112,7 +114,8 @@ bool CreateMainWindow(HINSTANCE instance) {
     main.screen_scale = {main.record.screen.twips_per_pixel_x, main.record.screen.twips_per_pixel_y};
     main.theme.scale = main.screen_scale;
     main.theme.colours = ReadColours();
-    main.theme.fonts = CreateFonts(main.theme.scale, 1);
+    LayoutWindow(main.record, 0, 0); // the fonts are fitted to the texts' places
+    main.theme.fonts = CreateFonts(main.record, main.theme.scale, 1);
     main.menu = CreateMainMenu();
     RegisterClasses(instance);
     main.owner = CreateWindowExW(0, kOwnerClass, L"Sound Editor", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
@@ -128,6 +131,14 @@ bool CreateMainWindow(HINSTANCE instance) {
     CreateControls(main, instance);
     DragAcceptFiles(main.window, TRUE);
     return true;
+}
+
+void RenewTheme(MainWindow& main) {
+    main.theme.colours = ReadColours();
+    Magnify(main, main.theme.scale);
+    if (!main.up) return;
+    FitContent(main);
+    ShowDifferences(main);
 }
 
 void FitContent(MainWindow& main) {

@@ -54,6 +54,9 @@ bool TranslateMainKey(MainWindow& main, const MSG& message);
 /// Lays the content out for the client area as it is, as large as fits.
 void FitContent(MainWindow& main);
 
+/// Reads colours and fonts from the system again, and shows everything in them.
+void RenewTheme(MainWindow& main);
+
 /// The main window's smallest outer size, in pixels: its content at the screen's own scale, menu and frame.
 SIZE MinimumWindowSize(const MainWindow& main);
 

@@ -181,6 +181,7 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, L
     case WM_DROPFILES: Dropped(main, reinterpret_cast<HDROP>(wparam)); return 0;
     case WM_SYSCOLORCHANGE:
     case WM_THEMECHANGED: ColoursChanged(main); return 0;
+    case WM_SETTINGCHANGE: RenewTheme(main); return DefWindowProcW(window, message, wparam, lparam);
     case WM_DEVICECHANGE: CountDevicesAgain(main); return TRUE;
     case WM_QUERYENDSESSION: return SessionAsks(main);
     case WM_ENDSESSION: SessionDecided(main, wparam != FALSE); return 0;

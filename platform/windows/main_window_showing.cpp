@@ -92,7 +92,8 @@ void ShowPlaces(MainWindow& main) {
     for (int i = 0; i < kPanels; ++i)
         PlacePanel(main, static_cast<PanelId>(i));
     PlaceTempoLine(main);
-    PlaceControl(main, PlacedControl::LengthCaption, main.length_caption, main.record.Label3.place);
+    if (PlaceControl(main, PlacedControl::LengthCaption, main.length_caption, main.record.Label3.place))
+        CentreInPlace(main, main.length_caption);
 }
 
 // ---- texts and the tempo box ----

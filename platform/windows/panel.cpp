@@ -40,7 +40,7 @@ void ShowTooltipFor(Panel& panel, int item) {
         panel.tooltip = CreateWindowExW(
             WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
             CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, panel.window, nullptr, nullptr, nullptr);
-        SendMessageW(panel.tooltip, WM_SETFONT, reinterpret_cast<WPARAM>(panel.main->theme.fonts.ui), 0);
+        SendMessageW(panel.tooltip, WM_SETFONT, reinterpret_cast<WPARAM>(panel.main->theme.fonts.tooltip), 0);
     }
     TTTOOLINFOW tool{};
     tool.cbSize = TTTOOLINFOW_V1_SIZE; // the size that XP's and Wine's controls both accept

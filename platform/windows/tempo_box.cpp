@@ -198,6 +198,12 @@ void ShowTempoBox(MainWindow& main) {
     UnmarkUnlessFocused(main);
 }
 
+void CentreInPlace(const MainWindow& main, HWND label) {
+    const RECT place = PlaceInMain(main, label);
+    const int height = TextHeight(label, main.theme.fonts.ui);
+    MoveToTop(main, label, static_cast<int>(place.top + place.bottom - height) / 2, height);
+}
+
 void AlignTempoLine(MainWindow& main) {
     const RECT row = ToPixels(main.theme.scale, main.record.TempoCombo.place);
     const RECT box = PlaceInMain(main, main.tempo);

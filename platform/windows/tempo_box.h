@@ -29,5 +29,7 @@ void ShowTempoBox(MainWindow& main);
 /// Puts the box in the middle of its row and the texts beside it on the line of its number: only the system
 /// knows where in the box that is. For after they were placed.
 void AlignTempoLine(MainWindow& main);
+/// Gives a text the height of a line, its middle where it is.
+void CentreInPlace(const MainWindow& main, HWND label);
 
 } // namespace tonex

@@ -1,10 +1,14 @@
 // Scale, colours and fonts. Windows-only because system colours, fonts and DPI are the system's.
 #include "platform/windows/theme.h"
 
+#include "preview/timing_tables.h"
+#include "score/rows.h"
 #include "view/measures.h"
 
 #include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 namespace tonex {
 
@@ -69,24 +73,62 @@ LOGFONTW MessageFont() {
     return font;
 }
 
-int TextWidth(HFONT font, const wchar_t* text) {
+/// A text, and the pixels that it has.
+struct TextRoom {
+    std::wstring text;
+    int width, height;
+};
+using TextRooms = std::vector<TextRoom>;
+
+/// The sizes of a text in a font, in pixels; the height is that of a line.
+SIZE SizeOf(HFONT font, const std::wstring& text) {
     HDC screen = GetDC(nullptr);
     const HGDIOBJ old = SelectObject(screen, font);
     SIZE size{};
-    GetTextExtentPoint32W(screen, text, lstrlenW(text), &size);
+    GetTextExtentPoint32W(screen, text.c_str(), static_cast<int>(text.size()), &size);
     SelectObject(screen, old);
     ReleaseDC(nullptr, screen);
-    return static_cast<int>(size.cx);
+    return size;
 }
 
-/// The largest font of a family up to `height` pixels in which the widest of the texts fits `width` pixels.
-HFONT FittingFont(LOGFONTW font, int height, int width, const wchar_t* widest) {
-    for (;; --height) {
+bool FitsAll(HFONT font, const TextRooms& rooms) {
+    return std::all_of(rooms.begin(), rooms.end(), [&](const TextRoom& room) {
+        const SIZE size = SizeOf(font, room.text);
+        return size.cx <= room.width && size.cy <= room.height;
+    });
+}
+
+constexpr int kTempoFrame = 10; ///< pixels at 100 %, of the tempo box around its text
+/// The widest names of octaves of one digit, of two and three, and of the last that 16 bits hold.
+constexpr std::array<const wchar_t*, kCellFonts> kCellNames = {L"g8 #", L"g88 #", L"g888 #", L"g-8888 #"};
+constexpr int kSmallestText = 6; ///< pixels; below, letters are made narrower instead
+
+/// The largest font of a family up to `height` pixels in which each text fits the room that it has.
+HFONT FittingFont(LOGFONTW font, int height, const TextRooms& rooms) {
+    for (;;) {
         font.lfHeight = -height;
         HFONT made = CreateFontIndirectW(&font);
-        if (height <= 6 || TextWidth(made, widest) <= width) return made;
+        if (font.lfWidth == 1 || FitsAll(made, rooms)) return made;
         DeleteObject(made);
+        if (height > kSmallestText)
+            --height;
+        else
+            font.lfWidth = font.lfWidth == 0 ? kSmallestText / 2 : font.lfWidth - 1;
     }
+}
+
+/// The tempo box and the texts beside it have the room that the record gives them; a line of theirs must
+/// leave the row room for the box's frame.
+TextRooms RoomsOfControls(const sndmain& window, const Scale& scale) {
+    const int line = ToPixelsY(scale, window.imgNow.place.Height) - Scaled(scale, kTempoFrame);
+    const auto wide = [&](const Rect& place) { return ToPixelsX(scale, place.Width); };
+    const int arrow = GetSystemMetrics(SM_CXVSCROLL);
+    TextRooms rooms = {{window.Label2.Caption, wide(window.Label2.place), line},
+                       {window.Label3.Caption, wide(window.Label3.place), line},
+                       {L" 640", wide(window.TempoCombo.place) - arrow - Scaled(scale, kTempoFrame), line}};
+    for (const TempoRange& range : kTempoRanges)
+        rooms.push_back({std::wstring(range.name), wide(window.lblTempo.place), line});
+    return rooms;
 }
 
 int CALLBACK NoteFamily(const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM found) {
@@ -138,24 +180,35 @@ Colours ReadColours() {
     return c;
 }
 
-Fonts CreateFonts(const Scale& scale, float magnified) {
+Fonts CreateFonts(const sndmain& window, const Scale& scale, float magnified) {
     LOGFONTW message = MessageFont();
     message.lfHeight = std::lround(static_cast<float>(message.lfHeight) * magnified);
     const LOGFONTW japanese = JapaneseFont(message);
-    const int height = std::max<int>(Scaled(scale, 12), std::abs(static_cast<int>(message.lfHeight)));
-    const int cell = ToPixelsX(scale, kColumnWidth) - Scaled(scale, 3);
+    const int wanted = std::abs(static_cast<int>(message.lfHeight));
+    const int height = std::max<int>(Scaled(scale, 12), wanted);
+    const int row = ToPixelsY(scale, kColumnWidth); // a cell is as high as it is wide
+    const auto in_cell = [&](const wchar_t* text) { return TextRooms{{text, CellTextWidth(scale), row}}; };
     const int key = ToPixelsX(scale, kKeyLabelWidth) - Scaled(scale, 2);
+    const auto on_key = [&](const wchar_t* text) { return TextRooms{{text, key, row}}; };
     Fonts fonts;
-    fonts.ui = CreateFontIndirectW(&message);
-    fonts.cell = FittingFont(message, height, cell, L"g8 #");
-    fonts.cell_japanese = FittingFont(japanese, height, cell, L"\xFF8C\xFF67 #");
-    fonts.key = FittingFont(message, Scaled(scale, 11), key, L"g8#");
-    fonts.key_japanese = FittingFont(japanese, Scaled(scale, 11), key, L"\x30C9#");
+    fonts.tooltip = CreateFontIndirectW(&message);
+    fonts.ui = FittingFont(message, wanted, RoomsOfControls(window, scale));
+    for (int i = 0; i < kCellFonts; ++i)
+        At(fonts.cells, i) = FittingFont(message, height, in_cell(At(kCellNames, i)));
+    fonts.cell_japanese = FittingFont(japanese, height, in_cell(L"\xFF8C\xFF67 #"));
+    fonts.key = FittingFont(message, Scaled(scale, 11), on_key(L"g8#"));
+    fonts.key_japanese = FittingFont(japanese, Scaled(scale, 11), on_key(L"\x30C9#"));
     return fonts;
 }
 
+int CellTextWidth(const Scale& scale) {
+    return ToPixelsX(scale, kColumnWidth) - Scaled(scale, 3);
+}
+
 void DeleteFonts(Fonts& fonts) {
-    for (HFONT font : {fonts.ui, fonts.cell, fonts.cell_japanese, fonts.key, fonts.key_japanese})
+    for (HFONT font : {fonts.tooltip, fonts.ui, fonts.cell_japanese, fonts.key, fonts.key_japanese})
+        if (font) DeleteObject(font);
+    for (HFONT font : fonts.cells)
         if (font) DeleteObject(font);
     fonts = {};
 }

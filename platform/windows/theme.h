@@ -5,6 +5,8 @@
 
 #include "platform/windows/desktop_windows.h"
 
+#include <array>
+
 namespace tonex {
 
 /// A scale: the screen's own, or a larger one in a large window.
@@ -30,9 +32,14 @@ struct Colours {
     COLORREF button_edge = 0;
 };
 
+inline constexpr int kCellFonts = 4;
+
 struct Fonts {
-    HFONT ui = nullptr;   ///< controls
-    HFONT cell = nullptr; ///< letter names in the grid
+    HFONT tooltip = nullptr; ///< the system's message font as it is
+    HFONT ui = nullptr;      ///< of the tempo box and the texts beside it, no larger than their places
+    /// Letter names in the grid, each of these smaller than the one before: names with an octave of two
+    /// digits and more are wider than what the piano reaches.
+    std::array<HFONT, kCellFonts> cells{};
     HFONT cell_japanese = nullptr;
     HFONT key = nullptr; ///< captions of the piano keys
     HFONT key_japanese = nullptr;
@@ -57,9 +64,12 @@ int Hairline(const Scale& scale);
 
 /// Reads colours from the system; again after WM_SYSCOLORCHANGE.
 Colours ReadColours();
-/// Creates the fonts, sized so that the widest name fits a grid cell and a key. `magnified` is how much
-/// larger than on the screen's own scale the window's content is.
-Fonts CreateFonts(const Scale& scale, float magnified);
+/// Creates the fonts from the system's message font, no larger than fits the places of the record's texts, a
+/// grid cell and a key. `magnified` is how much larger than on the screen's own scale the window's content
+/// is.
+Fonts CreateFonts(const sndmain& window, const Scale& scale, float magnified);
+/// The pixels that a grid cell has for its text.
+int CellTextWidth(const Scale& scale);
 void DeleteFonts(Fonts& fonts);
 /// The largest magnification of the screen's scale at which content of the size given still fits a window:
 /// the space between two staff lines grows by two pixels a step, so that lines and note heads stay on whole
