@@ -98,6 +98,7 @@ bool FitsAll(HFONT font, const TextRooms& rooms) {
     });
 }
 
+constexpr int kTextGap = 4;     ///< pixels at 100 %, left free behind a text
 constexpr int kTempoFrame = 10; ///< pixels at 100 %, of the tempo box around its text
 /// The widest names of octaves of one digit, of two and three, and of the last that 16 bits hold.
 constexpr std::array<const wchar_t*, kCellFonts> kCellNames = {L"g8 #", L"g88 #", L"g888 #", L"g-8888 #"};
@@ -121,7 +122,9 @@ HFONT FittingFont(LOGFONTW font, int height, const TextRooms& rooms) {
 /// leave the row room for the box's frame.
 TextRooms RoomsOfControls(const sndmain& window, const Scale& scale) {
     const int line = ToPixelsY(scale, window.imgNow.place.Height) - Scaled(scale, kTempoFrame);
-    const auto wide = [&](const Rect& place) { return ToPixelsX(scale, place.Width); };
+    const auto wide = [&](const Rect& place) {
+        return ToPixelsX(scale, place.Width) - Scaled(scale, kTextGap);
+    };
     const int arrow = GetSystemMetrics(SM_CXVSCROLL);
     TextRooms rooms = {{window.Label2.Caption, wide(window.Label2.place), line},
                        {window.Label3.Caption, wide(window.Label3.place), line},
