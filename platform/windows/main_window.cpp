@@ -136,7 +136,7 @@ bool CreateMainWindow(HINSTANCE instance) {
 void RenewTheme(MainWindow& main) {
     main.theme.colours = ReadColours();
     Magnify(main, main.theme.scale);
-    if (!main.up) return;
+    if (!main.up || IsIconic(main.window)) return; // a minimised window has no client area to lay out
     FitContent(main);
     ShowDifferences(main);
 }
