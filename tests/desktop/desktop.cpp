@@ -132,6 +132,7 @@ bool Operation(const std::string& call, const std::wstring& path) {
     Log(call, path);
     const int number = desk.file_operations++;
     desk.last_was_busy = false;
+    desk.operation_names.push_back(call);
     if (number == desk.stop_at) {
         LoseUnflushed();
         throw desktop::MachineStopped{};

@@ -81,6 +81,7 @@ struct Desktop {
     std::set<std::wstring, PathLess> folders;          ///< without a backslash at the end
     std::set<std::wstring, PathLess> refusing_folders; ///< no file can be created in these
     int file_operations = 0;    ///< counts every operation on files, temporary ones too
+    std::vector<std::string> operation_names; ///< of all of them, in order: "RenameOver"
     int fail_at = -1;           ///< the operation with this number (from 0) fails ...
     bool fail_for_good = false; ///< ... and all after it
     int stop_at = -1; ///< the machine stops at this operation: MachineStopped is thrown, what was not flushed
