@@ -80,10 +80,10 @@ struct Desktop {
     std::map<std::wstring, File, PathLess> files;
     std::set<std::wstring, PathLess> folders;          ///< without a backslash at the end
     std::set<std::wstring, PathLess> refusing_folders; ///< no file can be created in these
-    int file_operations = 0;    ///< counts every operation on files, temporary ones too
+    int file_operations = 0;                  ///< counts every operation on files, temporary ones too
     std::vector<std::string> operation_names; ///< of all of them, in order: "RenameOver"
-    int fail_at = -1;           ///< the operation with this number (from 0) fails ...
-    bool fail_for_good = false; ///< ... and all after it
+    int fail_at = -1;                         ///< the operation with this number (from 0) fails ...
+    bool fail_for_good = false;               ///< ... and all after it
     int stop_at = -1; ///< the machine stops at this operation: MachineStopped is thrown, what was not flushed
                       ///< keeps only half its bytes
     std::set<std::string> refused;         ///< operations that always fail, by name: "RenameOver"
