@@ -25,6 +25,7 @@ LIBRARIES = {"tonex_rules": {RULES_FLOOR}, "tonex_exchange": {RULES_FLOOR},
 CHANGING_GLOBALS = {
     ("platform/windows/events.cpp", "events_ran_at"): "when waiting messages were last looked at",
     ("platform/windows/files.cpp", "counter"): "no two temporary files of a process have one name",
+    ("platform/windows/help.cpp", "reader"): "the system's help reader is asked, and dismissed, by the process",
     ("platform/windows/link_library.cpp", "folder_device"): "the libraries' functions name no device",
     ("platform/windows/link_library.cpp", "loaded"): "loaded once; their dialogs call back without them",
     ("platform/windows/main_window.cpp", "main"): "window procedures have no argument for the program's window",

@@ -72,6 +72,13 @@ struct InProgramFolder {
     std::wstring previous;
 };
 
+/// Whether the system is Wine.
+bool UnderWine();
+
+/// Tells the system's help reader that its file is needed no more; called when the main window is gone. Does
+/// nothing where no help was opened.
+void CloseHelpFile();
+
 /// The wave outputs are counted again at the next question. Called when some may have come or gone: when the
 /// system says so, when the user comes back to the window, when a menu opens.
 void ForgetWaveOutputs();

@@ -96,6 +96,7 @@ void SessionDecided(MainWindow& main, bool ends) {
 }
 
 void Destroyed(MainWindow& main) {
+    CloseHelpFile();
     main.up = false;
     Hooks().main_window = nullptr;
     PostQuitMessage(0);

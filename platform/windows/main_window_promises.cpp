@@ -36,10 +36,6 @@ constexpr DWORD kOfferLook = 5;       // milliseconds
 constexpr DWORD kOfferPatience = 300; // milliseconds
 constexpr wchar_t kOfferClass[] = L"STATIC";
 
-bool UnderWine() {
-    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-}
-
 /// Wine asks a window whether it wants the keyboard by the message that a mouse click would send.
 LRESULT CALLBACK NoteOffer(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_MOUSEACTIVATE) {

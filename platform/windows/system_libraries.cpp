@@ -43,6 +43,10 @@ Apartment::~Apartment() {
     if (leave) leave();
 }
 
+bool UnderWine() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
 HMODULE SystemLibrary(const wchar_t* file_name) {
     wchar_t folder[MAX_PATH];
     const UINT length = GetSystemDirectoryW(folder, static_cast<UINT>(std::size(folder)));

@@ -142,10 +142,11 @@ class Prefix:
         users, windows = self.path / "drive_c" / "users", self.path / "drive_c" / "windows"
         return sorted(path for path in [*users.rglob(pattern), *windows.glob("temp/" + pattern)] if path.is_file())
 
-    def opened_pages(self, folder):
-        """Lets the system's browser be a script that keeps what it is given, and takes the help reader away; gives
-        the file with a line a page."""
-        (self.path / "drive_c" / "windows" / "winhlp32.exe").unlink(missing_ok=True)
+    def opened_pages(self, folder, keep_reader=False):
+        """Lets the system's browser be a script that keeps what it is given, and takes the help reader away unless
+        it is to be kept; gives the file with a line a page."""
+        if not keep_reader:
+            (self.path / "drive_c" / "windows" / "winhlp32.exe").unlink(missing_ok=True)
         note, script = folder / "opened", folder / "browser"
         script.write_text(f'#!/bin/sh\nprintf "%s\\n" "$1" >>{note}\n')
         script.chmod(0o755)
