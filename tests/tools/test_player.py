@@ -3,6 +3,7 @@ its exit status. Runs in the caller's Wine prefix and on the caller's screen."""
 
 import os
 import pathlib
+import re
 import subprocess
 import time
 
@@ -125,6 +126,34 @@ def test_path_with_blanks(device, tmp_path, form):
     path.write_bytes(wav_bytes(samples))
     assert command_line(device, f'"{windows_path(PLAYER)}" ' + form.format(path=windows_path(path))) == PLAYED
     assert_heard(device, samples)
+
+
+@pytest.fixture
+def traced():
+    """Lets Wine note the calls of one of the system's functions: traced(device, function, path) gives the lines that
+    a play to the end leaves."""
+    key = "HKCU\\Software\\Wine\\Debug"
+
+    def reg(*words):
+        subprocess.run(["wine", "reg", *words, "/f"], check=True, timeout=60, stdin=subprocess.DEVNULL,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def play_traced(device, function, path):
+        reg("add", key, "/v", "RelayInclude", "/d", function)
+        done = subprocess.run(["wine", str(PLAYER), "/play", "/close", windows_path(path)], timeout=60, check=True,
+                              env={**device.environment(), "WINEDEBUG": "+relay"}, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        return [line for line in done.stderr.decode(errors="replace").splitlines() if f"Call {function}(" in line]
+
+    yield play_traced
+    reg("delete", key, "/v", "RelayInclude")
+
+
+def test_before_its_end_it_lets_any_program_come_to_the_front(traced, device, tmp_path):
+    path = tmp_path / "a.wav"
+    path.write_bytes(wav_bytes(noise(3000)))
+    calls = traced(device, "user32.AllowSetForegroundWindow", path)
+    assert [re.search(r"\((\w+)", call)[1] for call in calls] == ["ffffffff"]
 
 
 def damaged():
