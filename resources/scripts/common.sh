@@ -46,41 +46,78 @@ $name"*) ;;
     done
 }
 
+# apt_install OPTION|PACKAGE…: never at the cost of a package that is there.
 apt_install() {
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends install "$@"
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends --no-remove install "$@"
+}
+
+# The packages, one a line, that the same call would bring back to an older version.
+downgrades_of() {
+    LC_ALL=C apt-get -s --no-install-recommends --no-remove install "$@" 2>/dev/null \
+        | sed -n '/DOWNGRADED:$/,/^[^ ]/s/^  *//p' | tr -s ' ' '\n'
+}
+
+# confirm QUESTION: asks whoever sits at the terminal, and takes only y for a yes. Without a terminal there is nobody
+# to ask and nothing to wait for: yes.
+confirm() {
+    local answer
+    [ -t 0 ] || return 0
+    printf '%s [y/N] ' "$1" >/dev/tty
+    read -r answer
+    [ "$answer" = y ] || [ "$answer" = Y ]
+}
+
+# What is about to be done to the system, before it is done.
+say_what_is_installed() {
+    say "These packages are missing and will be installed with apt-get: $*"
+    [ "$(id -u)" = 0 ] || say "sudo runs apt-get as root; it may ask for your password."
+}
+
+add_i386() {
+    dpkg --print-foreign-architectures | grep -qx i386 && return 0
+    say "Some are 32-bit: the architecture i386 will be added to dpkg (back: dpkg --remove-architecture i386)."
+    as_root dpkg --add-architecture i386
+}
+
+# The 32-bit libraries must have the version of the 64-bit ones. Where updates reach one architecture only, the
+# libraries concerned go back to the version of the release, which is there for both.
+install_with_release_versions() {
+    local preferences="$root/build/release.pref" older
+    local options=(--allow-downgrades -o "Dir::Etc::Preferences=$preferences")
+    printf 'Package: *\nPin: release n=bookworm\nPin-Priority: 1001\n' >"$preferences"
+    older=$(downgrades_of "${options[@]}" "$@" | paste -sd ' ')
+    say "They do not fit the versions that are installed."
+    if [ -n "$older" ]; then
+        say "With these packages brought back to the version of the Debian release they would: $older"
+        if ! confirm "Bring them back to that older version?"; then
+            fail "No package was changed. These are missing still: $*"
+            return 1
+        fi
+    fi
+    say "Installing again, with the versions of the release"
+    apt_install "${options[@]}" "$@" >>"$log" 2>&1 && return 0
+    fail "The packages could not be installed." "$log"
+    return 1
 }
 
 install_packages() {
-    local missing log="$logs/packages.log"
-    missing=$(missing_packages)
-    [ -z "$missing" ] && return 0
+    local -a missing
+    local log="$logs/packages.log"
+    read -ra missing <<<"$(missing_packages)"
+    [ "${#missing[@]}" = 0 ] && return 0
     if [ "$(id -u)" != 0 ] && ! command -v sudo >/dev/null; then
-        fail "Packages are missing, and there is no sudo to install them with: $missing"
+        fail "Packages are missing, and there is no sudo to install them with: ${missing[*]}"
         return 1
     fi
-    say "Installing packages: $missing"
+    say_what_is_installed "${missing[@]}"
     : >"$log"
-    case " $missing" in
-    *:i386*)
-        if ! dpkg --print-foreign-architectures | grep -qx i386; then
-            as_root dpkg --add-architecture i386 >>"$log" 2>&1
-        fi
-        ;;
+    case " ${missing[*]} " in
+    *:i386*) add_i386 2>>"$log" ;;
     esac
     # A package source that is out of reach makes update fail while the others are good: install tells.
     as_root apt-get -q update >>"$log" 2>&1 || true
-    # shellcheck disable=SC2086
-    apt_install $missing >>"$log" 2>&1 && return 0
-    # The 32-bit libraries must have the version of the 64-bit ones. Where updates reach one architecture only,
-    # the libraries concerned go back to the version of the release, which is there for both.
-    say "Installing again, with the versions of the release"
-    printf 'Package: *\nPin: release n=bookworm\nPin-Priority: 1001\n' >"$root/build/release.pref"
-    # shellcheck disable=SC2086
-    if ! apt_install --allow-downgrades --no-remove -o Dir::Etc::Preferences="$root/build/release.pref" \
-        $missing >>"$log" 2>&1; then
-        fail "The packages could not be installed." "$log"
-        return 1
-    fi
+    apt_install "${missing[@]}" >>"$log" 2>&1 && return 0
+    install_with_release_versions "${missing[@]}"
 }
 
 # build PRESET TARGET…: configures once and builds quietly. One build of a preset at a time: suites that run side by
