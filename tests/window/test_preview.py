@@ -17,7 +17,7 @@ from melody import Melody
 from prefix import PREVIEWS, SCREEN_SIZE
 from sound_device import NoDevice, assert_heard
 from wine_paths import windows_path
-from words import ASK, PREVIEW_ITEM, PREVIEW_TOOL, WRITE_ERROR
+from words import ASK, NO_PLAYER, PREVIEW_ITEM, PREVIEW_TOOL, WRITE_ERROR
 from xscreen import wait_until
 
 PLAYER = "sndrec32.exe"
@@ -332,7 +332,7 @@ def test_play_verb_where_there_is_no_player(alone, stand_in, start, melody, play
 def test_no_player_at_all(alone, start, melody):
     editor = start(windows_path(melody("SHORT.SND", text_of(SHORT))), program_path=alone.editor)
     preview(editor)
-    editor.message("Can not run Sound Player!")
+    editor.message(NO_PLAYER)
     wait_back(editor)
     still_works(editor)
 

@@ -13,6 +13,9 @@ from words import ASK, UNTITLED, WRITE_ERROR
 from xscreen import wait_until
 
 
+KILLS = int(os.environ.get("TONEX_KILLS", "25"))  # tests/kill_run asks for more
+
+
 def fill(folder):
     """Takes the room that is left."""
     with open(folder / "filler", "wb", buffering=0) as filler:
@@ -85,7 +88,7 @@ def test_killed_at_any_moment_of_a_save_the_file_is_whole(start, tmp_path):
     path = tmp_path / "KILLED.SND"
     chance = random.Random(20)
     seen = {"old": 0, "new": 0}
-    for _ in range(25):
+    for _ in range(KILLS):
         path.write_bytes(old)
         editor = start(windows_path(path))
         editor.screen.key("end")

@@ -14,6 +14,8 @@
 //   menu|toolbar|accessible|combo|process|inputmethod|textsize WINDOW   see probe_hook.cpp
 //   pressitem|focusitem WINDOW NUMBER   as an assistive tool does, on an item of a panel, counted from 1
 //   messagefont WINDOW HEIGHT      gives the system's message font a height in pixels, for that program
+//   failcall WINDOW NUMBER         see probe_faults.h: the file call with that number fails
+//   failfrom WINDOW NUMBER         and all after it
 //   told WINDOW                    the items that screen readers were told to have the keyboard, since the
 //   last
 //                                  such question about any window: numbers from 1, 0 = the window itself
@@ -318,6 +320,12 @@ std::string TextSize(const Words& words) {
 std::string MessageFont(const Words& words) {
     return AskInside(kMessageFont, words);
 }
+std::string FailCall(const Words& words) {
+    return AskInside(kFailCall, words);
+}
+std::string FailCallsFrom(const Words& words) {
+    return AskInside(kFailCallsFrom, words);
+}
 
 // What screen readers are told comes to the thread that asked for it, as messages: it has one of its own,
 // which lives as long as the process.
@@ -390,6 +398,8 @@ constexpr Command kCommands[] = {
     {"inputmethod", 2, InputMethod},
     {"textsize", 2, TextSize},
     {"messagefont", 3, MessageFont},
+    {"failcall", 3, FailCall},
+    {"failfrom", 3, FailCallsFrom},
     {"told", 2, Told},
     {"getreg", 3, GetReg},
     {"setreg", 3, SetReg},

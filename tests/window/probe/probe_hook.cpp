@@ -1,5 +1,6 @@
 // The part of the probe that works inside the watched program: a hook on its window messages answers requests
 // that can not be answered from outside, such as the texts and states of menu items.
+#include "probe_faults.h"
 #include "probe_shared.h"
 
 #include <commctrl.h>
@@ -253,6 +254,10 @@ std::string ComboOf(HWND combo) {
            ",\"items\":" + items + "]}";
 }
 
+std::string FailureText(const probe::Failure& failure) {
+    return "[" + std::to_string(failure.calls) + ",\"" + failure.name + "\"]";
+}
+
 void Answer(const std::string& text) {
     const HANDLE mapping = OpenFileMappingW(FILE_MAP_WRITE, FALSE, kAnswerName);
     if (mapping == nullptr) {
@@ -286,6 +291,8 @@ extern "C" __declspec(dllexport) LRESULT CALLBACK ProbeHook(int code, WPARAM wpa
             case kInputMethod: Answer(InputMethodOf(window)); break;
             case kTextSize: Answer(TextSizeOf(window)); break;
             case kMessageFont: Answer(SetMessageFont(window, number)); break;
+            case kFailCall: Answer(FailureText(probe::OrderFailure(number, false))); break;
+            case kFailCallsFrom: Answer(FailureText(probe::OrderFailure(number, true))); break;
             default: break;
             }
         }

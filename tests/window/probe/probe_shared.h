@@ -23,6 +23,8 @@ enum Request : WPARAM {
     kInputMethod,
     kTextSize,
     kMessageFont,
+    kFailCall,
+    kFailCallsFrom,
     kProcess
 };
 
