@@ -220,6 +220,12 @@ TEST_F(Device, ARefusedUploadLeavesTheMelodyAndKeepsAsking) {
     EXPECT_EQ(window.Caption, L"Sound Editor - Veloxa:TUNE.SND");
     EXPECT_FALSE(window.link.device_work);
     EXPECT_EQ(TemporaryFiles(), 0);
+    const auto place = [&](const std::string& beginning) {
+        return std::find_if(desk.log.begin(), desk.log.end(),
+                            [&](const std::string& line) { return line.starts_with(beginning); });
+    };
+    EXPECT_LT(place("ShowMessage File translate error"), place("RemoveFile C:\\Temp\\Snd"))
+        << "it is told while the file is still there";
 
     desk.link.put_result = 0;
     mnuFileOverWriteZ730_Click(window);
@@ -293,6 +299,18 @@ TEST_F(Device, AMelodyThatDoesNotFitIsHandedOverAsFarAsItFits) {
     EXPECT_EQ(desk.link.uploads.at(kDeviceTune), EncodedScore());
     EXPECT_FALSE(window.score.changed);
     EXPECT_EQ(TemporaryFiles(), 0);
+}
+
+TEST_F(Device, AMelodyThatDoesNotFitAndIsRefusedIsToldOfTwice) {
+    ComposeOnDevice();
+    FillScore(window, 300);
+    for (std::size_t i = 0; i < 300; ++i)
+        window.score.sound[i] = MakeNote(window, 20, 40);
+    desk.link.put_result = 9;
+    mnuFileOverWriteZ730_Click(window);
+    EXPECT_EQ(desktop::Told(), (Texts{L"File translate error when upload to Veloxa!",
+                                      L"Cannot input the last173music notes."}));
+    EXPECT_TRUE(window.score.changed);
 }
 
 TEST_F(Device, AnUploadGoesThroughATemporaryFileWithThePrefixSnd) {
@@ -434,6 +452,27 @@ TEST_F(Device, OpenEndsSilentlyOnCancelAndOnPathsThatDoNotConvert) {
     desk.link.conversion_count.reset();
     desk.link.conversion_bytes = std::string(1, '\0');
     open();
+}
+
+TEST_F(Device, OpenOfAChoiceThatHasNoPathInTheCacheLeavesTheMelody) {
+    desk.link.missing = {"Cor_ConvPathCorvaneToCache"};
+    window.link_library = LoadLinkLibrary(L"C:\\Link");
+    ComposeOnDevice();
+    desk.answers = {MessageAnswer::No};
+    desk.link.open_choices = {kDeviceTune};
+    mnuFileOpenZ730_Click(window);
+    EXPECT_TRUE(desktop::Asked("Cor_PIMOpenFileDialog"));
+    EXPECT_EQ(window.link.CacheSoundDir, kSoundFolder);
+    ExpectUntouched(kCacheTune, 0);
+}
+
+TEST_F(Device, AnyAnswerOfADialogButZeroIsAChoice) {
+    desk.files[kCacheTune] = {EncodedScore()};
+    desk.link.dialog_result = -1;
+    desk.link.open_choices = {kDeviceTune};
+    mnuFileOpenZ730_Click(window);
+    EXPECT_EQ(window.document.current_path, kCacheTune);
+    EXPECT_EQ(window.Caption, L"Sound Editor - Veloxa:TUNE.SND");
 }
 
 TEST_F(Device, OpenOfAFileThatIsGoneLeavesAnUntitledPcDocument) {
@@ -750,6 +789,19 @@ TEST_F(Device, ADeviceFileThatCanNotBeFetchedOrFoundIsNotReopened) {
     refused([&] { desk.link.exists = 0; });
     refused([&] { desk.link.get_bytes = std::string(1, '\0'); });
     refused([&] { desk.link.get_bytes = std::string("C:\\elsewhere\\A.SND\0", 19); });
+}
+
+TEST_F(Device, ALibraryThatCanNotAskOrNotFetchReopensNothing) {
+    desk.settings[kLastFile] = L"0,Veloxa:TUNE.SND,C:\\Link\\pcferry\\cache\\System\\sound\\TUNE.SND";
+    desk.files[kCacheTune] = {{1}};
+    for (const char* name : {"Cor_IsExist", "Cor_GetFile"}) {
+        desk.link = {};
+        desk.link.missing = {name};
+        window.link_library = LoadLinkLibrary(L"C:\\Link");
+        EXPECT_FALSE(ReopenLastFile(window, L"Tonex")) << name;
+        EXPECT_EQ(window.document.current_path, L"") << name;
+        EXPECT_FALSE(desktop::Asked("Cor_GetFile")) << name;
+    }
 }
 
 TEST_F(Device, TheTextIsSplitAtItsFirstTwoCommas) {

@@ -112,6 +112,13 @@ TEST_F(DocumentTest, SeparatorsOnlyNeverAskAndClearTheChangedFlag) {
     EXPECT_TRUE(desk.messages.empty());
 }
 
+TEST_F(DocumentTest, ANoteAloneInTheFirstSlotAsks) {
+    Compose(1);
+    desk.answers = {MessageAnswer::Cancel};
+    EXPECT_FALSE(AskToSaveChanges(window));
+    EXPECT_EQ(desktop::Told(), Texts{L"Do you want to save the changes?"});
+}
+
 TEST_F(DocumentTest, ARestAloneAsks) {
     FillScore(window, {MakeEntry(window, 0, 0), MakeRest(window, 21)});
     window.score.changed = true;
@@ -270,6 +277,16 @@ TEST_F(DocumentTest, NewClearsScorePathAndTitle) {
     EXPECT_EQ(window.Caption, L"Sound Editor - Untitled");
     EXPECT_FALSE(window.score.changed);
     EXPECT_FALSE(desk.settings.contains(kLastFile));
+}
+
+TEST_F(DocumentTest, NewLeavesTheLocationFlagAsItWas) {
+    for (const std::int16_t location : {std::int16_t{0}, std::int16_t{1}}) {
+        ComposeAt(kTune, location);
+        window.score.changed = false;
+        mnuNewFile_Click(window);
+        EXPECT_EQ(window.document.current_path, L"");
+        EXPECT_EQ(window.document.location_flag, location);
+    }
 }
 
 // Open.
@@ -487,6 +504,16 @@ TEST_F(DocumentTest, SaveRunsSaveAsForUntitledLongNamedAndDeviceDocuments) {
         EXPECT_EQ(window.document.current_path, path);
         EXPECT_EQ(window.Caption, L"before");
         EXPECT_TRUE(window.score.changed);
+    }
+}
+
+TEST_F(DocumentTest, ALongNameIsToldOfBeforeTheLocationIsLookedAt) {
+    for (const std::int16_t location : {std::int16_t{0}, std::int16_t{1}}) {
+        ComposeAt(L"C:\\Songs\\NINECHARS.SND", location);
+        desk.messages.clear();
+        desk.save_choices = {std::nullopt};
+        mnuFileOverWrite_Click(window);
+        EXPECT_EQ(desktop::Told(), Texts{L"File name cannot exceed 8 characters.  Change the file name."});
     }
 }
 

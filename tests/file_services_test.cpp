@@ -88,6 +88,24 @@ TEST(SaveFile, TakesAnotherTemporaryNameWhenOneIsThere) {
     EXPECT_EQ(desk.files.at(L"C:\\Songs\\~snd1.tmp").bytes, (Bytes{1, 2, 3}));
 }
 
+TEST(SaveFile, GivesUpWhenEightTemporaryNamesAreTaken) {
+    for (const int taken : {7, 8}) {
+        desktop::Desktop& desk = DiskWithOldFile();
+        for (int i = 1; i <= taken; ++i)
+            desk.files[L"C:\\Songs\\~snd" + std::to_wstring(i) + L".tmp"] = {{1, 2, 3}};
+        EXPECT_EQ(SaveWholeFile(kPath, kNew), taken == 7);
+        EXPECT_EQ(desk.files.at(kPath).bytes, taken == 7 ? kNew : kOld);
+        EXPECT_EQ(TemporaryFiles(), taken);
+    }
+}
+
+TEST(SaveFile, InAPathThatStartsWithASlashABackslashIsACharacter) {
+    const desktop::Desktop& desk = desktop::Reset();
+    EXPECT_TRUE(SaveWholeFile(L"/home/user/A\\B.SND", kNew));
+    EXPECT_TRUE(desktop::Asked("CreateOutput /home/user/~snd1.tmp"));
+    EXPECT_EQ(desk.files.at(L"/home/user/A\\B.SND").bytes, kNew);
+}
+
 TEST(SaveFile, OldWholeOrNewWholeWhenAnyOperationFailsOnce) {
     for (const std::uint32_t attributes : {kAttributeArchive, kAttributeArchive | kAttributeReadOnly}) {
         const int operations = OperationsOfAGoodSave(attributes);
@@ -280,6 +298,12 @@ TEST(SaveFile, AFolderThatRefusesGivesUpSoon) {
     EXPECT_LE(TimesAsked("CreateOutput"), 10);
 }
 
+TEST(SaveFile, AGuardedFolderAtThePathKeepsItsAttributes) {
+    DiskWithOldFile(kAttributeDirectory | kAttributeReadOnly).refused = {"RenameOver"};
+    EXPECT_FALSE(SaveWholeFile(kPath, kNew));
+    EXPECT_FALSE(desktop::Asked("SetAttributesOf C:\\Songs\\TUNE.SND"));
+}
+
 TEST(SaveFile, AFolderAtThePathIsNotReplaced) {
     desktop::Desktop& desk = desktop::Reset();
     desk.folders.insert(kPath);
@@ -428,4 +452,5 @@ TEST(FileToSoundData, AHugeFileIsReadOnlyAsFarAsASoundFileCanReach) {
     std::int16_t tempo = 0;
     FileList list{};
     EXPECT_EQ(FileToSoundData(tempo, list, kPath), kSndBadFormat);
+    EXPECT_EQ(desk.read_limit, 2u * 1029) << "as much as two of the editor's buffers hold";
 }

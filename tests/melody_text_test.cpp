@@ -331,8 +331,21 @@ TEST(MelodyText, AReasonShowsAWrongWordShortAndWhole) {
 
 TEST(MelodyText, ParsingTwiceGivesTheSame) {
     const std::string text = "tempo 54\nc5 1/4\n|\ng5# 1/16t\n";
+    const auto first = EntriesOf(Parsed(text));
+    EXPECT_EQ(first, (std::vector<FileEntry>{{10, 38}, {200, 38}, {5, 46}}));
     FaultOf("tempo 54\nwrong\n");
-    EXPECT_EQ(EntriesOf(Parsed(text)), EntriesOf(Parsed(text)));
+    EXPECT_EQ(EntriesOf(Parsed(text)), first);
+}
+
+TEST(MelodyText, AWordOfContinuationBytesIsCutToNothing) {
+    EXPECT_EQ(FaultOf("tempo 120\n" + std::string(30, '\x80') + " 1/4\n").reason,
+              "\"...\" is no note, r or |");
+}
+
+TEST(MelodyText, ACarriageReturnAloneEndsALineAlsoTheLast) {
+    EXPECT_EQ(EntriesOf(Parsed("tempo 120\rc5 1/4\rd5 1/4\r")).size(), 2u);
+    EXPECT_EQ(FaultOf("tempo 120\r\rwrong\r").line, 3);
+    EXPECT_EQ(FaultOf("tempo 120\r\n\r\nwrong\r\n").line, 3);
 }
 
 } // namespace

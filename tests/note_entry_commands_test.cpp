@@ -180,6 +180,38 @@ TEST(NoteEntry, ALengthButtonInColumn508OfAFullScoreStaysThere) {
     EXPECT_EQ(window->score.strip_cursor, 29);
 }
 
+TEST(NoteEntry, ALengthButtonInColumn507OfAFullScoreMovesToTheLast) {
+    auto window = SetUpWindow();
+    FillScore(*window, 509);
+    MoveCursor(*window, 507);
+    cbtNote_Click(*window, 2);
+    EXPECT_EQ(window->grdScore.view.Col, 508);
+}
+
+TEST(NoteEntry, ALengthButtonRedrawsThePictureOfItsNoteWhereTheStripShowsIt) {
+    auto window = SetUpWindow();
+    FillScore(*window, 100);
+    for (const int first : {0, 40}) {
+        for (const int image : {0, kStripPictures - 1}) {
+            grdScore_Scroll(*window, first);
+            window->grdScore.view.Col = window->grdScore.view.ColSel = first + image;
+            SlotAt(*window, first + image).code = 7;
+            cbtNote_Click(*window, 2);
+            // Pictures of notes with the stem down are 40 behind those with the stem up.
+            EXPECT_EQ(ImageOf(*window, first + image - window->score.first_shown).Picture % 40, 2)
+                << first << " + " << image;
+        }
+    }
+    // One column to the right of the strip, and one to its left.
+    for (const int column : {40 + kStripPictures, 39}) {
+        grdScore_Scroll(*window, 40);
+        window->grdScore.view.Col = window->grdScore.view.ColSel = column;
+        cbtNote_Click(*window, 2);
+        EXPECT_EQ(SlotOf(*window, column).code, 2);
+        EXPECT_EQ(window->grdScore.view.Col, column + 1);
+    }
+}
+
 TEST(NoteEntry, ALengthButtonOnANoteOutOfViewBringsTheCursorIntoView) {
     auto window = SetUpWindow();
     FillScore(*window, 100);

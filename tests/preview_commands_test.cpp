@@ -443,6 +443,13 @@ TEST_F(Preview, OrderAtTheEnd) {
     EXPECT_LT(focus, desk.log.size());
 }
 
+TEST_F(Preview, TheWindowIsShownEnabledBeforeItComesToTheFront) {
+    FourEntries();
+    mnuPreview_Click(window);
+    const std::size_t shown = Find("ProcessPendingEvents", Find("CloseProcess"));
+    EXPECT_LT(shown, Find("BringMainWindowToForeground"));
+}
+
 TEST_F(Preview, TheNextPreviewIsFreeBeforeTheFocusComesBack) {
     FourEntries();
     bool busy = true;

@@ -101,6 +101,25 @@ TEST_F(Settings, AFixedSizeWindowFarOutsideEveryNumberIsCentred) {
     EXPECT_TRUE(desktop::Asked(kCentred));
 }
 
+TEST_F(Settings, AFixedSizeWindowThatIsTooFarOnOneSideOnlyIsCentredToo) {
+    desk.border_style = kBorderFixedSingle;
+    for (const wchar_t* text : {L"1,600,2147483647,500,200", L"1,600,100,500,2147483647"}) {
+        desk.log.clear();
+        desk.settings[kPlacement] = text;
+        EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
+        EXPECT_TRUE(desktop::Asked(kCentred)) << desktop::Utf8(text);
+    }
+}
+
+TEST_F(Settings, AFixedSizeWindowMovesToTheLargestAndTheSmallestNumber) {
+    desk.border_style = kBorderFixedSingle;
+    window.screen.twips_per_pixel_x = 1;
+    window.screen.twips_per_pixel_y = 1;
+    desk.settings[kPlacement] = L"1,600,2147483647,500,-2147483647";
+    EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
+    EXPECT_TRUE(desktop::Asked("MoveMainWindow 2147483647 -2147483647"));
+}
+
 TEST_F(Settings, AMissingOrEmptyPlacementCentresTheWindow) {
     EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
     EXPECT_TRUE(desktop::Asked(kCentred));

@@ -210,6 +210,25 @@ TEST(SndWriter, TheCheapestModeIsTakenAndTiesGoToTheLower) {
     EXPECT_EQ(ChooseTimingMode(Tables(), ListOf({{109, 0}, {111, 0}}), tempo_160), 2);
 }
 
+TEST(SndWriter, TheCostOfALongMelodyIsSummedWhole) {
+    const int tempo_160 = TempoIndexOf(Tables(), 160); // in all three modes
+    TimingTables tables = BuildTimingTables();
+    const auto costs = [&](std::size_t code, std::int16_t first, std::int16_t second, std::int16_t third) {
+        tables.length_cost[0][code] = first;
+        tables.length_cost[1][code] = second;
+        tables.length_cost[2][code] = third;
+    };
+    costs(0, 5, 4, 6); // 2545, 2036 and 3054 in all
+    EXPECT_EQ(ChooseTimingMode(tables, Repeat(509, {0, 1}), tempo_160), 1);
+    costs(0, 2, 1, 2); // 256 would be 0 in 8 bits
+    EXPECT_EQ(ChooseTimingMode(tables, Repeat(128, {0, 1}), tempo_160), 1);
+    costs(0, 0, 1, 1);
+    costs(1, 1, 0, 1);
+    FileList list = Repeat(509, {1, 1});
+    std::fill_n(list.begin(), 127, FileEntry{0, 1});
+    EXPECT_EQ(ChooseTimingMode(tables, list, tempo_160), 1) << "the entries behind the first 127 count too";
+}
+
 TEST(SndWriter, AModeThatHasNotTheTempoIsNotTaken) {
     EXPECT_EQ(ChooseTimingMode(Tables(), ListOf({{1, 1}}), TempoIndexOf(Tables(), 120)), 0);
     EXPECT_EQ(ChooseTimingMode(Tables(), ListOf({{2, 1}}), TempoIndexOf(Tables(), 640)), 2);
@@ -467,6 +486,18 @@ TEST(SndReader, EveryHeaderByteIsChecked) {
             }
         }
     }
+}
+
+TEST(SndReader, AFaultNamesTheByteAlsoWhereItIs0) {
+    const auto reason_of = [](std::size_t offset, std::uint8_t byte) {
+        Bytes file = GoodFile();
+        file[offset] = byte;
+        return Decode(file).fault.reason;
+    };
+    EXPECT_EQ(reason_of(0, 0), "the format byte must be 7, not 0");
+    EXPECT_EQ(reason_of(1, 1), "this byte must be 0, not 1");
+    EXPECT_EQ(reason_of(2, 0), "the tempo byte must be 1 to 32, not 0");
+    EXPECT_EQ(reason_of(3, 9), "this byte must be 0, not 9");
 }
 
 TEST(SndReader, EndMarksInPlaceOfAHeaderAreRefused) {

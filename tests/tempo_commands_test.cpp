@@ -33,6 +33,30 @@ TEST(TempoBox, StartsWith120) {
     EXPECT_FALSE(window->score.changed);
 }
 
+TEST(TempoBox, IsWholeRightAfterItIsFilledHoweverOften) {
+    sndmain window;
+    window.tables = BuildTimingTables();
+    for (int times = 0; times < 2; ++times) {
+        FillTempoCombo(window);
+        EXPECT_EQ(window.TempoCombo.List.size(), 28u);
+        EXPECT_EQ(window.TempoCombo.ListIndex, 7);
+        EXPECT_EQ(window.TempoCombo.Text, L" 120");
+        EXPECT_EQ(window.lblTempo.Caption, L"Allegro");
+    }
+}
+
+TEST(TempoBox, ItsFirstItemCanBeChosenAndSelected) {
+    const auto window = SetUpWindow();
+    TempoComboClick(*window, 0);
+    EXPECT_EQ(window->TempoCombo.ListIndex, 0);
+    EXPECT_EQ(window->TempoCombo.Text, L" 640");
+    SelectTempo(*window, 30);
+    EXPECT_EQ(window->TempoCombo.ListIndex, 27);
+    SelectTempo(*window, 640);
+    EXPECT_EQ(window->TempoCombo.ListIndex, 0);
+    EXPECT_EQ(window->TempoCombo.Text, L" 640");
+}
+
 TEST(TempoBox, LowerBoundsAreInclusiveUpperBoundsExclusive) {
     const auto window = SetUpWindow();
     EXPECT_EQ(NameOf(*window, L"50"), L"Lento");

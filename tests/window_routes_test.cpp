@@ -311,6 +311,14 @@ TEST_F(StartUpTest, ADropAsksToSaveFirst) {
     EXPECT_TRUE(window.score.changed);
 }
 
+TEST_F(StartUpTest, ADropAsksBeforeItLooksAtTheExtension) {
+    StartAndCompose();
+    desk.answers = {MessageAnswer::No};
+    OpenDroppedFile(window, L"C:\\Songs\\TUNE.mid");
+    EXPECT_EQ(desktop::Told(), (Texts{L"Do you want to save the changes?", L"This is not a sound file."}));
+    EXPECT_EQ(window.score.end_count, 4);
+}
+
 TEST_F(StartUpTest, ADropOnADisabledWindowIsNotTaken) {
     StartAndCompose();
     window.Enabled = false;

@@ -289,6 +289,7 @@ bool RemoveFile(const std::wstring& path) {
 }
 
 bool ReadWholeFile(const std::wstring& path, std::vector<std::uint8_t>& bytes, std::size_t limit) {
+    Current().read_limit = limit;
     if (!Operation("ReadWholeFile", path)) return false;
     const auto found = Current().files.find(path);
     if (found == Current().files.end()) return false;

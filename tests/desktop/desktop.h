@@ -48,6 +48,7 @@ struct LinkScript {
     std::optional<std::string> conversion_bytes; ///< bytes to write instead (at most 200, no NUL is added)
     std::deque<std::optional<std::string>> open_choices; ///< device paths; nothing = cancel
     std::deque<std::optional<std::string>> save_choices;
+    std::int32_t dialog_result = 1;       ///< of the dialogs when something was chosen
     bool dialogs_omit_nul = false;        ///< the dialogs fill what is left of the buffer with '#'
     std::optional<std::int32_t> exists;   ///< answer of Cor_IsExist; else whether the copy is there
     std::int32_t get_result = 0;          ///< of Cor_GetFile
@@ -86,6 +87,7 @@ struct Desktop {
     bool fail_for_good = false;               ///< ... and all after it
     int stop_at = -1; ///< the machine stops at this operation: MachineStopped is thrown, what was not flushed
                       ///< keeps only half its bytes
+    std::size_t read_limit = 0;            ///< bytes that were asked for when a file was read last
     std::set<std::string> refused;         ///< operations that always fail, by name: "RenameOver"
     bool garbles_writes = false;           ///< the disk stores another first byte than it was given
     bool lengthens_writes = false;         ///< the disk stores a byte more than it was given

@@ -90,7 +90,7 @@ std::int32_t Choose(std::deque<std::optional<std::string>>& choices, char* devic
     } else {
         Put(device_path, size, *choice);
     }
-    return 1;
+    return Script().dialog_result;
 }
 
 std::int32_t TONEX_STDCALL PIMOpenFileDialog(const char* start, const char* extension, char* device_path,

@@ -101,11 +101,14 @@ def test_octave_up_of_rests_only_changes_nothing_but_the_undo_copy(start, melody
     editor.screen.key("delete")
     rests = ["Quarter rest"] * 2 + ["End"]
     editor.wait_names(rests)
+    editor.screen.key("end")
+    editor.wait_selected([2])
     editor.choose("Up &an octave")
-    time.sleep(0.3)
+    editor.screen.key("home")
+    editor.wait_selected([0])
     assert editor.names() == rests
     editor.screen.key("ctrl+z")  # back to before the octave, not to before the deletion
-    time.sleep(0.3)
+    editor.wait_selected([2])
     assert editor.names() == rests
 
 
