@@ -5,7 +5,7 @@ import pytest
 
 from melody import C, D, E, G, R, Melody
 from wine_paths import windows_path
-from words import ASK
+from words import ASK, PREVIEW_TOOL
 from xscreen import wait_until
 
 STATE_UNAVAILABLE = 0x1
@@ -263,6 +263,23 @@ def test_while_a_box_is_open_tools_enter_nothing_and_are_told_that_they_can_not(
     # With the box closed they can again.
     five.prefix.ask("pressitem", five.child("TonexPiano")["hwnd"], 1)
     five.wait_names([*before[:-1], "c4, Quarter note", "End"])
+
+
+def test_while_a_preview_plays_tools_enter_nothing(slow_sound, start, melody):
+    text = "tempo 60\n" + "c5 1/1\n" * 20
+    editor = start(windows_path(melody("SLOW.SND", text)))
+    before = editor.names()
+    piano = editor.child("TonexPiano")["hwnd"]
+    editor.click_tool(PREVIEW_TOOL)
+    wait_until(slow_sound.sound, 20, "the sound")
+    assert editor.accessible("TonexPiano")["state"] & STATE_UNAVAILABLE
+    assert editor.prefix.ask("pressitem", piano, 1) == 1  # S_FALSE
+    wait_until(lambda: editor.screen.focused_title().startswith("Sound Player"), 10, "the player in front")
+    editor.screen.key("enter")
+    wait_until(lambda: not editor.accessible("TonexPiano")["state"] & STATE_UNAVAILABLE, 10, "the preview's end")
+    assert editor.names() == before
+    assert editor.prefix.ask("pressitem", piano, 1) == 0
+    editor.wait_names([*before[:-1], "c4, Quarter note", "End"])
 
 
 # --- the input method
