@@ -5,6 +5,7 @@
 #include "view/staff.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tonex {
 
@@ -17,7 +18,6 @@ constexpr int kStaffPanelHeight = 2520;
 constexpr int kStaffInset = 30; ///< between the panel's edges and the staff lines
 constexpr int kImageInset = 15; ///< from a column's left edge to its picture, before the offset
 constexpr int kGridRowHeight = 390;
-constexpr int kScrollBarHeight = 255;
 constexpr int kButtonWidth = 465;
 constexpr int kButtonHeight = 510;
 constexpr int kButtonRowGap = 30;
@@ -68,10 +68,10 @@ void PlaceStaff(sndmain& window, int left, int top) {
     PlacePictures(window);
 }
 
-void PlaceGrid(sndmain& window, int left, int top) {
+void PlaceGrid(sndmain& window, int left, int top, int scroll_bar_height) {
     // As wide as the staff panel above it behind the clef; the columns end a little before.
     window.grdScore.place = {left + kClefWidth, top, kStaffPanelWidth - kClefWidth,
-                             kGridRowHeight + kScrollBarHeight};
+                             kGridRowHeight + scroll_bar_height};
 }
 
 // One row says the tempo and its name, the row below it the length that a key click gives: they stand beside
@@ -135,17 +135,52 @@ void NumberTabStops(sndmain& window) {
 
 } // namespace
 
-void LayoutWindow(sndmain& window, int client_width, int client_height) {
+float OwnStaffSpace(const ScreenMeasures& screen) {
+    return kStaffSpace / screen.twips_per_pixel_y;
+}
+
+PixelSize ContentSize(const ScreenMeasures& screen, float staff_space, int scroll_bar) {
+    const float pixels_y = staff_space / kStaffSpace;
+    const float pixels_x = pixels_y * screen.twips_per_pixel_y / screen.twips_per_pixel_x;
+    const auto pixels = [](int twips, float scale) {
+        constexpr float kNothing = 0.01f; // of a pixel: what single precision adds to a whole number
+        return static_cast<int>(std::ceil(static_cast<float>(twips) * scale - kNothing));
+    };
+    const int more_bar = std::max(0, scroll_bar - pixels(kScrollBarHeight, pixels_y));
+    return {pixels(kMinClientWidth, pixels_x), pixels(kMinClientHeight, pixels_y) + more_bar};
+}
+
+float FittingStaffSpace(const ScreenMeasures& screen, PixelSize client, int scroll_bar) {
+    constexpr float kGrowth = 2;    // pixels a step
+    constexpr float kMostTimes = 4; // larger than any screen of today needs
+    const auto fits = [&](float space) {
+        const PixelSize content = ContentSize(screen, space, scroll_bar);
+        return content.width <= client.width && content.height <= client.height;
+    };
+    const float own = OwnStaffSpace(screen);
+    float space = own;
+    if (fits(own)) {
+        while (space + kGrowth <= kMostTimes * own && fits(space + kGrowth))
+            space += kGrowth;
+        return space;
+    }
+    while (space > kSmallestStaffSpace && !fits(space))
+        space = std::ceil(space) - 1;
+    return space;
+}
+
+void LayoutWindow(sndmain& window, int client_width, int client_height, int scroll_bar_height) {
+    const int scroll_bar = std::max(scroll_bar_height, kScrollBarHeight);
     window.ClientWidth = std::max(client_width, kMinClientWidth);
-    window.ClientHeight = std::max(client_height, kMinClientHeight);
+    window.ClientHeight = std::max(client_height, kMinClientHeight + scroll_bar - kScrollBarHeight);
     NumberTabStops(window);
 
     const int left = (window.ClientWidth - kStaffPanelWidth) / 2;
     const int staff_top = kToolbarHeight + kToolbarGap;
     PlaceStaff(window, left, staff_top);
     const int grid_top = staff_top + kStaffPanelHeight;
-    PlaceGrid(window, left, grid_top);
-    const int lengths_top = grid_top + kGridRowHeight + kScrollBarHeight + kGap;
+    PlaceGrid(window, left, grid_top, scroll_bar);
+    const int lengths_top = grid_top + kGridRowHeight + scroll_bar + kGap;
     PlaceTempo(window, left, lengths_top);
     PlaceLengthButtons(window, left + kStaffPanelWidth - kLengthButtonsWidth, lengths_top);
     const int keys_top = lengths_top + kLengthButtonsHeight + kGap + kKeyLabelHeight;

@@ -2,6 +2,7 @@
 // twips, so that a scale only changes the pixels.
 #pragma once
 
+#include "platform/screen.h"
 #include "view/measures.h"
 
 #include <cstdint>
@@ -18,11 +19,33 @@ inline constexpr int kStripRight = kClefWidth + kStripPictures * kColumnWidth; /
 inline constexpr int kStaffEnd = 60; ///< of the staff panel right of the last column
 inline constexpr int kStaffPanelWidth = kStripRight + kStaffEnd;
 inline constexpr int kMinClientWidth = kStaffPanelWidth + 2 * kMargin;
-inline constexpr int kMinClientHeight = 7650;
+inline constexpr int kMinClientHeight = 7650; ///< with a scroll bar of kScrollBarHeight
+inline constexpr int kScrollBarHeight = 255;
 
 /// Places every control for a client area of the size given (twips, at least the minimum): the content is
-/// centred; what is left in height goes to the piano. Numbers what the Tab key reaches.
-void LayoutWindow(sndmain& window, int client_width, int client_height);
+/// centred; what is left in height goes to the piano. A scroll bar higher than kScrollBarHeight gets its
+/// room. Numbers what the Tab key reaches.
+void LayoutWindow(sndmain& window, int client_width, int client_height,
+                  int scroll_bar_height = kScrollBarHeight);
+
+// How large the content is drawn. Its measure is the staff space, in pixels: lines and note heads stay on
+// whole pixels, and everything else follows.
+
+/// The space on the screen's own scale.
+float OwnStaffSpace(const ScreenMeasures& screen);
+/// Below it notes can not be told apart.
+inline constexpr float kSmallestStaffSpace = 5;
+
+/// A size in pixels.
+struct PixelSize {
+    int width = 0, height = 0;
+};
+/// What the content needs of a window at a staff space. `scroll_bar` is the height that the system gives the
+/// grid's scroll bar, in pixels: it does not follow.
+PixelSize ContentSize(const ScreenMeasures& screen, float staff_space, int scroll_bar);
+/// The largest staff space at which the content fits a client area: larger than the screen's own by two
+/// pixels a step, up to four times that; smaller by one, down to kSmallestStaffSpace, at which it may be cut.
+float FittingStaffSpace(const ScreenMeasures& screen, PixelSize client, int scroll_bar);
 
 /// Works StaffOffset out from the screen's scale and the first two staff lines, hides the strip's pictures
 /// and moves each right by the offset (horizontal by a vertical amount; kept as it is). Run once, at set-up.

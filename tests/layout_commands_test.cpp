@@ -82,6 +82,20 @@ TEST(Layout, ASizeBelowTheSmallestIsTakenAsTheSmallest) {
     EXPECT_EQ(window->ClientHeight, kMinClientHeight);
 }
 
+TEST(Layout, AHigherScrollBarGetsItsRoomAndTheRestMovesDown) {
+    auto window = SetUpWindow();
+    const int lengths_top = window->cbtNote[0].place.Top;
+    const int keys_high = window->kenWhite[0].place.Height;
+    LayoutWindow(*window, 0, 0, kScrollBarHeight + 300);
+    EXPECT_EQ(window->grdScore.place.Height, 390 + kScrollBarHeight + 300);
+    EXPECT_EQ(window->cbtNote[0].place.Top, lengths_top + 300);
+    EXPECT_EQ(window->ClientHeight, kMinClientHeight + 300);
+    EXPECT_EQ(window->kenWhite[0].place.Height, keys_high);
+    ExpectTidy(*window);
+    LayoutWindow(*window, 0, 0, kScrollBarHeight - 100);
+    EXPECT_EQ(window->grdScore.place.Height, 390 + kScrollBarHeight) << "a lower one leaves it to the cells";
+}
+
 TEST(Layout, TheGridsColumnsStandUnderThePictures) {
     auto window = SetUpWindow();
     LayoutWindow(*window, kMinClientWidth + 3000, kMinClientHeight);
@@ -268,6 +282,73 @@ TEST(Layout, ExtraWidthCentresTheContent) {
     const int left = window->kenWhite[0].place.Left;
     const int right = window->ClientWidth - Right(window->kenWhite[28].place);
     EXPECT_LE(std::abs(left - right), 1);
+}
+
+// --- How large the content is drawn
+
+ScreenMeasures ScreenOf(int dpi) {
+    const float twips = 1440.0f / static_cast<float>(dpi);
+    return {.twips_per_pixel_x = twips, .twips_per_pixel_y = twips};
+}
+
+/// The staff space in a window whose client area is so large; the system's scroll bar is 17 pixels at 96 DPI.
+float SpaceIn(int dpi, int width, int height) {
+    return FittingStaffSpace(ScreenOf(dpi), {width, height}, 17 * dpi / 96);
+}
+
+TEST(StaffSpace, IsTheScreensOwnWhereTheContentJustFits) {
+    EXPECT_EQ(SpaceIn(96, 856, 510), 8);
+    EXPECT_EQ(SpaceIn(120, 1070, 638), 10);
+    EXPECT_EQ(SpaceIn(144, 1284, 765), 12);
+    EXPECT_EQ(SpaceIn(192, 1712, 1020), 16);
+}
+
+TEST(StaffSpace, ShrinksByWholePixels) {
+    EXPECT_EQ(SpaceIn(96, 855, 510), 7);
+    EXPECT_EQ(SpaceIn(96, 856, 509), 7);
+    EXPECT_EQ(SpaceIn(96, 748, 510), 6) << "749 wide at 7";
+    EXPECT_EQ(SpaceIn(96, 749, 510), 7);
+    EXPECT_EQ(SpaceIn(96, 600, 510), 5);
+    EXPECT_EQ(SpaceIn(110, 900, 560), 8) << "the screen's own space is 9.2";
+}
+
+TEST(StaffSpace, FitsSmallScreens) {
+    EXPECT_EQ(SpaceIn(96, 792, 540), 7);
+    EXPECT_EQ(SpaceIn(144, 1012, 690), 9);
+    EXPECT_EQ(SpaceIn(144, 1354, 690), 10);
+    EXPECT_EQ(SpaceIn(192, 1900, 970), 15);
+}
+
+TEST(StaffSpace, EndsAt5PixelsBelowWhichNothingIsReadable) {
+    EXPECT_EQ(SpaceIn(96, 300, 200), 5);
+    EXPECT_EQ(SpaceIn(192, 1, 1), 5);
+    EXPECT_EQ(FittingStaffSpace({.twips_per_pixel_x = 30, .twips_per_pixel_y = 30}, {1, 1}, 9), 4)
+        << "unless the screen's own is smaller";
+}
+
+TEST(StaffSpace, GrowsByTwoPixelsAStepUpToFourTimes) {
+    EXPECT_EQ(SpaceIn(96, 1069, 640), 8);
+    EXPECT_EQ(SpaceIn(96, 1070, 640), 10);
+    EXPECT_EQ(SpaceIn(96, 20000, 20000), 32);
+}
+
+TEST(StaffSpace, TheScrollBarKeepsItsHeightInAShrunkWindow) {
+    // 7650 twips are 318.8 pixels at a space of 5, the bar's part of them 10.6.
+    EXPECT_EQ(ContentSize(ScreenOf(96), 5, 17).height, 319 + 17 - 11);
+    EXPECT_EQ(ContentSize(ScreenOf(192), 5, 34).height, 319 + 34 - 11);
+    EXPECT_EQ(ContentSize(ScreenOf(96), 16, 17).height, 1020) << "in a magnified one its room grows";
+    EXPECT_EQ(ContentSize(ScreenOf(192), 5, 34).width, 535);
+}
+
+TEST(StaffSpace, TheContentOfTheFittingSpaceFits) {
+    for (const int dpi : {96, 110, 120, 144, 168, 192})
+        for (int width = 560; width < 2600; width += 47)
+            for (int height = 380; height < 1500; height += 53) {
+                const PixelSize content =
+                    ContentSize(ScreenOf(dpi), SpaceIn(dpi, width, height), 17 * dpi / 96);
+                ASSERT_LE(content.width, width) << dpi;
+                ASSERT_LE(content.height, height) << dpi;
+            }
 }
 
 // --- Staff offset

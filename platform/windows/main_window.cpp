@@ -5,9 +5,12 @@
 #include "platform/main_window.h"
 #include "platform/windows/main_window_events.h"
 #include "platform/windows/resource.h"
+#include "platform/windows/window_place.h"
 
 #include <commctrl.h>
 #include <shellapi.h>
+
+#include <algorithm>
 
 namespace tonex {
 
@@ -77,6 +80,31 @@ void ShowForLoops() {
     ShowDifferences(TheMainWindow());
 }
 
+SIZE SizeOf(const RECT& area) {
+    return {area.right - area.left, area.bottom - area.top};
+}
+
+/// The outer size of a window around a client area, with frame and menu.
+SIZE WithFrame(PixelSize client) {
+    RECT area = {0, 0, client.width, client.height};
+    AdjustWindowRectEx(&area, WS_OVERLAPPEDWINDOW, TRUE, WS_EX_APPWINDOW);
+    return SizeOf(area);
+}
+
+int ScrollBarHeight() {
+    return GetSystemMetrics(SM_CYHSCROLL);
+}
+
+SIZE AtMost(const SIZE& size, const SIZE& limit) {
+    return {std::min(size.cx, limit.cx), std::min(size.cy, limit.cy)};
+}
+
+/// The outer size that shows the content at a staff space; never larger than the screen.
+SIZE SizeAtSpace(const MainWindow& main, float staff_space) {
+    const PixelSize content = ContentSize(main.record.screen, staff_space, ScrollBarHeight());
+    return AtMost(WithFrame(content), SizeOf(FreeScreenAround(main.window)));
+}
+
 /// Everything is drawn again at another scale: nothing that was placed or drawn counts any more.
 void Magnify(MainWindow& main, const Scale& scale) {
     Fonts old = main.theme.fonts;
@@ -101,11 +129,12 @@ bool TakesInput(const MainWindow& main) {
     return main.record.Enabled && IsWindowEnabled(main.window);
 }
 
-SIZE MinimumWindowSize(const MainWindow& main) {
-    RECT area = {0, 0, ToPixelsX(main.screen_scale, kMinClientWidth),
-                 ToPixelsY(main.screen_scale, kMinClientHeight)};
-    AdjustWindowRectEx(&area, WS_OVERLAPPEDWINDOW, TRUE, WS_EX_APPWINDOW);
-    return {area.right - area.left, area.bottom - area.top};
+SIZE FirstWindowSize(const MainWindow& main) {
+    const SIZE free = SizeOf(FreeScreenAround(main.window)), frame = WithFrame({});
+    const PixelSize client = {static_cast<int>(free.cx - frame.cx), static_cast<int>(free.cy - frame.cy)};
+    const ScreenMeasures& screen = main.record.screen;
+    const float space = FittingStaffSpace(screen, client, ScrollBarHeight());
+    return SizeAtSpace(main, std::min(space, OwnStaffSpace(screen)));
 }
 
 bool CreateMainWindow(HINSTANCE instance) {
@@ -120,7 +149,8 @@ bool CreateMainWindow(HINSTANCE instance) {
     RegisterClasses(instance);
     main.owner = CreateWindowExW(0, kOwnerClass, L"Sound Editor", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
                                  instance, nullptr);
-    const SIZE size = MinimumWindowSize(main);
+    main.smallest = SizeAtSpace(main, std::min(kSmallestStaffSpace, OwnStaffSpace(main.record.screen)));
+    const SIZE size = FirstWindowSize(main);
     // No caption before start-up gives it one: a second copy looks for the first by caption and must not find
     // itself.
     main.window =
@@ -144,12 +174,13 @@ void RenewTheme(MainWindow& main) {
 void FitContent(MainWindow& main) {
     RECT client;
     GetClientRect(main.window, &client);
-    const Scale fitting =
-        MagnifiedToFit(main.screen_scale, kMinClientWidth, kMinClientHeight, {client.right, client.bottom});
+    const PixelSize size = {static_cast<int>(client.right), static_cast<int>(client.bottom)};
+    const float space = FittingStaffSpace(main.record.screen, size, ScrollBarHeight());
+    const Scale fitting = ScaleWithSpace(main.screen_scale, space);
     if (fitting.twips_per_pixel_y != main.theme.scale.twips_per_pixel_y) Magnify(main, fitting);
     SendMessageW(main.toolbar, TB_AUTOSIZE, 0, 0);
-    LayoutWindow(main.record, ToTwipsX(fitting, static_cast<int>(client.right)),
-                 ToTwipsY(fitting, static_cast<int>(client.bottom)));
+    LayoutWindow(main.record, ToTwipsX(fitting, size.width), ToTwipsY(fitting, size.height),
+                 ToTwipsY(fitting, ScrollBarHeight()));
 }
 
 } // namespace tonex

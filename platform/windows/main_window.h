@@ -15,7 +15,8 @@ struct MainWindow {
     sndmain record; ///< the truth
     Shown shown;
     Theme theme;
-    Scale screen_scale;   ///< the screen's own; the theme's is larger in a large window
+    Scale screen_scale;   ///< the screen's own; the theme's follows the window's size
+    SIZE smallest = {};   ///< outer size in pixels that the user can make the window
     HWND owner = nullptr; ///< hidden application window; what finds a running copy asks for an owned window
     HWND window = nullptr;
     HWND toolbar = nullptr;
@@ -57,8 +58,9 @@ void FitContent(MainWindow& main);
 /// Reads colours and fonts from the system again, and shows everything in them.
 void RenewTheme(MainWindow& main);
 
-/// The main window's smallest outer size, in pixels: its content at the screen's own scale, menu and frame.
-SIZE MinimumWindowSize(const MainWindow& main);
+/// The main window's first outer size, in pixels: its content at the screen's own scale, menu and frame;
+/// where that is larger than the screen, the content at a smaller one.
+SIZE FirstWindowSize(const MainWindow& main);
 
 // Toolbar and menu, made from the command tables.
 HMENU CreateMainMenu();

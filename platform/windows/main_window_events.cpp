@@ -49,8 +49,7 @@ void Resized(MainWindow& main, LPARAM size) {
 }
 
 void MinimumSize(MainWindow& main, MINMAXINFO& info) {
-    const SIZE smallest = MinimumWindowSize(main);
-    info.ptMinTrackSize = {smallest.cx, smallest.cy};
+    info.ptMinTrackSize = {main.smallest.cx, main.smallest.cy};
 }
 
 /// Whether a question, a message or a dialog waits for its answer, which comes first. Programs can send what

@@ -22,12 +22,31 @@ LONG Coordinate(int stored) {
     return std::clamp(stored, -32768, 32767);
 }
 
-/// At least the smallest size: a stored rectangle may come from another scale or be damaged.
-RECT LargeEnough(RECT area) {
-    const SIZE smallest = MinimumWindowSize(TheMainWindow());
-    if (area.right - area.left < smallest.cx) area.right = area.left + smallest.cx;
-    if (area.bottom - area.top < smallest.cy) area.bottom = area.top + smallest.cy;
-    return area;
+/// A stored rectangle that no user made, from a damaged store, gets the first size.
+RECT WithSize(RECT area) {
+    const bool made = area.right - area.left >= GetSystemMetrics(SM_CXMINTRACK) &&
+                      area.bottom - area.top >= GetSystemMetrics(SM_CYMINTRACK);
+    if (made) return area;
+    const SIZE first = FirstWindowSize(TheMainWindow());
+    return {area.left, area.top, area.left + first.cx, area.top + first.cy};
+}
+
+/// The window is restored as it was left, also where that is smaller than it can be made now.
+void AllowSize(const RECT& area) {
+    SIZE& smallest = TheMainWindow().smallest;
+    smallest.cx = std::min(smallest.cx, area.right - area.left);
+    smallest.cy = std::min(smallest.cy, area.bottom - area.top);
+}
+
+/// Stored places count from the corner of the free screen, areas of screens from the screen's own: only where
+/// the window has come to stand is compared.
+void BringBack() {
+    const RECT area = AreaOf(Window());
+    if (CanBeReached(area)) return;
+    const RECT on_screen = OntoScreen(area);
+    SetWindowPos(Window(), nullptr, static_cast<int>(on_screen.left), static_cast<int>(on_screen.top),
+                 static_cast<int>(on_screen.right - on_screen.left),
+                 static_cast<int>(on_screen.bottom - on_screen.top), SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 // ---- the keyboard under Wine ----
@@ -84,8 +103,9 @@ bool GetMainWindowPlacement(WindowPlacement& placement) {
 }
 
 bool SetMainWindowPlacement(const WindowPlacement& placement) {
-    const RECT area = OntoScreen(LargeEnough({Coordinate(placement.left), Coordinate(placement.top),
-                                              Coordinate(placement.right), Coordinate(placement.bottom)}));
+    const RECT area = WithSize({Coordinate(placement.left), Coordinate(placement.top),
+                                Coordinate(placement.right), Coordinate(placement.bottom)});
+    AllowSize(area);
     WINDOWPLACEMENT system{};
     system.length = sizeof system;
     // The window is not on the screen yet: a maximised one is maximised when it is first shown.
@@ -94,6 +114,7 @@ bool SetMainWindowPlacement(const WindowPlacement& placement) {
     system.ptMinPosition = {-1, -1};
     system.rcNormalPosition = area;
     if (!SetWindowPlacement(Window(), &system)) return false;
+    BringBack();
     TheMainWindow().first_show = placement.show_state == SW_SHOWMAXIMIZED ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL;
     return true;
 }

@@ -185,6 +185,8 @@ Colours ReadColours() {
 
 Fonts CreateFonts(const sndmain& window, const Scale& scale, float magnified) {
     LOGFONTW message = MessageFont();
+    LOGFONTW tooltip = message;
+    tooltip.lfHeight = std::lround(static_cast<float>(message.lfHeight) * std::max(1.0f, magnified));
     message.lfHeight = std::lround(static_cast<float>(message.lfHeight) * magnified);
     const LOGFONTW japanese = JapaneseFont(message);
     const int wanted = std::abs(static_cast<int>(message.lfHeight));
@@ -194,7 +196,7 @@ Fonts CreateFonts(const sndmain& window, const Scale& scale, float magnified) {
     const int key = ToPixelsX(scale, kKeyLabelWidth) - Scaled(scale, 2);
     const auto on_key = [&](const wchar_t* text) { return TextRooms{{text, key, row}}; };
     Fonts fonts;
-    fonts.tooltip = CreateFontIndirectW(&message);
+    fonts.tooltip = CreateFontIndirectW(&tooltip); // a small window leaves it room enough
     fonts.ui = FittingFont(message, wanted, RoomsOfControls(window, scale));
     for (int i = 0; i < kCellFonts; ++i)
         At(fonts.cells, i) = FittingFont(message, height, in_cell(At(kCellNames, i)));
@@ -216,18 +218,9 @@ void DeleteFonts(Fonts& fonts) {
     fonts = {};
 }
 
-Scale MagnifiedToFit(const Scale& screen, int content_width, int content_height, SIZE window) {
-    constexpr int kStep = 2;        // pixels a staff space grows
-    constexpr float kMostTimes = 4; // larger than any screen of today needs
+Scale ScaleWithSpace(const Scale& screen, float staff_space) {
     const float own_space = kStaffSpace / screen.twips_per_pixel_y;
-    Scale best = screen;
-    for (float space = own_space; space <= kMostTimes * own_space; space += kStep) {
-        const Scale larger{screen.twips_per_pixel_x * own_space / space, kStaffSpace / space};
-        if (ToPixelsX(larger, content_width) > window.cx || ToPixelsY(larger, content_height) > window.cy)
-            break;
-        best = larger;
-    }
-    return best;
+    return {screen.twips_per_pixel_x * own_space / staff_space, kStaffSpace / staff_space};
 }
 
 HFONT FontFor(std::wstring_view text, HFONT latin, HFONT japanese) {

@@ -9,7 +9,7 @@
 
 namespace tonex {
 
-/// A scale: the screen's own, or a larger one in a large window.
+/// A scale: the screen's own, a larger one in a large window, a smaller one in a small one.
 struct Scale {
     float twips_per_pixel_x = 15;
     float twips_per_pixel_y = 15;
@@ -66,15 +66,13 @@ int Hairline(const Scale& scale);
 Colours ReadColours();
 /// Creates the fonts from the system's message font, no larger than fits the places of the record's texts, a
 /// grid cell and a key. `magnified` is how much larger than on the screen's own scale the window's content
-/// is.
+/// is (below 1: smaller).
 Fonts CreateFonts(const sndmain& window, const Scale& scale, float magnified);
 /// The pixels that a grid cell has for its text.
 int CellTextWidth(const Scale& scale);
 void DeleteFonts(Fonts& fonts);
-/// The largest magnification of the screen's scale at which content of the size given still fits a window:
-/// the space between two staff lines grows by two pixels a step, so that lines and note heads stay on whole
-/// pixels.
-Scale MagnifiedToFit(const Scale& screen, int content_width, int content_height, SIZE window);
+/// The scale that gives two staff lines a distance of `staff_space` pixels.
+Scale ScaleWithSpace(const Scale& screen, float staff_space);
 /// The font for a text: the Japanese one when the text has characters beyond Latin.
 HFONT FontFor(std::wstring_view text, HFONT latin, HFONT japanese);
 /// Between two colours, `share` 0 to 255 of the second.

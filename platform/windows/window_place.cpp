@@ -32,6 +32,23 @@ RECT AreaOf(HWND window) {
     return area;
 }
 
+bool CanBeReached(const RECT& area) {
+    const int frame_x = GetSystemMetrics(SM_CXSIZEFRAME), frame_y = GetSystemMetrics(SM_CYSIZEFRAME);
+    // A window that fills the screen may put its frame outside.
+    constexpr int kPaddedBorder = 92; // SM_CXPADDEDBORDER, newer than the oldest system served
+    const int outside = 2 * (frame_x + frame_y + GetSystemMetrics(kPaddedBorder));
+    if (area.right - area.left > GetSystemMetrics(SM_CXVIRTUALSCREEN) + outside ||
+        area.bottom - area.top > GetSystemMetrics(SM_CYVIRTUALSCREEN) + outside)
+        return false;
+    const LONG top = area.top + frame_y, high = GetSystemMetrics(SM_CYCAPTION);
+    const RECT caption = {area.left, top, area.right, top + high};
+    HMONITOR screen = MonitorFromRect(&caption, MONITOR_DEFAULTTONULL);
+    RECT seen{};
+    const RECT free = screen ? FreeArea(screen).value_or(WholeScreen()) : RECT{};
+    if (!IntersectRect(&seen, &caption, &free)) return false;
+    return seen.right - seen.left >= 2 * high && 2 * (seen.bottom - seen.top) >= high;
+}
+
 RECT OntoScreen(RECT area) {
     const auto free = FreeArea(MonitorFromRect(&area, MONITOR_DEFAULTTONEAREST));
     if (!free) return area;

@@ -11,6 +11,9 @@ RECT WholeScreen();
 RECT FreeScreenAround(HWND window);
 /// A window's outer area on the screen.
 RECT AreaOf(HWND window);
+/// Whether the user can get hold of a window with that outer area: enough of its caption shows on a screen,
+/// and it is not larger than all screens together.
+bool CanBeReached(const RECT& area);
 /// An area moved onto the screen nearest to it so that all of it shows, its corner first of all. What is
 /// larger than the screen's free area is made smaller.
 RECT OntoScreen(RECT area);

@@ -21,12 +21,12 @@ UPLOADS, PREVIEWS = "Snd*", "$$*"
 
 
 @contextlib.contextmanager
-def virtual_screen():
+def virtual_screen(size=SCREEN_SIZE):
     """An X server on a free display; gives its name."""
     read, write = os.pipe()
     os.set_inheritable(write, True)
-    size = "{}x{}x24".format(*SCREEN_SIZE)
-    server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", size, "-nolisten", "tcp"],
+    server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "{}x{}x24".format(*size),
+                               "-nolisten", "tcp"],
                               pass_fds=[write], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     os.close(write)
     with os.fdopen(read) as pipe:
@@ -35,6 +35,16 @@ def virtual_screen():
     yield ":" + number
     server.terminate()
     server.wait(10)
+
+
+@contextlib.contextmanager
+def window_manager(display, *options):
+    """A window manager on a screen."""
+    manager = subprocess.Popen(["openbox", "--sm-disable", *options], env=dict(os.environ, DISPLAY=display),
+                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    yield
+    manager.terminate()
+    manager.wait(10)
 
 
 def registry_text(path, values):

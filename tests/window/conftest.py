@@ -11,7 +11,7 @@ import link_libraries
 from building import BUILD
 from editor import SCREENS, Editor
 from melody import FIVE, Melody
-from prefix import SCREEN_SIZE, Prefix, virtual_screen
+from prefix import SCREEN_SIZE, Prefix, virtual_screen, window_manager
 from sound_device import Device
 from wine_paths import windows_path
 from xscreen import Screen
@@ -26,13 +26,10 @@ def pytest_xdist_make_scheduler(config, log):
 @pytest.fixture(scope="session")
 def screen():
     """A screen with a window manager."""
-    with virtual_screen() as name:
+    with virtual_screen() as name, window_manager(name):
         os.environ["DISPLAY"] = name
         os.environ.pop("WAYLAND_DISPLAY", None)
-        manager = subprocess.Popen(["openbox", "--sm-disable"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         yield Screen()
-        manager.terminate()
-        manager.wait(10)
 
 
 @pytest.fixture(scope="module")

@@ -5,26 +5,16 @@ import pytest
 from editor import Editor
 from melody import Melody
 from prefix import Prefix
+from tidiness import (PANELS, SHOWCASE, expect_columns_under_strip, expect_tidy_controls, expect_tidy_items,
+                      staff_space)
 from wine_paths import windows_path
 from words import DOREMI
 from xscreen import wait_until
 
 
-# Every length and rest, a separator, sharps, and pitches over the whole keyboard.
-SHOWCASE = ("tempo 120\nc4 1/4\nd4# 1/8\ne4 1/8.\nf4# 1/16\ng4 1/16..\na4# 1/32\nb4 1/8t\nc5 1/8t\nd5 1/8t\n|\n"
-            "e5 1/2\nf5# 1/2.\ng5 1/1\na5 1/4t\nb5 1/4.\nc6# 1/4..\nr 1/4\nr 1/8\nr 1/16.\nr 1/32\nr 1/2\nr 1/1\n|\n"
-            "d6 1/8\ne6 1/16\nf6 1/32\ng7# 1/4\nb7 1/2..\nc8 1/4\n")
 SCALES = [96, 120, 144, 192]
-PANELS = ["TonexStaff", "TonexGrid", "TonexLengths", "TonexPiano"]
-MIN_CLIENT = 12840 / 15, 7650 / 15  # pixels at 96 dpi
-
-
-def overlap(a, b):
-    return a[0] < b[2] and b[0] < a[2] and a[1] < b[3] and b[1] < a[3]
-
-
-def inside(a, b):
-    return b[0] <= a[0] and b[1] <= a[1] and a[2] <= b[2] and a[3] <= b[3]
+FIRST_CLIENT = 12840 / 15, 7650 / 15  # pixels at 96 dpi
+SMALLEST_CLIENT = 12840 * 5 / 120, 7650 * 5 / 120  # at 5 pixels a staff space, the same at every scale
 
 
 @pytest.fixture(scope="module", params=SCALES)
@@ -39,50 +29,21 @@ def scaled(request, screen, tmp_path_factory):
     prefix.end()
 
 
-def controls(editor):
-    return [child for child in editor.children() if child["visible"] and child["parent"] == editor.hwnd]
-
-
 def test_the_scale_is_the_screens(scaled):
     width = scaled.main()["client"][2] - scaled.main()["client"][0]
-    assert abs(width - MIN_CLIENT[0] * scaled.dpi / 96) <= 60 * scaled.dpi / 96
-
-
-def place_of(editor, control):
-    """Where a control shows something: the lengths' panel reaches round the tempo box to the current length."""
-    if control["class"] != "TonexLengths":
-        return control["rect"]
-    rects = [item["rect"] for item in editor.items("TonexLengths")]
-    return [min(r[0] for r in rects), min(r[1] for r in rects), max(r[2] for r in rects), max(r[3] for r in rects)]
+    assert abs(width - FIRST_CLIENT[0] * scaled.dpi / 96) <= 60 * scaled.dpi / 96
 
 
 def test_no_controls_overlap_and_all_lie_inside_the_window(scaled):
-    client = scaled.main()["client"]
-    found = [(control["class"], place_of(scaled, control)) for control in controls(scaled)]
-    assert len(found) >= 8
-    for i, (name, rect) in enumerate(found):
-        assert inside(rect, client), f"{name} {rect} leaves the window {client}"
-        for other_name, other in found[i + 1:]:
-            assert not overlap(rect, other), f"{name} {rect} lies over {other_name} {other}"
+    expect_tidy_controls(scaled)
 
 
 def test_items_lie_inside_their_panels_and_beside_each_other(scaled):
-    for kind in PANELS:
-        panel = scaled.child(kind)["client"]
-        items = scaled.items(kind)
-        assert items, kind
-        for item in items:
-            assert inside(item["rect"], panel), f"{kind}: {item['name']} {item['rect']} leaves {panel}"
-        if kind in ("TonexGrid", "TonexLengths"):
-            for i, one in enumerate(items):
-                for other in items[i + 1:]:
-                    assert not overlap(one["rect"], other["rect"]), f"{one['name']} lies over {other['name']}"
+    expect_tidy_items(scaled)
 
 
 def test_grid_columns_stand_under_the_strip(scaled):
-    cells, pictures = (scaled.items(kind) for kind in ("TonexGrid", "TonexStaff"))
-    for cell, picture in zip(cells, pictures):
-        assert abs(cell["rect"][0] - picture["rect"][0]) <= 2
+    expect_columns_under_strip(scaled)
 
 
 def test_white_keys_share_one_width_and_touch(scaled):
@@ -109,22 +70,26 @@ def test_doremi_names_fit_their_cells_and_keys(scaled):
     scaled.choose(DOREMI)
     wait_until(lambda: scaled.cells()[0]["name"].startswith("ド"), 5, "the names")
     scaled.picture(f"doremi-{scaled.dpi}.png")
-    test_no_controls_overlap_and_all_lie_inside_the_window(scaled)
+    expect_tidy_controls(scaled)
     scaled.choose(DOREMI)
     wait_until(lambda: scaled.cells()[0]["name"].startswith("c4"), 5, "the letters")
 
 
-def test_the_window_does_not_get_smaller_than_its_content(scaled):
+def test_the_window_does_not_get_smaller_than_its_smallest_content(scaled):
     window = scaled.screen.find("Sound Editor - ")
+    _, _, width, height = scaled.screen.rect_of(window)
     window.configure(width=300, height=200)
     scaled.screen.display.sync()
-    wait_until(lambda: scaled.screen.rect_of(window)[2] >= 300, 5, "an answer")
+    wait_until(lambda: staff_space(scaled) < 5.5, 5, "the smallest content")
     scaled.picture(f"smallest-{scaled.dpi}.png")
     client = scaled.main()["client"]
-    factor = scaled.dpi / 96
-    assert client[2] - client[0] >= MIN_CLIENT[0] * factor - 2
-    assert client[3] - client[1] >= MIN_CLIENT[1] * factor - 2
-    test_no_controls_overlap_and_all_lie_inside_the_window(scaled)
+    assert client[2] - client[0] >= SMALLEST_CLIENT[0] - 2
+    assert client[3] - client[1] >= SMALLEST_CLIENT[1] - 2
+    expect_tidy_controls(scaled)
+    expect_tidy_items(scaled)
+    window.configure(width=width, height=height)
+    scaled.screen.display.sync()
+    wait_until(lambda: abs(staff_space(scaled) - 8 * scaled.dpi / 96) < 0.1, 5, "the content as it was")
 
 
 def test_a_larger_window_keeps_the_content_together(start):
@@ -136,7 +101,7 @@ def test_a_larger_window_keeps_the_content_together(start):
     wait_until(lambda: editor.main()["client"][2] - editor.main()["client"][0] > before[2] - before[0] + 300, 5,
                "the larger window")
     editor.picture("larger.png")
-    test_no_controls_overlap_and_all_lie_inside_the_window(editor)
+    expect_tidy_controls(editor)
     staff, client = editor.child("TonexStaff")["rect"], editor.main()["client"]
     assert abs((staff[0] - client[0]) - (client[2] - staff[2])) <= 2, "the content stands in the middle"
 
@@ -200,10 +165,10 @@ def test_a_much_larger_window_magnifies_its_content(start, melody):
     resize(1.6)
     wait_until(lambda: staff_width() >= 1.5 * (before[2] - before[0]), 5, "the larger staff")
     editor.picture("magnified.png")
-    test_no_controls_overlap_and_all_lie_inside_the_window(editor)
-    test_grid_columns_stand_under_the_strip(editor)
+    expect_tidy_controls(editor)
+    expect_columns_under_strip(editor)
     editor.click_key("e5")
     wait_until(lambda: len(editor.cells()) == 10, 5, "a note by the larger keys")
     resize(1)
     wait_until(lambda: staff_width() == before[2] - before[0], 5, "the staff as it was")
-    test_no_controls_overlap_and_all_lie_inside_the_window(editor)
+    expect_tidy_controls(editor)

@@ -110,7 +110,7 @@ def test_a_damaged_placement_centres_the_window(start_with, stored):
     "1,9000,9000,9900,8000", "1,-8000,-9900,-9000,-9000", "1,600,5000,5400,200",
     "1,2147483647,2147483000,2147483647,2147483000", "1,2147483647,-2147483647,2147483647,-2147483647",
     "1,-2147483647,2147483647,-2147483647,2147483647", "1,100,500,100,600", "2,9000,9000,9900,8000",
-    "7,600,100,500,200", "0,600,100,500,200", "-1,600,100,500,200"])
+    "1,5000,-2000,3000,-100"])
 def test_a_placement_outside_the_screens_is_brought_onto_one(bare, stored):
     bare.forget_settings()
     bare.ask("setreg", SETTINGS, "WindwInformation", stored)
@@ -119,8 +119,32 @@ def test_a_placement_outside_the_screens_is_brought_onto_one(bare, stored):
         wait_until(lambda: editor.main() and editor.main()["visible"], 20, "the main window")
         left, top, right, bottom = editor.main()["rect"]
         assert left >= 0 and top >= 0 and right <= SCREEN_SIZE[0] and bottom <= SCREEN_SIZE[1], editor.main()["rect"]
-        assert right - left >= 600 and bottom - top >= 300
+        assert right - left >= 400 and bottom - top >= 300
         assert not editor.main()["minimised"]
+    finally:
+        editor.kill()
+
+
+@pytest.mark.parametrize("stored, rect", [
+    ("2,600,100,500,200", [100, 200, 500, 600]), ("1,600,100,500,200", [100, 200, 500, 600]),
+    ("0,600,100,500,200", [100, 200, 500, 600]), ("-1,600,100,500,200", [100, 200, 500, 600]),
+    ("7,600,100,500,200", [100, 200, 500, 600]), ("1,1000,100,1300,200", [100, 200, 1300, 1000]),
+    ("1,1190,1700,2300,500", [1700, 500, 2300, 1190]), ("1,500,-500,200,100", [-500, 100, 200, 500]),
+    ("1,1700,100,900,1100", [100, 1100, 900, 1700])])
+def test_a_place_that_can_be_reached_is_restored_exactly(bare, stored, rect):
+    """Also one smaller than the content, or partly outside; closing stores the same place again."""
+    bare.forget_settings()
+    bare.ask("setreg", SETTINGS, "WindwInformation", stored)
+    editor = Editor(bare, None)
+    try:
+        wait_until(lambda: editor.main() and editor.main()["visible"], 20, "the main window")
+        time.sleep(0.3)
+        assert editor.main()["rect"] == rect
+        assert not editor.main()["minimised"]
+        editor.hwnd = editor.main()["hwnd"]
+        editor.close()
+        editor.wait_end()
+        assert stored_placement(bare) == [1, rect[3], rect[0], rect[2], rect[1]]
     finally:
         editor.kill()
 

@@ -63,6 +63,26 @@ TEST(WindowPlace, WhatIsLargerThanTheScreenIsMadeSmaller) {
     ExpectArea(OntoScreen({free.left - 50, free.top - 50, free.right + 50, free.bottom + 50}), free);
 }
 
+TEST(WindowPlace, AWindowCanBeReachedWhereEnoughOfItsCaptionShows) {
+    const RECT free = Free();
+    EXPECT_TRUE(CanBeReached(free));
+    EXPECT_TRUE(CanBeReached({free.left + 100, free.top + 200, free.left + 500, free.top + 600}));
+    EXPECT_TRUE(CanBeReached({free.right - 80, free.bottom - 60, free.right + 320, free.bottom + 340}));
+    EXPECT_TRUE(CanBeReached({free.left - 320, free.top, free.left + 80, free.top + 400}));
+    EXPECT_FALSE(CanBeReached({free.right - 10, free.top, free.right + 390, free.top + 400}));
+    EXPECT_FALSE(CanBeReached({free.left, free.top - 200, free.left + 400, free.top + 200}))
+        << "the caption is above the screen";
+    EXPECT_FALSE(CanBeReached({free.left, free.bottom - 2, free.left + 400, free.bottom + 398}));
+    EXPECT_FALSE(CanBeReached({free.right + 500, free.top, free.right + 900, free.top + 400}));
+}
+
+TEST(WindowPlace, AWindowLargerThanAllScreensCanNotBeReachedWhole) {
+    const RECT screens = {0, 0, GetSystemMetrics(SM_CXVIRTUALSCREEN), GetSystemMetrics(SM_CYVIRTUALSCREEN)};
+    EXPECT_TRUE(CanBeReached({-4, 0, screens.right + 4, screens.bottom}));
+    EXPECT_FALSE(CanBeReached({0, 0, screens.right + 200, 300}));
+    EXPECT_FALSE(CanBeReached({0, 0, 300, screens.bottom + 200}));
+}
+
 TEST(WindowPlace, MovingKeepsTheSize) {
     const HiddenWindow window(80, 60);
     MoveTo(window.handle, {30, 40, 0, 0});
