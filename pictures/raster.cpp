@@ -27,7 +27,9 @@ void AddRowPiece(float* row, int width, float x0, float x1, float height) {
         row[0] += height;
         return;
     }
-    const int first = static_cast<int>(std::floor(left)), last = static_cast<int>(std::ceil(right));
+    // Nothing is below 0 here, so that cutting off the fraction is rounding down.
+    const int first = static_cast<int>(left), floor = static_cast<int>(right);
+    const int last = static_cast<float>(floor) < right ? floor + 1 : floor;
     if (last <= first + 1) {
         const float middle = 0.5F * (left + right) - static_cast<float>(first);
         row[first] += height * (1 - middle);
@@ -65,6 +67,19 @@ void AddClippedRowPiece(float* row, int width, float x0, float x1, float height)
                 height * (1 - outside_left - outside_right));
 }
 
+/// What an upright edge from y0 to y1, inside the raster, covers to its right: the same in every row.
+void AddUpright(Raster& raster, float x, float y0, float y1, float direction) {
+    const int column = static_cast<int>(x);
+    const float right = x - static_cast<float>(column);
+    for (int line = static_cast<int>(y0); static_cast<float>(line) < y1; ++line) {
+        const float height =
+            direction * (std::min(y1, static_cast<float>(line + 1)) - std::max(y0, static_cast<float>(line)));
+        float* at = &At(raster.area, line * (raster.width + 2) + column);
+        at[0] += height * (1 - right);
+        at[1] += height * right;
+    }
+}
+
 void AddEdge(Raster& raster, Point a, Point b, float sign) {
     if (a.y == b.y) return;
     float direction = sign;
@@ -76,6 +91,10 @@ void AddEdge(Raster& raster, Point a, Point b, float sign) {
     if (b.y <= 0 || a.y >= bottom) return;
     const float slope = (b.x - a.x) / (b.y - a.y);
     const float y0 = std::max(a.y, 0.0F), y1 = std::min(b.y, bottom);
+    if (a.x == b.x && a.x > 0 && a.x < static_cast<float>(raster.width)) {
+        AddUpright(raster, a.x, y0, y1, direction);
+        return;
+    }
     const int first = static_cast<int>(y0), last = std::min(static_cast<int>(std::ceil(y1)), raster.height);
     for (int line = first; line < last; ++line) {
         const float top = std::max(y0, static_cast<float>(line)),
@@ -190,9 +209,14 @@ CoverageMask FinishMask(const Raster& raster) {
         const float* row = &At(raster.area, y * (raster.width + 2));
         std::uint8_t* out = &At(mask.alpha, y * raster.width);
         float sum = 0;
+        std::uint8_t covered = 0;
         for (int x = 0; x < raster.width; ++x) {
-            sum += row[x];
-            out[x] = ToByte(sum);
+            // Most pixels are covered as their neighbour is.
+            if (row[x] != 0) {
+                sum += row[x];
+                covered = ToByte(sum);
+            }
+            out[x] = covered;
         }
     }
     return mask;

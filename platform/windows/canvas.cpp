@@ -113,13 +113,13 @@ void BlendMask(Canvas& canvas, const CoverageMask& mask, int x, int y, COLORREF 
     const int bottom = std::min<int>(mask.height, static_cast<int>(r.bottom) - y);
     const int left = std::max<int>(0, static_cast<int>(r.left) - x);
     const int right = std::min<int>(mask.width, static_cast<int>(r.right) - x);
-    for (int row = top; row < bottom; ++row)
-        for (int column = left; column < right; ++column) {
-            const std::uint8_t alpha = At(mask.alpha, row * mask.width + column);
-            if (alpha == 0) continue;
-            std::uint32_t& p = canvas.bits[(y + row) * canvas.width + x + column];
-            p = MixPixels(p, pixel, alpha);
-        }
+    if (left >= right) return;
+    for (int row = top; row < bottom; ++row) {
+        const std::uint8_t* alpha = &At(mask.alpha, row * mask.width);
+        std::uint32_t* pixels = canvas.bits + (y + row) * canvas.width + x;
+        for (int column = left; column < right; ++column)
+            if (alpha[column] != 0) pixels[column] = MixPixels(pixels[column], pixel, alpha[column]);
+    }
 }
 
 void FillRound(Canvas& canvas, const RECT& area, int radius, COLORREF colour, bool square_top) {
