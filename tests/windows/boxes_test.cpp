@@ -1,5 +1,4 @@
-// Message boxes and file dialogs, used by a second pair of hands.
-#include "platform/file_dialogs.h"
+// Message boxes, used by a second pair of hands.
 #include "platform/message_box.h"
 #include "tests/windows/support.h"
 
@@ -10,10 +9,8 @@ using namespace tonex::windows_test;
 
 namespace {
 
-// Numbers of the controls in the system's boxes.
+// Number of the control in the system's boxes.
 constexpr int kMessageText = 0xFFFF;
-constexpr int kFileName = 0x47C;
-constexpr int kFileTypes = 0x470;
 
 bool shown_before_the_box = false;
 
@@ -31,23 +28,6 @@ bool HasIcon(HWND box) {
 MessageAnswer Answer(MessageButtons buttons, int control) {
     const Hands hands([&] { Press(WaitForDialog(L"Sound Editor"), control); });
     return ShowMessage(L"Do you want to save the changes?", buttons);
-}
-
-FileDialog OpenOnPc(const TestFolder& folder) {
-    return {L"Open on PC", L"Sound Files(*.snd)|*.snd", L"SND", folder.path, L""};
-}
-
-FileDialog SaveToPc(const TestFolder& folder, const std::wstring& name) {
-    return {L"Save to PC", L"Sound File(*.snd)|*.snd", L"SND", folder.path, name};
-}
-
-void TypeName(HWND dialog, const std::wstring& name) {
-    SendDlgItemMessageW(dialog, kFileName, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
-}
-
-// Two spellings of a path as the system compares them.
-bool SamePath(const std::wstring& a, const std::wstring& b) {
-    return lstrcmpiW(a.c_str(), b.c_str()) == 0;
 }
 
 } // namespace
@@ -131,99 +111,4 @@ TEST(MessageBoxes, OverADialogBelongsToItAndLeavesTheMainWindowDisabled) {
     EXPECT_FALSE(IsWindowEnabled(main));
     EXPECT_TRUE(IsWindowEnabled(dialog));
     DestroyWindow(main);
-}
-
-TEST(OpenDialog, GivesTheFullPathOfAFileInTheFolderOffered) {
-    const TestFolder folder;
-    WriteBytes(folder / L"tune.snd", "x");
-    FileDialog dialog = OpenOnPc(folder);
-    {
-        const Hands hands([&] {
-            const HWND box = WaitForDialog(L"Open on PC", kFileName);
-            EXPECT_EQ(ControlText(box, kFileTypes), L"Sound Files(*.snd)");
-            EXPECT_EQ(ControlText(box, kFileName), L"");
-            TypeName(box, L"tune.snd");
-            Press(box, IDOK);
-        });
-        ASSERT_TRUE(ShowOpenDialog(dialog));
-    }
-    EXPECT_TRUE(SamePath(dialog.FileName, folder / L"tune.snd"));
-}
-
-TEST(OpenDialog, CancellingLeavesTheNameUntouched) {
-    const TestFolder folder;
-    FileDialog dialog = OpenOnPc(folder);
-    dialog.FileName = L"before.snd";
-    const Hands hands([] { Press(WaitForDialog(L"Open on PC", kFileName), IDCANCEL); });
-    EXPECT_FALSE(ShowOpenDialog(dialog));
-    EXPECT_EQ(dialog.FileName, L"before.snd");
-}
-
-TEST(OpenDialog, OpensWithAMissingFolderAndWithANameThatIsNone) {
-    const TestFolder folder;
-    FileDialog dialog = OpenOnPc(folder);
-    dialog.InitDir = folder / L"missing";
-    {
-        const Hands hands([] { Press(WaitForDialog(L"Open on PC", kFileName), IDCANCEL); });
-        EXPECT_FALSE(ShowOpenDialog(dialog));
-    }
-    dialog.FileName = L"a*<>|?:.snd";
-    const Hands hands([] { Press(WaitForDialog(L"Open on PC", kFileName), IDCANCEL); });
-    EXPECT_FALSE(ShowOpenDialog(dialog));
-    EXPECT_EQ(dialog.FileName, L"a*<>|?:.snd");
-}
-
-TEST(OpenDialog, LeavesTheCurrentFolderAlone) {
-    const TestFolder folder;
-    WriteBytes(folder / L"tune.snd", "x");
-    SetCurrentDirectoryW(L"C:\\windows");
-    FileDialog dialog = OpenOnPc(folder);
-    {
-        const Hands hands([] {
-            const HWND box = WaitForDialog(L"Open on PC", kFileName);
-            TypeName(box, L"tune.snd");
-            Press(box, IDOK);
-        });
-        ASSERT_TRUE(ShowOpenDialog(dialog));
-    }
-    wchar_t current[MAX_PATH];
-    GetCurrentDirectoryW(MAX_PATH, current);
-    EXPECT_TRUE(SamePath(current, L"C:\\windows"));
-    SetCurrentDirectoryW(L"C:\\");
-}
-
-TEST(SaveDialog, OffersTheNameAndAddsTheExtension) {
-    const TestFolder folder;
-    FileDialog dialog = SaveToPc(folder, L"melody");
-    {
-        const Hands hands([] {
-            const HWND box = WaitForDialog(L"Save to PC", kFileName);
-            EXPECT_EQ(ControlText(box, kFileName), L"melody");
-            EXPECT_EQ(ControlText(box, kFileTypes), L"Sound File(*.snd)");
-            Press(box, IDOK);
-        });
-        ASSERT_TRUE(ShowSaveDialog(dialog));
-    }
-    EXPECT_TRUE(SamePath(dialog.FileName, folder / L"melody.SND"));
-    EXPECT_EQ(ReadBytes(dialog.FileName), "(missing)"); // choosing a name makes no file
-}
-
-TEST(SaveDialog, AsksBeforeAnExistingFileIsChosen) {
-    const TestFolder folder;
-    WriteBytes(folder / L"melody.snd", "old");
-    FileDialog dialog = SaveToPc(folder, L"melody.snd");
-    {
-        const Hands hands([] {
-            const HWND box = WaitForDialog(L"Save to PC", kFileName);
-            Press(box, IDOK);
-            const HWND question = WaitForDialog(L"Save to PC", IDNO);
-            Press(question, IDNO);
-            WaitUntilGone(question);
-            Press(box, IDOK);
-            Press(WaitForDialog(L"Save to PC", IDYES), IDYES);
-        });
-        ASSERT_TRUE(ShowSaveDialog(dialog));
-    }
-    EXPECT_TRUE(SamePath(dialog.FileName, folder / L"melody.snd"));
-    EXPECT_EQ(ReadBytes(folder / L"melody.snd"), "old");
 }
