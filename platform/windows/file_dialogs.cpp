@@ -24,9 +24,9 @@ bool ShowDialog(FileDialog& dialog, DialogTask task) {
     ShowDifferencesNow();
     const KeepCurrentFolder keep;
     DialogAnswer answer = DialogAnswer::Missing;
-    // Wine's common dialogs show the folder that they are given. Its item dialogs take ".SND" and ".snd" for two
-    // extensions and add the other one.
-    if (!RunsUnderWine()) answer = ShowItemDialog(dialog, task);
+    // Wine's common dialogs show the folder that they are given. Its item dialogs take ".SND" and ".snd" for
+    // two extensions and add the other one.
+    if (!UnderWine()) answer = ShowItemDialog(dialog, task);
     if (answer == DialogAnswer::Missing) answer = ShowCommonDialog(dialog, task);
     return answer == DialogAnswer::Chosen;
 }
