@@ -12,6 +12,7 @@ namespace {
 constexpr double kSameLength = 1e-4; ///< quarter notes
 /// An entry more is worth it when it brings the length nearer by this, quarter notes: half of the shortest.
 constexpr double kEntryPrice = 1.0 / 24.0;
+constexpr std::size_t kLongestChain = kMaxEntries; ///< more than that no melody holds
 constexpr int kLongestCode = kLengthCodes - 1;
 
 struct Search {
@@ -51,7 +52,7 @@ std::vector<int> ChainOf(double quarters) {
     std::vector<int> chain;
     constexpr int most_codes = 3;
     const double longest = QuartersOf(kLongestCode);
-    while (quarters > 2.0 * longest) {
+    while (quarters > 2.0 * longest && chain.size() < kLongestChain) {
         chain.push_back(kLongestCode);
         quarters -= longest;
     }

@@ -189,7 +189,7 @@ bool Follow(const UnitTable& table, const std::vector<Interval>& intervals, cons
     for (int i = static_cast<int>(intervals.size()); i > 0; --i)
         places.push_back(At(At(path.at, i), places.back()).from);
     std::reverse(places.begin(), places.end());
-    for (int i = 0; i < static_cast<int>(intervals.size()); ++i) {
+    for (int i = 0; i < static_cast<int>(intervals.size()) && candidate.entries.size() <= kMaxEntries; ++i) {
         int units = At(onsets, i + 1) + At(places, i + 1) - At(onsets, i) - At(places, i);
         const int length = At(At(path.at, i + 1), At(places, i + 1)).length;
         if (length >= 0) {

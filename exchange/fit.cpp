@@ -10,9 +10,12 @@ namespace tonex {
 
 namespace {
 
-constexpr double kSameJ = 0.001;                           ///< differences below are none
-constexpr double kSameTempo = 0.001;                       ///< part of a tempo
-constexpr double kHardlyHeard = 1.0;                       ///< as J
+constexpr std::size_t kMostItems = std::size_t{4} * kMaxEntries; ///< separators among them
+constexpr double kMostSeconds = 5000.0; ///< a play block of the longest tones lasts 4080
+constexpr double kSameJ = 0.001;        ///< differences below are none
+constexpr double kSameTempo = 0.001;    ///< part of a tempo
+constexpr double kPriceOfAll = 0.5;     ///< as J: what may be heard more to hold the whole tune
+constexpr double kHardlyHeard = 1.0;    ///< as J
 constexpr std::array<double, 3> kScales = {1.0, 0.5, 2.0}; ///< the first wins where all do as well
 
 /// The first entries of a candidate, as many as a melody has.
@@ -71,12 +74,24 @@ bool IsAsWritten(const Fit& fit, const Tune& tune) {
     return fit.melody.scale == 1.0 && std::abs(fit.melody.tempo / tune.tempo - 1.0) < kSameTempo;
 }
 
-/// Keeps the better of two. What is written wins where it is hardly heard.
-void Prefer(Fit& best, Fit next, const Tune& tune) {
+/// The best so far: of those that hold the whole tune, and of all.
+struct Contest {
+    Fit whole;
+    Fit any;
+};
+
+void Enter(Contest& contest, Fit next, const Tune& tune) {
     const auto stays = [&](const Fit& fit) {
         return fit.whole && IsAsWritten(fit, tune) && fit.deviation.j <= kHardlyHeard;
     };
-    if (!stays(best) && (stays(next) || IsBetterFit(next, best))) best = std::move(next);
+    if (!IsWritten(next.encoding.result)) return;
+    const bool nearer = next.deviation.j < contest.any.deviation.j - kSameJ;
+    if (!IsWritten(contest.any.encoding.result) || nearer) contest.any = next;
+    if (!next.whole || stays(contest.whole)) return;
+    const bool first = !IsWritten(contest.whole.encoding.result);
+    // What is written wins where it is hardly heard.
+    if (first || stays(next) || next.deviation.j < contest.whole.deviation.j - kSameJ)
+        contest.whole = std::move(next);
 }
 
 /// The tempo of the list that is nearest by its name.
@@ -93,9 +108,11 @@ std::int16_t NearestListed(const TimingTables& tables, double tempo) {
 
 bool IsBetterFit(const Fit& one, const Fit& other) {
     const bool one_good = IsWritten(one.encoding.result);
-    if (one_good != IsWritten(other.encoding.result)) return one_good;
-    if (one.whole != other.whole) return one.whole;
-    return one.deviation.j < other.deviation.j - kSameJ;
+    if (!one_good || !IsWritten(other.encoding.result)) return one_good;
+    if (one.whole == other.whole) return one.deviation.j < other.deviation.j - kSameJ;
+    const double whole = one.whole ? one.deviation.j : other.deviation.j;
+    const double part = one.whole ? other.deviation.j : one.deviation.j;
+    return one.whole == (whole <= std::max(kHardlyHeard, part + kPriceOfAll));
 }
 
 Fit Evaluate(const TimingTables& tables, const Tune& tune, Candidate candidate) {
@@ -117,6 +134,7 @@ Candidate WriteLengths(const Tune& tune, double scale) {
     int interval = -1;
     double late = 0.0; // quarter notes by which what is written lags behind the tune
     for (const TuneItem& item : tune.items) {
+        if (candidate.entries.size() > kMaxEntries) break; // it will not be whole
         if (item.kind == TuneKind::Note || interval < 0) ++interval;
         if (item.kind == TuneKind::Separator) {
             candidate.entries.push_back({kFileSeparator, 0});
@@ -134,30 +152,54 @@ Candidate WriteLengths(const Tune& tune, double scale) {
 }
 
 Fit FitScore(const TimingTables& tables, const Tune& tune) {
-    Fit best;
-    best.encoding.result = kSndNotFound;
     if (tune.as_written) {
         Candidate candidate = WriteLengths(tune, 1.0);
         candidate.tempo = NearestListed(tables, tune.tempo);
         return Evaluate(tables, tune, std::move(candidate));
     }
+    Contest contest;
+    contest.whole.encoding.result = kSndNotFound;
+    contest.any.encoding.result = kSndNotFound;
     for (const double scale : kScales) {
         Candidate candidate = WriteLengths(tune, scale);
         for (const std::int16_t tempo : tables.tempo_list) {
             if (tempo == 0) break;
             candidate.tempo = tempo;
-            Prefer(best, Evaluate(tables, tune, candidate), tune);
+            Enter(contest, Evaluate(tables, tune, candidate), tune);
         }
     }
-    return best;
+    return IsBetterFit(contest.whole, contest.any) || contest.any.whole ? contest.whole : contest.any;
 }
 
-Fit FitTune(const TimingTables& tables, const Tune& tune, bool exact) {
+/// Keeps as much of a tune as could ever fit, and a little more. True when that is not all of it.
+bool TakeFront(Tune& tune) {
+    double seconds = 0.0;
+    std::size_t items = 0;
+    bool cut = false;
+    while (items < tune.items.size() && items < kMostItems && seconds < kMostSeconds) {
+        TuneItem& item = tune.items[items++];
+        if (item.seconds > kMostSeconds) {
+            item.quarters *= kMostSeconds / item.seconds;
+            item.seconds = kMostSeconds;
+            cut = true;
+        }
+        seconds += item.seconds;
+    }
+    cut = cut || items < tune.items.size();
+    tune.items.resize(items);
+    return cut;
+}
+
+Fit FitTune(const TimingTables& tables, const Tune& all, bool exact) {
+    Tune tune = all;
+    const bool cut = TakeFront(tune);
     Fit score = FitScore(tables, tune);
+    if (cut) score.whole = false;
     const bool may_be_exact = exact || !tune.on_grid || (tune.bends && score.deviation.j > kHardlyHeard);
     if (!may_be_exact || tune.as_written) return score;
     Fit by_seconds = FitExact(tables, tune);
     if (!IsWritten(by_seconds.encoding.result)) return score;
+    if (cut) by_seconds.whole = false;
     if (exact) return by_seconds;
     return IsBetterFit(by_seconds, score) ? by_seconds : score;
 }

@@ -55,7 +55,8 @@ Fit FitExact(const TimingTables& tables, const Tune& tune);
 /// does better; else FitScore.
 Fit FitTune(const TimingTables& tables, const Tune& tune, bool exact);
 
-/// Whether one fit is better than another: holds the whole, then is heard nearer.
+/// Whether one fit is better than another: it is heard nearer, or holds the whole tune and is not heard much
+/// less near.
 bool IsBetterFit(const Fit& one, const Fit& other);
 
 } // namespace tonex

@@ -125,6 +125,34 @@ TEST(FitScore, TellsHowMuchOfALongTuneFits) {
     EXPECT_EQ(full.intervals_written, full.encoding.entries_written);
 }
 
+TEST(FitScore, WritesNoTuneManyTimesTooFastOnlyToHoldAllOfIt) {
+    // At half the lengths all of it would go in, but 30 is the slowest tempo: half as fast again.
+    const Fit fit = FitTune(Tables(), TuneOf(40.0, Times({4.0}, 400)), false);
+    EXPECT_FALSE(fit.whole);
+    EXPECT_LE(fit.deviation.j, 1.0);
+}
+
+TEST(FitScore, TakesALittleUnevennessToHoldAll) {
+    Fit near;
+    near.deviation.j = 0.2;
+    Fit whole;
+    whole.whole = true;
+    whole.deviation.j = 0.9;
+    EXPECT_TRUE(IsBetterFit(whole, near));
+    EXPECT_FALSE(IsBetterFit(near, whole));
+    whole.deviation.j = 5.0;
+    EXPECT_FALSE(IsBetterFit(whole, near));
+    EXPECT_TRUE(IsBetterFit(near, whole));
+}
+
+TEST(FitTune, AnEndlessLengthTakesNoTimeAndNoRoom) {
+    for (const bool exact : {false, true}) {
+        const Fit fit = FitTune(Tables(), TuneOf(120.0, {1.0, 1e11, 1.0, 1.0}), exact);
+        EXPECT_FALSE(fit.whole);
+        EXPECT_LE(fit.melody.entries.size(), 5000u); // of 100000 million quarter notes
+    }
+}
+
 TEST(FitExact, MeetsAnySpeedWithWholeUnits) {
     for (const double tempo : {137.0, 151.3, 187.0, 233.0, 285.0}) {
         Tune tune = TuneOf(tempo, Times({0.5, 0.25, 0.25, 1.0}, 10));
