@@ -8,7 +8,7 @@ import pytest
 
 from building import ROOT
 
-HOUSE = ["score", "preview", "view", "link", "app", "pictures", "platform"]
+HOUSE = ["score", "preview", "view", "link", "app", "pictures", "exchange", "platform"]
 
 
 @pytest.fixture(scope="module")
@@ -67,6 +67,11 @@ def test_the_house_stands(house):
     ("app/menu_routes.cpp", add('#include "platform/windows/panel.h"\n'), "includes_go_down"),
     ("score/score.h", add('#include "tools/sndtool/inputs.h"\n'), "includes_go_down"),
     ("score/score.h", add('#include "no_such_file.h"\n'), "includes_go_down"),
+    ("score/score.h", add('#include "exchange/tune.h"\n'), "the_editor_knows_nothing_outside_it"),
+    ("platform/windows/files.cpp", add('#include "exchange/tune.h"\n'), "the_editor_knows_nothing_outside_it"),
+    ("CMakeLists.txt", replace("    exchange/tune.cpp)", ")"), "libraries_hold_their_floors"),
+    ("CMakeLists.txt", replace("    score/score.cpp\n", "    score/score.cpp\n    exchange/tune.cpp\n"),
+     "the_editor_knows_nothing_outside_it"),
     ("score/score.h", add("#include <windows.h>\n"), "portable_rooms_know_no_system"),
     ("link/paths.cpp", add("#include <sys/stat.h>\n"), "portable_rooms_know_no_system"),
     ("platform/files.h", add("#include <Windows.h>\n"), "portable_rooms_know_no_system"),
