@@ -127,7 +127,9 @@ TEST(LinkSetup, RemovingLeavesMelodies) {
 TEST(LinkSetup, AnExistingEntryIsNeverTouched) {
     const FreshUser user;
     const TestKey entry(kEntryKey);
-    for (const wchar_t* text : {L"C:\\Link\\", L""}) {
+    // A folder that is there, and ones whose drive or server is away.
+    for (const std::wstring& text : {user.folder.path, user.folder.path + L"\\", std::wstring(L"Q:\\Link"),
+                                     std::wstring(L"\\\\server\\Link")}) {
         entry.SetText(L"InstallDir", text);
         EXPECT_EQ(SetUpLink(user.folder / L"Corvane"), SetupResult::AlreadyThere);
         EXPECT_EQ(UserText(kEntryKey, L"InstallDir"), text);
@@ -136,6 +138,50 @@ TEST(LinkSetup, AnExistingEntryIsNeverTouched) {
         EXPECT_EQ(RemoveLink(kept), SetupResult::NothingToRemove);
         EXPECT_EQ(UserText(kEntryKey, L"InstallDir"), text);
     }
+}
+
+TEST(LinkSetup, AUselessEntryCountsAsMissingAndIsPutBack) {
+    const FreshUser user;
+    const TestKey entry(kEntryKey);
+    const std::wstring gone = user.folder / L"gone";
+    for (const std::wstring& text :
+         {std::wstring(L" "), std::wstring(L"\\"), std::wstring(L"Link"), std::wstring(L"C:Link"), gone}) {
+        entry.SetText(L"InstallDir", text);
+        EXPECT_EQ(InstalledFolder(), L"");
+        EXPECT_EQ(SetUpLink(user.folder / L"Corvane"), SetupResult::Done);
+        EXPECT_EQ(UserText(kEntryKey, L"InstallDir"), user.folder / L"Corvane");
+        EXPECT_TRUE(IsFolder(user.folder / L"Corvane\\userdata\\sound"));
+        std::vector<std::wstring> kept;
+        EXPECT_EQ(RemoveLink(kept), SetupResult::Done);
+        EXPECT_EQ(UserText(kEntryKey, L"InstallDir"), text);
+        EXPECT_EQ(UserText(kEntryKey, L"LinkSetup before"), L"(missing)");
+    }
+}
+
+TEST(LinkSetup, WhatItMadeItselfIsMadeAnewWhereTheFolderIsGone) {
+    const FreshUser user;
+    ASSERT_EQ(SetUpLink(user.folder / L"Corvane"), SetupResult::Done);
+    for (const wchar_t* part : {L"userdata\\sound", L"userdata", L"pcferry\\cache\\System\\sound",
+                                L"pcferry\\cache\\System", L"pcferry\\cache", L"pcferry", L""})
+        RemoveDirectoryW((user.folder / L"Corvane\\" + part).c_str());
+    EXPECT_EQ(InstalledFolder(), L"");
+    EXPECT_EQ(SetUpLink(user.folder / L"Corvane"), SetupResult::Done);
+    EXPECT_TRUE(IsFolder(user.folder / L"Corvane\\userdata\\sound"));
+    std::vector<std::wstring> kept;
+    EXPECT_EQ(RemoveLink(kept), SetupResult::Done);
+    EXPECT_FALSE(HasKey(L"Software\\QMT"));
+    EXPECT_FALSE(IsFolder(user.folder / L"Corvane"));
+}
+
+TEST(LinkSetup, AnEmptyEntryCountsAsMissing) {
+    const FreshUser user;
+    const TestKey entry(kEntryKey);
+    entry.SetText(L"InstallDir", L"");
+    EXPECT_EQ(SetUpLink(user.folder / L"Corvane"), SetupResult::Done);
+    EXPECT_EQ(GetInstallDir(), user.folder / L"Corvane");
+    std::vector<std::wstring> kept;
+    EXPECT_EQ(RemoveLink(kept), SetupResult::Done);
+    EXPECT_EQ(GetInstallDir(), std::nullopt);
 }
 
 TEST(LinkSetup, AnEntryThatLinkSoftwareTookOverStays) {

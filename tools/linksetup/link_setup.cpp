@@ -14,6 +14,7 @@ namespace tonex {
 namespace {
 
 constexpr const wchar_t* kMadeFolder = L"LinkSetup InstallDir"; ///< the entry's text as it was made
+constexpr const wchar_t* kTextBefore = L"LinkSetup before";     ///< the useless text that was there
 constexpr const wchar_t* kMadeFolders = L"LinkSetup folders";   ///< outermost first
 constexpr const wchar_t* kMadeKeys = L"LinkSetup keys";         ///< outermost first
 
@@ -32,14 +33,18 @@ struct Key {
     Key& operator=(const Key&) = delete;
 };
 
+bool IsText(DWORD type) {
+    return type == REG_SZ || type == REG_EXPAND_SZ;
+}
+
 bool HasValue(HKEY key, const wchar_t* name) {
     return RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
 }
 
-// The characters of a text value, its NULs among them.
-std::wstring RawText(HKEY key, const wchar_t* name, DWORD wanted_type) {
+// The characters of a value, its NULs among them.
+std::wstring RawText(HKEY key, const wchar_t* name, bool (*is_wanted)(DWORD type)) {
     DWORD type = 0, bytes = 0;
-    if (RegQueryValueExW(key, name, nullptr, &type, nullptr, &bytes) || type != wanted_type) return {};
+    if (RegQueryValueExW(key, name, nullptr, &type, nullptr, &bytes) || !is_wanted(type)) return {};
     std::wstring text(bytes / sizeof(wchar_t) + 1, L'\0');
     bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
     if (RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(text.data()), &bytes)) return {};
@@ -48,13 +53,13 @@ std::wstring RawText(HKEY key, const wchar_t* name, DWORD wanted_type) {
 }
 
 std::wstring ReadText(HKEY key, const wchar_t* name) {
-    const std::wstring text = RawText(key, name, REG_SZ);
+    const std::wstring text = RawText(key, name, IsText);
     return text.substr(0, text.find(L'\0'));
 }
 
 std::vector<std::wstring> ReadList(HKEY key, const wchar_t* name) {
     std::vector<std::wstring> list;
-    const std::wstring text = RawText(key, name, REG_MULTI_SZ);
+    const std::wstring text = RawText(key, name, [](DWORD type) { return type == REG_MULTI_SZ; });
     for (std::size_t start = 0; start < text.size() && text[start] != L'\0';) {
         const std::size_t end = std::min(text.find(L'\0', start), text.size());
         list.push_back(text.substr(start, end - start));
@@ -126,7 +131,7 @@ void RemoveFolders(const std::vector<std::wstring>& folders, std::vector<std::ws
 }
 
 void RemoveNotes(HKEY key) {
-    for (const wchar_t* name : {kMadeFolder, kMadeFolders, kMadeKeys})
+    for (const wchar_t* name : {kMadeFolder, kTextBefore, kMadeFolders, kMadeKeys})
         RegDeleteValueW(key, name);
 }
 
@@ -135,7 +140,9 @@ bool WriteEntry(const std::wstring& install_dir, const std::vector<std::wstring>
                 const std::vector<std::wstring>& keys) {
     const Key key(kInstallKey, KEY_READ | KEY_WRITE);
     if (!key.handle) return false;
-    if (WriteRaw(key.handle, kMadeFolder, REG_SZ, install_dir) &&
+    const std::wstring before = ReadText(key.handle, kInstallValue);
+    if ((before.empty() || WriteRaw(key.handle, kTextBefore, REG_SZ, before)) &&
+        WriteRaw(key.handle, kMadeFolder, REG_SZ, install_dir) &&
         WriteList(key.handle, kMadeFolders, folders) && WriteList(key.handle, kMadeKeys, keys) &&
         WriteRaw(key.handle, kInstallValue, REG_SZ, install_dir))
         return true;
@@ -143,16 +150,33 @@ bool WriteEntry(const std::wstring& install_dir, const std::vector<std::wstring>
     return false;
 }
 
+bool IsThere(const std::wstring& path) {
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+// Whether link software may stand behind an entry's text: in a folder that is there, or on a drive or a
+// server that is away just now.
+bool MayBeInstalled(const std::wstring& folder) {
+    if (folder.starts_with(L"\\\\")) return folder.size() > 2;
+    if (folder.size() < 3 || folder[1] != L':' || folder[2] != L'\\') return false;
+    return IsThere(folder) || !IsThere(folder.substr(0, 3));
+}
+
+// Takes the entry away, or puts back what was there.
+bool TakeBackEntry(HKEY key) {
+    const std::wstring before = ReadText(key, kTextBefore);
+    if (!before.empty()) return WriteRaw(key, kInstallValue, REG_SZ, before);
+    return RegDeleteValueW(key, kInstallValue) == ERROR_SUCCESS;
+}
+
 } // namespace
 
 SetupResult SetUpLink(const std::wstring& install_dir) {
-    {
-        const Key key(kInstallKey, KEY_QUERY_VALUE);
-        if (key.handle && HasValue(key.handle, kInstallValue)) return SetupResult::AlreadyThere;
-    }
+    if (!InstalledFolder().empty()) return SetupResult::AlreadyThere;
     if (!IsUsableFolder(install_dir)) return SetupResult::Failed;
     const std::wstring folder = WithoutTrailingBackslash(install_dir);
     std::vector<std::wstring> folders, keys, kept;
+    RemoveLink(kept); // what an earlier run made of an entry that is useless by now
     const bool made = std::all_of(kFolders.begin(), kFolders.end(),
                                   [&](const wchar_t* part) { return MakeFolders(folder + part, folders); });
     if (made && MakeKeys(keys) && WriteEntry(folder, folders, keys)) return SetupResult::Done;
@@ -170,7 +194,7 @@ SetupResult RemoveLink(std::vector<std::wstring>& kept) {
         keys = ReadList(key.handle, kMadeKeys);
         // Link software that was installed since then has made the entry its own.
         if (ReadText(key.handle, kInstallValue) == ReadText(key.handle, kMadeFolder) &&
-            RegDeleteValueW(key.handle, kInstallValue) != ERROR_SUCCESS)
+            !TakeBackEntry(key.handle))
             return SetupResult::Failed;
         RemoveNotes(key.handle);
     }
@@ -181,7 +205,8 @@ SetupResult RemoveLink(std::vector<std::wstring>& kept) {
 
 std::wstring InstalledFolder() {
     const Key key(kInstallKey, KEY_QUERY_VALUE);
-    return key.handle ? ReadText(key.handle, kInstallValue) : std::wstring();
+    const std::wstring folder = key.handle ? ReadText(key.handle, kInstallValue) : std::wstring();
+    return MayBeInstalled(folder) ? folder : std::wstring();
 }
 
 bool IsUsableFolder(const std::wstring& install_dir) {

@@ -11,18 +11,20 @@ namespace tonex {
 
 enum class SetupResult {
     Done,
-    AlreadyThere,    ///< an entry exists, whoever made it; nothing was touched
+    AlreadyThere,    ///< an entry names a folder, whoever made it; nothing was touched
     NothingToRemove, ///< no entry, or one that another program made; nothing was touched
     Failed,          ///< nothing was left behind
 };
 
-/// Makes the entry and the folders below a full path.
+/// Makes the entry and the folders below a full path. An entry with a useless text counts as missing;
+/// RemoveLink puts the text back.
 SetupResult SetUpLink(const std::wstring& install_dir);
 
 /// Takes away what SetUpLink made. Folders that hold something stay; `kept` gets them.
 SetupResult RemoveLink(std::vector<std::wstring>& kept);
 
-/// The folder of the entry that is there; empty without one.
+/// The folder of the entry that is there. Empty without one, and where it is useless: where its text is empty
+/// or no full path, or names a folder that is not there though its drive is.
 std::wstring InstalledFolder();
 
 /// Whether SetUpLink can use a folder: a full path whose melodies' paths the link functions' buffers take.

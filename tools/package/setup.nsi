@@ -17,7 +17,8 @@ ManifestDPIAware true
 !include WinMessages.nsh
 
 !define NAME "Sound Editor"
-!define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\SoundEditor"
+!define PROGRAMS_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall"
+!define UNINSTALL_KEY "${PROGRAMS_KEY}\SoundEditor"
 !define LINK_KEY "Software\QMT\Corvane-e\PC"
 !define SETTINGS_KEY "Software\VB and VBA Program Settings"
 !define CLASSES_KEY "Software\Classes"
@@ -180,9 +181,9 @@ Function ShowChoices
     ${NSD_CreateLabel} 0 0 100% 26u "The Sound Editor works in the folders of the organiser's link software and does \
         not start without them. Which is true of this PC?"
     Pop $0
-    ${NSD_CreateRadioButton} 8u 30u 95% 12u "The &link software is installed"
+    ${NSD_CreateRadioButton} 8u 30u 95% 12u "The &link software, or a folder that stands for it, is there"
     Pop $KeepButton
-    ${NSD_CreateRadioButton} 8u 44u 95% 12u "There is none: &make a folder in my documents that stands for the organiser"
+    ${NSD_CreateRadioButton} 8u 44u 95% 12u "There is none: &make a folder in my documents instead"
     Pop $MakeButton
     ${NSD_CreateCheckBox} 0 68u 100% 12u "&Open melody files (.snd) with the Sound Editor"
     Pop $SndBox
@@ -282,6 +283,7 @@ Section Uninstall
         RMDir "$LOCALAPPDATA\Programs"
     ${EndIf}
     DeleteRegKey HKCU "${UNINSTALL_KEY}"
+    DeleteRegKey /ifempty HKCU "${PROGRAMS_KEY}"
     DeleteRegKey HKCU "${SETTINGS_KEY}\Corvane\Tonex"
     DeleteRegKey /ifempty HKCU "${SETTINGS_KEY}\Corvane\Global"
     DeleteRegKey /ifempty HKCU "${SETTINGS_KEY}\Corvane"

@@ -9,6 +9,7 @@
 //   press WINDOW ID                presses the button with that identifier
 //   settext WINDOW TEXT            gives a control a text
 //   gettext WINDOW                 the text of a control
+//   checked WINDOW                 whether a button is: 1 or 0
 //   post WINDOW MESSAGE W L        posts a message
 //   drop WINDOW FILE…              drops files on a window, by their Windows paths
 //   menu|toolbar|accessible|combo|process|inputmethod|textsize WINDOW   see probe_hook.cpp
@@ -184,6 +185,12 @@ std::string SetText(const Words& words) {
 
 std::string GetText(const Words& words) {
     return Quoted(TextOf(WindowOf(words[1])));
+}
+
+std::string Checked(const Words& words) {
+    DWORD_PTR state = 0;
+    SendMessageTimeoutW(WindowOf(words[1]), BM_GETCHECK, 0, 0, SMTO_ABORTIFHUNG, kPatience, &state);
+    return std::to_string(state);
 }
 
 std::string Post(const Words& words) {
@@ -386,6 +393,7 @@ constexpr Command kCommands[] = {
     {"settext", 2, SetText},
     {"foreground", 1, Foreground},
     {"gettext", 2, GetText},
+    {"checked", 2, Checked},
     {"post", 5, Post},
     {"drop", 3, Drop},
     {"menu", 2, Menu},
