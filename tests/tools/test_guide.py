@@ -2,6 +2,7 @@
 what it does not understand."""
 
 import html.parser
+import json
 import re
 import subprocess
 import sys
@@ -9,7 +10,7 @@ import sys
 import guide as guides
 import pytest
 
-from building import ROOT
+from building import NATIVE_BUILD, ROOT
 
 TOOLS = ROOT / "tools" / "help"
 SOURCE = ROOT / "help" / "guide.md"
@@ -173,8 +174,40 @@ def test_limits_are_told(guide):
     topic = next(topic for topic in guide.topics if topic.id == "limits")
     text = " ".join(span.text for block in topic.blocks for item in block.items for span in
                     (item if isinstance(item, list) else [item]))
-    for fact in ("509", "508", "c4 to c8", "28", "510", "127"):
+    for fact in ("509", "508", "c4 to c8", "28", "510", "between 127 and 170"):
         assert fact in text, fact
+
+
+def test_the_range_of_double_dotted_whole_notes_is_what_the_writer_makes(tmp_path):
+    tool = NATIVE_BUILD / "tools" / "sndtool" / "sndtool"
+    counts = set()
+    for tempo in TEMPOS:
+        (tmp_path / "LONG.txt").write_text(f"tempo {tempo}\n" + "c5 1/1..\n" * 200)
+        subprocess.run([tool, "build", "--fit", "LONG.txt"], cwd=tmp_path, check=True, stderr=subprocess.DEVNULL)
+        told = subprocess.run([tool, "info", "--json", "LONG.snd"], cwd=tmp_path, check=True, capture_output=True)
+        counts.add(json.loads(told.stdout)[0]["notes"])
+    assert (min(counts), max(counts)) == (127, 170)
+
+
+def words_of(guide, topic_id):
+    topic = next(topic for topic in guide.topics if topic.id == topic_id)
+    spans = [span for block in topic.blocks if block.kind != "table" for item in block.items
+             for span in (item if isinstance(item, list) else [item])]
+    return " ".join(" ".join(span.text for span in spans).split())
+
+
+@pytest.mark.parametrize("topic, words", [
+    ("tempo", ['Save says "Read error!"', "nothing is written"]),
+    ("undo", ["Undo gives back the melody that was there before", "title stays that of the opened file"]),
+    ("no-sound", ["come back to the editor's window", "whenever the Edit menu opens", "tooltip says why"]),
+    ("pc-files", ["a file that the second start was given is not opened"]),
+    ("without-link", ["names a folder that is gone, counts as none"]),
+    ("install", ["/S", "/LINK=KEEP", "/LINK=MAKE", "/SND", "/D=FOLDER", "melodies stay"]),
+])
+def test_what_surprises_is_told(guide, topic, words):
+    text = words_of(guide, topic)
+    for word in words:
+        assert word in text, word
 
 
 def test_where_the_link_software_is_missing(content):
