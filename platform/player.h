@@ -11,8 +11,13 @@ inline constexpr std::uint32_t kStillActive = 259; ///< exit code of a process t
 /// A process handle as the system counts them; 0 = none.
 using ProcessHandle = std::uintptr_t;
 
+/// The environment variable by which our own player learns what to call the sound. Other players do not know
+/// it.
+inline constexpr const wchar_t* kSoundNameVariable = L"SOUND_PLAYER_NAME";
+
 /// Starts a command line in a normal, focused window and gives the process identifier, 0 when it can not.
-std::uint32_t StartCommandLine(const std::wstring& command_line);
+/// `sound_name` is what a player may call the sound instead of its file's name; empty: nothing.
+std::uint32_t StartCommandLine(const std::wstring& command_line, const std::wstring& sound_name = {});
 
 /// Opens a process for query-information access; 0 when it can not.
 ProcessHandle OpenProcessForQuery(std::uint32_t process_id);

@@ -1,5 +1,6 @@
 #include "preview/preview_commands.h"
 #include "app/sndmain.h"
+#include "link/paths.h"
 #include "platform/clock.h"
 #include "platform/events.h"
 #include "platform/files.h"
@@ -91,9 +92,9 @@ struct Player {
     ProcessHandle process = 0; // 0 = started, but there is nothing to wait for
 };
 
-Player StartPlayer(const std::wstring& wav_path) {
+Player StartPlayer(const std::wstring& wav_path, const std::wstring& melody_name) {
     Player player;
-    const std::uint32_t process_id = StartCommandLine(kPlayerCommand + wav_path);
+    const std::uint32_t process_id = StartCommandLine(kPlayerCommand + wav_path, melody_name);
     if (process_id != 0) {
         player.started = true;
         player.process = OpenProcessForQuery(process_id);
@@ -121,7 +122,7 @@ void WaitForPlayer(ProcessHandle process, std::optional<int> sound_seconds) {
 
 void PlayConverted(sndmain& window, const std::wstring& wav_path) {
     const std::optional<int> seconds = SecondsOfSound(wav_path);
-    const Player player = StartPlayer(wav_path);
+    const Player player = StartPlayer(wav_path, FileNameOfPath(window.document.current_path));
     if (!player.started) {
         ShowMessage(L"Can not run Sound Player!");
         return;

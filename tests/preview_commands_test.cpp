@@ -213,6 +213,15 @@ TEST_F(Preview, PitchAndCodesThatNoFileHoldsAreAWriteError) {
     EXPECT_FALSE(desktop::Asked("FocusScoreGrid"));
 }
 
+TEST_F(Preview, ThePlayerIsToldTheMelodysNameWhereItWasGivenOne) {
+    FourEntries();
+    mnuPreview_Click(window);
+    EXPECT_EQ(desk.sound_name, L"");
+    window.document.current_path = L"C:\\My songs\\TUNE.SND";
+    mnuPreview_Click(window);
+    EXPECT_EQ(desk.sound_name, L"TUNE.SND");
+}
+
 // Temporary names.
 
 TEST_F(Preview, TheTwoNamesAreFormedAtDifferentMoments) {

@@ -16,9 +16,19 @@ HANDLE AsHandle(ProcessHandle process) {
     return reinterpret_cast<HANDLE>(process);
 }
 
+// The name in our environment, which a program that starts meanwhile inherits.
+struct SoundName {
+    explicit SoundName(const std::wstring& name) {
+        SetEnvironmentVariableW(kSoundNameVariable, name.c_str());
+    }
+    ~SoundName() { SetEnvironmentVariableW(kSoundNameVariable, nullptr); }
+    SoundName(const SoundName&) = delete;
+    SoundName& operator=(const SoundName&) = delete;
+};
+
 } // namespace
 
-std::uint32_t StartCommandLine(const std::wstring& command_line) {
+std::uint32_t StartCommandLine(const std::wstring& command_line, const std::wstring& sound_name) {
     std::vector<wchar_t> text(command_line.begin(), command_line.end()); // the system may write into it
     text.push_back(L'\0');
     STARTUPINFOW startup = {};
@@ -27,6 +37,7 @@ std::uint32_t StartCommandLine(const std::wstring& command_line) {
     startup.wShowWindow = SW_SHOWNORMAL;
     PROCESS_INFORMATION process = {};
     const InProgramFolder no_document_folder;
+    const SoundName name(sound_name);
     if (!CreateProcessW(nullptr, text.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                         &process))
         return 0;

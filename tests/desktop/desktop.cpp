@@ -488,8 +488,9 @@ constexpr std::uint32_t kProcessId = 4711;
 constexpr ProcessHandle kProcess = 88;
 } // namespace
 
-std::uint32_t StartCommandLine(const std::wstring& command_line) {
+std::uint32_t StartCommandLine(const std::wstring& command_line, const std::wstring& sound_name) {
     Log("StartCommandLine", command_line);
+    Current().sound_name = sound_name;
     if (!Current().command_line_starts) return 0;
     if (Current().on_start) Current().on_start(command_line);
     return kProcessId;

@@ -114,6 +114,7 @@ struct Desktop {
 
     // Player.
     bool command_line_starts = true;
+    std::wstring sound_name; ///< what the last player was told to call the sound
     bool document_starts = true;
     bool document_gives_process = true;
     int polls_until_exit = 3; ///< ExitCodeOf gives kStillActive this often; -1 = never ends

@@ -282,6 +282,25 @@ def test_player_stopped_by_its_button(slow_sound, start, melody):
     still_works(editor)
 
 
+def test_player_shows_the_melodys_name_where_it_was_given_one(slow_sound, start, melody):
+    def shown(editor):
+        player = wait_until(lambda: next((window for window in editor.prefix.ask("windows", PLAYER)
+                                          if window["text"] == PLAYER_TITLE), None), 20, "the player")
+        wait_until(lambda: editor.screen.focused_title().startswith(PLAYER_TITLE), 10, "the player in front")
+        texts = [child["text"] for child in editor.children(player["hwnd"])]
+        editor.screen.key("enter")
+        wait_back(editor, 10)
+        return texts[0]
+
+    editor = start(windows_path(melody("LONG.SND", text_of(["c5 1/1"] * 20, 60))))
+    preview(editor)
+    assert shown(editor) == "LONG.SND"
+    editor.choose("&New")
+    editor.click_key("c4")
+    preview(editor)
+    assert shown(editor).startswith("$$")
+
+
 def test_player_that_runs_long_past_its_sound_is_waited_for(stand_in, start, melody):
     editor = start(windows_path(melody("SHORT.SND", text_of(SHORT))), program_path=stand_in.editor)
     preview(editor)

@@ -66,6 +66,19 @@ TEST(Player, AProgramThatEndsWithTheNumberOfRunningOnesHasEnded) {
     EXPECT_EQ(ExitCodeOf(reinterpret_cast<ProcessHandle>(child.process.hProcess)), 0u);
 }
 
+TEST(Player, AProgramIsToldTheSoundsNameAndTheNextOneIsNot) {
+    const auto code_of = [](const std::wstring& name) {
+        const std::wstring line = L"cmd /c if \"%SOUND_PLAYER_NAME%\"==\"A b.SND\" (exit 5) else exit 6";
+        const ProcessHandle process = OpenProcessForQuery(StartCommandLine(line, name));
+        const std::uint32_t code = WaitForEnd(process);
+        CloseProcess(process);
+        return code;
+    };
+    EXPECT_EQ(code_of(L"A b.SND"), 5u);
+    EXPECT_EQ(code_of(L""), 6u);
+    EXPECT_EQ(GetEnvironmentVariableW(kSoundNameVariable, nullptr, 0), 0u);
+}
+
 TEST(Player, AMissingProgramDoesNotStart) {
     EXPECT_EQ(StartCommandLine(L"no-such-player-here /play /close C:\\a.wav"), 0u);
     EXPECT_EQ(StartCommandLine(L""), 0u);

@@ -3,6 +3,7 @@
 //
 // Exit status: 0 played to the end, 1 stopped by the user, 2 the file can not be opened or is no plain WAV
 // file, 3 no sound device or a device that failed, 4 wrong usage.
+#include "platform/player.h"
 #include "tools/player/command_line.h"
 #include "tools/player/wav_format.h"
 
@@ -40,6 +41,7 @@ constexpr DWORD kTail = 120;           // milliseconds that the device may need 
 constexpr DWORD kDeviceSilence = 5000; // milliseconds without progress: the device was unplugged or hangs
 constexpr DWORD kFaultShown = 4000;    // milliseconds, with /close
 constexpr int kPositionRange = 1000;
+constexpr DWORD kLongestName = 260; // characters of what the sound is called
 
 // What is taken is given back by the system when the program ends, a moment later.
 void* Take(std::size_t bytes) {
@@ -304,9 +306,16 @@ const wchar_t* NameOf(const wchar_t* path) {
     return name;
 }
 
+// What the caller calls the sound, or its file's name.
+void ShowName(HWND window, const Player& player) {
+    wchar_t name[kLongestName] = L"";
+    const DWORD length = GetEnvironmentVariableW(kSoundNameVariable, name, kLongestName);
+    SetDlgItemTextW(window, IDC_FILE_NAME, length > 0 && length < kLongestName ? name : NameOf(player.path));
+}
+
 void SetUp(HWND window, Player& player) {
     SetWindowLongPtrW(window, DWLP_USER, reinterpret_cast<LONG_PTR>(&player));
-    SetDlgItemTextW(window, IDC_FILE_NAME, NameOf(player.path));
+    ShowName(window, player);
     SendDlgItemMessageW(window, IDC_POSITION, PBM_SETRANGE32, 0, kPositionRange);
     SetForegroundWindow(window);
     PostMessageW(window, WM_APP, 0, 0); // the window is on the screen before the sound begins
