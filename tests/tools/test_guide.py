@@ -30,6 +30,7 @@ TEMPO_NAMES = [("Largo", 40, 49), ("Lento", 50, 57), ("Adagio", 58, 66), ("Andan
                ("Allegro", 102, 137), ("Vivace", 138, 166), ("Presto", 167, 319)]
 MESSAGES = [
     "Do you want to save the changes?", "This is not a sound file.", "Read error!", "Write error!",
+    "is out of range and cannot be saved.", "is unknown and cannot be saved.",
     "Cannot input the last", "music notes.", "File name cannot exceed 8 characters.", "Change the file name.",
     "Cannot find music notes.", "Can not run Sound Player!", "File translate error when upload to Veloxa!",
     "Directory does not exist.", "Please install the PC Application again.",
