@@ -287,7 +287,7 @@ Note ButtonNote(const Pen& pen, const NoteLength& form, float width, float heigh
     const float wide = note.head_width + std::max(WidthOf(note.dots), flags);
     const float stem = whole ? 0 : 3.5F;
     note.head_left = WholePixel((width - wide) / 2);
-    note.head_middle = whole ? height / 2 : WholePixel(height / 2 + (stem - 0.5F) * unit / 2) + 0.5F;
+    note.head_middle = whole ? height / 2 : std::floor(height / 2 + (stem - 0.5F) * unit / 2) + 0.5F;
     note.stem_end = WholePixel(note.head_middle - stem * unit);
     note.dots.left = note.head_left + note.head_width;
     note.dots.middle = note.head_middle;

@@ -93,6 +93,21 @@ TEST(Pictures, ButtonsShowTheirDotsAndTriplets) {
     }
 }
 
+TEST(Pictures, ButtonsShowNotesInTheMiddle) {
+    for (const TestScale& scale : kScreenScales)
+        for (int picture = 1; picture <= kLengthCodes; ++picture) {
+            const int height = 34 * scale.percent / 100 - 2;
+            const CoverageMask mask =
+                ButtonPictureMask(picture, 29 * scale.percent / 100, height, scale.pixels_per_twip);
+            int above = height, below = height;
+            for (const PixelBox& box : PiecesOf(mask)) {
+                above = std::min(above, box.top);
+                below = std::min(below, height - box.bottom);
+            }
+            EXPECT_LE(std::abs(above - below), 1) << picture << " at " << scale.percent;
+        }
+}
+
 TEST(Pictures, SmallButtonsStillShowTheirPicture) {
     for (int picture = 1; picture <= 40; ++picture) {
         EXPECT_GT(InkOf(ButtonPictureMask(picture, 16, 16, 1 / 7.5F)), 0);
