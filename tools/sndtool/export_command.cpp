@@ -109,6 +109,25 @@ bool MakeRtttl(const TimingTables& tables, const Export& melody, const std::stri
     return true;
 }
 
+/// Seconds of each interval as the MIDI file has them, read back; empty when it has other intervals.
+std::vector<double> SecondsInMidi(std::span<const std::uint8_t> bytes, const Tune& tune) {
+    MidiFile file;
+    MidiFault fault;
+    if (!ReadMidi(bytes, file, fault)) return {};
+    const MidiClock clock = ClockOf(file, 0);
+    std::vector<double> starts;
+    for (const MidiNote& note : file.notes)
+        starts.push_back(SecondsAt(clock, static_cast<double>(note.start)));
+    const std::vector<Interval> intervals = IntervalsOf(tune);
+    if (!intervals.empty() && intervals.front().pitch == 0) starts.insert(starts.begin(), 0.0);
+    if (starts.size() != intervals.size()) return {};
+    starts.push_back(SecondsAt(clock, static_cast<double>(file.ends.front())));
+    std::vector<double> seconds;
+    for (std::size_t i = 0; i + 1 < starts.size(); ++i)
+        seconds.push_back(starts[i + 1] - starts[i]);
+    return seconds;
+}
+
 bool MakeMidi(Export& melody, const std::string& input, bool nominal, Report& report,
               std::vector<std::uint8_t>& bytes, std::string& reason) {
     if (!melody.as_written && !nominal) TakeRecords(melody);
@@ -125,11 +144,14 @@ bool MakeMidi(Export& melody, const std::string& input, bool nominal, Report& re
     Tell(report, "size", std::to_string(made.ticks) + " ticks, 480 a quarter note");
     report.json["tempo"] = Rounded(nominal ? melody.snd.tempo : true_tempo, 3);
     report.json["ticks"] = made.ticks;
-    // What the MIDI file has against what the organiser plays: nothing, unless the written lengths were
-    // wanted.
-    const Deviation deviation =
-        DeviationOf(melody.played, nominal ? SecondsMeant(melody.tune) : melody.played);
-    TellDeviation(report, deviation, melody.snd.list, EntryOfInterval(melody.tune, deviation.worst));
+    // What the MIDI file has against what the organiser plays: no more than rounding, unless the written
+    // lengths were wanted.
+    const std::vector<double> seconds = SecondsInMidi(bytes, melody.tune);
+    report.json["j"] = nullptr;
+    if (melody.as_written && seconds.size() == melody.played.size()) {
+        const Deviation deviation = DeviationOf(melody.played, seconds);
+        TellDeviation(report, deviation, melody.snd.list, EntryOfInterval(melody.tune, deviation.worst));
+    }
     TellRemarks(report, {});
     return true;
 }
@@ -148,7 +170,7 @@ bool ExportOne(const TimingTables& tables, const Job& job, const ExportWish& wis
         good = wish.format == "rtttl" ? MakeRtttl(tables, melody, job.input, report, bytes, reason)
                                       : MakeMidi(melody, job.input, wish.nominal, report, bytes, reason);
     }
-    if (good && wish.strict && report.json["j"].get<double>() > 1.0) {
+    if (good && wish.strict && report.json["j"].is_number() && report.json["j"].get<double>() > 1.0) {
         reason = "would be bent by J = " + Decimal(report.json["j"].get<double>(), 2);
         good = false;
     }
