@@ -100,9 +100,11 @@ install_with_release_versions() {
     return 1
 }
 
+# PREBUILT is set where packages and programs were brought in from outside: nothing is installed or built.
 install_packages() {
     local -a missing
     local log="$logs/packages.log"
+    [ -n "${PREBUILT:-}" ] && return 0
     read -ra missing <<<"$(missing_packages)"
     [ "${#missing[@]}" = 0 ] && return 0
     if [ "$(id -u)" != 0 ] && ! command -v sudo >/dev/null; then
@@ -132,6 +134,7 @@ build() {
 
 build_alone() {
     local preset=$1 log="$logs/build-$1.log"
+    [ -n "${PREBUILT:-}" ] && return 0
     shift
     if [ ! -f "$root/build/$preset/build.ninja" ]; then
         if ! (cd "$root" && cmake --preset "$preset") >"$log" 2>&1; then

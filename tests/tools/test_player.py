@@ -7,6 +7,7 @@ import re
 import subprocess
 import time
 
+import pefile
 import pytest
 
 from building import PRODUCT
@@ -287,6 +288,5 @@ def test_file_may_be_deleted_while_it_plays(player, screen, long_sound):
 
 def test_small_program_on_the_system_alone():
     assert PLAYER.stat().st_size < 200_000
-    shown = subprocess.run(["i686-w64-mingw32-objdump", "-p", str(PLAYER)], capture_output=True, text=True, check=True)
-    libraries = {line.split(":")[1].strip().lower() for line in shown.stdout.splitlines() if "DLL Name" in line}
+    libraries = {library.dll.decode().lower() for library in pefile.PE(PLAYER).DIRECTORY_ENTRY_IMPORT}
     assert libraries <= {"comctl32.dll", "kernel32.dll", "msvcrt.dll", "user32.dll", "winmm.dll"}

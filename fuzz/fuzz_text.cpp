@@ -1,0 +1,52 @@
+// Any bytes as melody text: what is taken gives the same melody again, what is refused names a line.
+#include "score/melody_text.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+using namespace tonex;
+
+void Require(bool condition) {
+    if (!condition) std::abort();
+}
+
+bool Same(const FileEntry& a, const FileEntry& b) {
+    return a.code == b.code && a.pitch == b.pitch;
+}
+
+void TryAgain(const TimingTables& tables, const Melody& melody) {
+    int fault_entry = -1;
+    const std::optional<std::string> text = FormatMelodyText(melody, fault_entry);
+    Require(text.has_value());
+    MelodyTextFault fault;
+    const std::optional<Melody> again = ParseMelodyText(tables, *text, fault);
+    Require(again && again->tempo == melody.tempo);
+    Require(std::equal(melody.list.begin(), melody.list.end(), again->list.begin(), Same));
+}
+
+void Try(std::string_view text) {
+    static const TimingTables tables = BuildTimingTables();
+    MelodyTextFault fault;
+    const std::optional<Melody> melody = ParseMelodyText(tables, text, fault);
+    const auto lines =
+        1 + std::count(text.begin(), text.end(), '\n') + std::count(text.begin(), text.end(), '\r');
+    if (!melody) {
+        Require(!fault.reason.empty() && fault.line >= 1 && fault.line <= lines);
+        return;
+    }
+    Require(fault.reason.empty());
+    const int entries = CountEntries(melody->list);
+    for (int k = 0; k < entries; ++k)
+        Require(LineOfEntry(text, k) > (k == 0 ? 0 : LineOfEntry(text, k - 1)));
+    Require(LineOfEntry(text, entries) == 0);
+    TryAgain(tables, *melody);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    Try({reinterpret_cast<const char*>(bytes), size});
+    return 0;
+}
