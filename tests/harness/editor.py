@@ -221,8 +221,13 @@ class Editor:
                     return window
             return None
         dialog = wait_until(there, timeout, f"the dialog {title!r}")
-        wait_until(lambda: self.screen.focused_title() == title, timeout, f"the keyboard's focus on {title!r}")
+        self.wait_keyboard_at(dialog, timeout)
         return dialog
+
+    def wait_keyboard_at(self, dialog, timeout=8):
+        """The X server gives a dialog the keyboard a moment after it has appeared; titles do not tell two apart."""
+        wait_until(lambda: self.screen.focused_id() == dialog["x"], timeout,
+                   f"the keyboard's focus on {dialog['text']!r}")
 
     def wait_message(self, text, timeout=8):
         """Waits for a message box with a text; gives the box."""
@@ -232,10 +237,10 @@ class Editor:
         return box
 
     def answer(self, box, button):
-        before = self.screen.focused_id()
+        self.wait_keyboard_at(box)
         self.prefix.ask("press", box["hwnd"], ANSWERS[button])
         wait_until(lambda: all(window["hwnd"] != box["hwnd"] for window in self.dialogs()), 8, "the box's end")
-        self.wait_keyboard_leaves(before)
+        self.wait_keyboard_leaves(box["x"])
 
     def wait_keyboard_leaves(self, window):
         """The X server hands the keyboard on a moment after a dialog is gone; keys pressed before would be lost."""
@@ -258,7 +263,6 @@ class Editor:
     def file_dialog(self, title, path=None):
         """Types a path into a file dialog and presses Enter; without a path cancels it."""
         dialog = self.wait_dialog(title)
-        before = self.screen.focused_id()
         if path is None:
             self.screen.key("escape")
         else:
@@ -269,7 +273,7 @@ class Editor:
             self.screen.key("enter")
         wait_until(lambda: all(window["hwnd"] != dialog["hwnd"] for window in self.dialogs()) or
                    len(self.dialogs()) > 1, 8, f"the end of {title!r}")
-        self.wait_keyboard_leaves(before)
+        self.wait_keyboard_leaves(dialog["x"])
 
     def file_name_field(self, dialog):
         """The edit field for the file name of a common dialog."""

@@ -15,7 +15,7 @@ from building import WINDOWS_BUILD, program
 from editor import WM_CLOSE
 from melody import Melody
 from prefix import PREVIEWS, SCREEN_SIZE
-from sound_device import NoDevice, assert_heard
+from sound_device import NoDevice, assert_heard_in_one_of_three
 from wine_paths import windows_path
 from words import ASK, NO_PLAYER, PREVIEW_ITEM, PREVIEW_TOOL, WRITE_ERROR
 from xscreen import wait_until
@@ -143,15 +143,18 @@ def test_whole_melody_is_heard_sample_by_sample(sound, start, melody, way):
     editor = start(windows_path(path))
     editor.screen.key("home")
     editor.wait_selected([0])
-    if way == "toolbar":
-        preview(editor)
-    else:
-        editor.choose(PREVIEW_ITEM)
-    wait_playing(editor)
-    wait_back(editor)
+
+    def play():
+        if way == "toolbar":
+            preview(editor)
+        else:
+            editor.choose(PREVIEW_ITEM)
+        wait_playing(editor)
+        wait_back(editor)
+
     samples = Melody.samples(path)
     assert len(samples) > 22050
-    assert_heard(sound, samples)
+    assert_heard_in_one_of_three(sound, samples, play)
     still_works(editor)
 
 
@@ -160,10 +163,14 @@ def test_selection_is_heard_sample_by_sample(sound, start, melody, tmp_path, bac
     editor = start(windows_path(melody("TUNE.SND", text_of(TUNE))))
     editor.select_columns(*((6, 1) if backwards else (1, 6)))
     editor.wait_selected(list(range(1, 7)))
-    preview(editor)
-    wait_playing(editor)
-    wait_back(editor)
-    assert_heard(sound, Melody.samples(Melody.build(tmp_path / "PART.SND", text_of(TUNE[1:7]))))
+
+    def play():
+        preview(editor)
+        wait_playing(editor)
+        wait_back(editor)
+
+    part = Melody.build(tmp_path / "PART.SND", text_of(TUNE[1:7]))
+    assert_heard_in_one_of_three(sound, Melody.samples(part), play)
     editor.wait_selected(list(range(1, 7)))
 
 

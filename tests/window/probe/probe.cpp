@@ -85,6 +85,11 @@ std::wstring TextOf(HWND window) {
     return text;
 }
 
+// Under Wine the X window of a top-level window; 0 for all others.
+std::string XWindowOf(HWND window) {
+    return std::to_string(reinterpret_cast<std::uintptr_t>(GetPropW(window, L"__wine_x11_whole_window")));
+}
+
 std::string Describe(HWND window, const std::wstring& text) {
     wchar_t class_name[100] = L"";
     GetClassNameW(window, class_name, 100);
@@ -98,6 +103,7 @@ std::string Describe(HWND window, const std::wstring& text) {
     std::string result = "{\"hwnd\":" + Number(window) + ",\"pid\":" + std::to_string(process);
     result += ",\"text\":" + Quoted(text) + ",\"class\":" + Quoted(class_name);
     result += ",\"id\":" + std::to_string(GetDlgCtrlID(window));
+    result += ",\"x\":" + XWindowOf(window);
     result += ",\"parent\":" + Number(GetAncestor(window, GA_PARENT));
     result += ",\"owner\":" + Number(GetWindow(window, GW_OWNER));
     result += ",\"visible\":" + Bool(IsWindowVisible(window) != FALSE);
