@@ -7,7 +7,10 @@
 #include <imm.h>
 #include <oleacc.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -114,6 +117,63 @@ std::string ToolbarOf(HWND toolbar) {
 
 // --- the process
 
+// What Wine leaves out of GetProcessHandleCount and GetGuiResources is in the system's own tables.
+
+template <class Function> Function FromSystem(const char* name) {
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name)));
+}
+
+/// An entry of the table of all processes' handles.
+struct SystemHandle {
+    ULONG process;
+    BYTE type, flags;
+    USHORT handle;
+    PVOID object;
+    ULONG access;
+};
+
+DWORD HandlesOfProcess() {
+    using Query = LONG(WINAPI*)(ULONG, PVOID, ULONG, PULONG);
+    constexpr ULONG all_handles = 16;
+    const auto query = FromSystem<Query>("NtQuerySystemInformation");
+    std::vector<SystemHandle> table(20000);
+    ULONG size = 0;
+    if (query(all_handles, table.data(), static_cast<ULONG>(table.size() * sizeof table[0]), &size) < 0) {
+        return 0;
+    }
+    ULONG count = 0;
+    CopyMemory(&count, table.data(), sizeof count);
+    const auto* const bytes = reinterpret_cast<const BYTE*>(table.data()) + sizeof count;
+    DWORD found = 0;
+    for (ULONG i = 0; i < count; ++i) {
+        SystemHandle entry = {};
+        CopyMemory(&entry, bytes + i * sizeof entry, sizeof entry);
+        found += entry.process == GetCurrentProcessId() ? 1 : 0;
+    }
+    return found;
+}
+
+/// An entry of the process's table of GDI handles.
+struct GdiHandle {
+    UINT64 object;
+    ULONG owner;
+    USHORT unique;
+    BYTE type, flags;
+    UINT64 user_pointer;
+};
+
+int GdiObjectsOfProcess() {
+    using Block = const BYTE*(WINAPI*)();
+    constexpr int gdi_table = 0x94, entries = 0x4000;
+    const BYTE* const block = FromSystem<Block>("RtlGetCurrentPeb")();
+    const auto* const table = *reinterpret_cast<const GdiHandle* const*>(block + gdi_table);
+    return table == nullptr
+               ? 0
+               : static_cast<int>(std::count_if(table, table + entries,
+                                                [](const GdiHandle& entry) { return entry.type != 0; }));
+}
+
 std::string ProcessOf() {
     const UINT mode = SetErrorMode(0);
     SetErrorMode(mode);
@@ -122,7 +182,9 @@ std::string ProcessOf() {
         CoUninitialize();
     }
     return "{\"error_mode\":" + std::to_string(mode) +
-           ",\"apartment\":" + Bool(entered == RPC_E_CHANGED_MODE) + "}";
+           ",\"apartment\":" + Bool(entered == RPC_E_CHANGED_MODE) +
+           ",\"handles\":" + std::to_string(HandlesOfProcess()) +
+           ",\"gdi\":" + std::to_string(GdiObjectsOfProcess()) + "}";
 }
 
 // --- what a screen reader is told
@@ -172,7 +234,8 @@ std::string AccessibleOf(HWND window) {
     }
     long count = 0;
     object->get_accChildCount(&count);
-    std::string text = AccessibleItem(object, CHILDID_SELF) + ",\"children\":[";
+    std::string text = AccessibleItem(object, CHILDID_SELF) +
+                       ",\"scrolled\":" + std::to_string(GetScrollPos(window, SB_HORZ)) + ",\"children\":[";
     for (long i = 1; i <= count; ++i) {
         text += (i == 1 ? "" : ",") + AccessibleItem(object, i) + "}";
     }
