@@ -344,6 +344,44 @@ def test_upgrades_over_itself_and_keeps_melodies(pc):
     assert pc.value(LINK_ENTRY, "InstallDir") == link
 
 
+def test_an_upgrade_stays_where_the_editor_is(pc):
+    """Elsewhere it would leave the old editor behind."""
+    assert pc.install("/D=C:\\Music\\Editor") == DONE
+    pc.folder = pc.prefix.path / "drive_c" / "Music" / "Editor"
+    assert_installed(pc)
+    (pc.folder / "Tonex.exe").write_bytes(b"of an older version")
+    before = files_of(pc.prefix)
+    assert pc.install("/D=C:\\Elsewhere") == DONE
+    assert_installed(pc)
+    assert files_of(pc.prefix) == before
+
+
+def folder_in_the_way(pc):
+    (pc.folder / "Veloxa.htm").mkdir(parents=True)
+    return (pc.folder / "Veloxa.htm").rmdir
+
+
+def file_in_the_way(pc):
+    pc.folder.parent.mkdir(parents=True)
+    pc.folder.write_bytes(b"no folder")
+    return pc.folder.unlink
+
+
+@pytest.mark.parametrize("obstacle", [folder_in_the_way, file_in_the_way])
+def test_what_can_not_be_written_is_a_failure_that_can_be_made_good(pc, obstacle):
+    before = pc.snapshot()
+    clear = obstacle(pc)
+    assert pc.install() == FAILED
+    assert pc.value(LINK_ENTRY, "InstallDir") is None
+    # What can be taken away is in the list of programs.
+    assert (pc.value(ENTRY, "DisplayName") is not None) == pc.folder.is_dir()
+    clear()
+    assert pc.install() == DONE
+    assert_installed(pc)
+    pc.uninstall()
+    pc.assert_as(before)
+
+
 def test_uninstalling_leaves_melodies_and_says_where(pc):
     assert pc.install() == DONE
     (pc.folder / "samples" / "GRACE.snd").write_bytes((PRODUCT / "samples" / "GRACE.snd").read_bytes() + b"more")
@@ -351,7 +389,9 @@ def test_uninstalling_leaves_melodies_and_says_where(pc):
     sound = next((pc.prefix.path / "drive_c" / "users").glob("*/Documents/Corvane/userdata/sound"))
     (sound / "TUNE.SND").write_bytes(b"a melody of the PC")
     pc.start_setup(pc.folder / "uninstall.exe")
-    pc.press(pc.box(UNINSTALLER, "Sound Editor Uninstall"), NEXT)
+    page = pc.box(UNINSTALLER, "Sound Editor Uninstall")
+    assert any("Your melodies stay" in text for text in pc.texts(page))
+    pc.press(page, NEXT)
     box = wait_until(lambda: next((w for w in pc.prefix.ask("windows", UNINSTALLER)
                                    if w["visible"] and any("is gone" in text for text in pc.texts(w))), None),
                      60, "word of the melodies")
@@ -383,6 +423,18 @@ def test_the_link_software_and_its_choices_stay(suite_pc):
     assert pc.value(LINK_ENTRY, "InstallDir") == INSTALL_DIR
     pc.uninstall()
     pc.assert_as(before)
+
+
+def test_the_page_knows_a_useless_entry_as_linksetup_does(pc):
+    for entry, useless in [(" ", True), ("\\", True), ("Link", True), ("C:Link", True), ("C:\\gone", True),
+                           ("C:\\windows", False), ("C:\\", False), ("Q:\\Link", False), ("\\\\server\\Link", False)]:
+        pc.prefix.ask("setreg", LINK_ENTRY, "InstallDir", entry)
+        setup = pc.start_setup()
+        page = pc.page()
+        assert (pc.checked(page) == ["There is none: &make a folder in my documents instead"]) == useless, entry
+        assert any(text.startswith("The folder that is entered now:") for text in pc.texts(page)) != useless, entry
+        pc.press(page, CANCEL)
+        assert setup.wait(20) == 1
 
 
 @pytest.mark.parametrize("option, made", [("/LINK=KEEP", False), ("/LINK=MAKE", True)])

@@ -8,6 +8,7 @@ Unicode true
 SetCompressor /SOLID lzma
 SetDateSave off
 RequestExecutionLevel user
+AllowSkipFiles off ; half an editor is none: what can not be written ends the installation
 ManifestSupportedOS all
 ManifestDPIAware true
 
@@ -38,6 +39,8 @@ InstallDirRegKey HKCU "${UNINSTALL_KEY}" "InstallLocation"
 ShowInstDetails nevershow
 ShowUninstDetails show
 XPStyle on
+InstallColors /windows
+UninstallText "This takes the ${NAME} away. Your melodies stay, and you will be told where they are." "From the folder:"
 
 VIProductVersion "${VERSION}.0"
 VIAddVersionKey "CompanyName" "The Sound Editor authors"
@@ -142,12 +145,10 @@ FunctionEnd
 ; --- Choices
 
 Function .onInit
+    Call StayInPlace
     ReadRegStr $LinkFolder HKCU "${LINK_KEY}" "InstallDir"
-    StrCpy $MakeLink 1
-    ${If} $LinkFolder != ""
-    ${AndIf} ${FileExists} "$LinkFolder\*.*"
-        StrCpy $MakeLink 0
-    ${EndIf}
+    Call IsLinkMissing
+    Pop $MakeLink
     ReadRegStr $0 HKCU "${UNINSTALL_KEY}" "OpenSnd"
     StrCpy $OpenSnd 0
     ${If} $0 == 1
@@ -155,6 +156,37 @@ Function .onInit
     ${EndIf}
     Call ReadOptions
     Call WaitForEditor
+FunctionEnd
+
+; An upgrade stays where the editor is, or the old one would be left behind.
+Function StayInPlace
+    ReadRegStr $0 HKCU "${UNINSTALL_KEY}" "InstallLocation"
+    ${If} $0 != ""
+    ${AndIf} ${FileExists} "$0\uninstall.exe"
+        StrCpy $INSTDIR $0
+    ${EndIf}
+FunctionEnd
+
+; Gives 1 where no link software can stand behind the entry, by the rule of LinkSetup: it is no full path, or the folder
+; is not there though its drive is. A drive or a server may be away just now.
+Function IsLinkMissing
+    StrCpy $0 $LinkFolder 2
+    StrCpy $1 $LinkFolder 2 1
+    StrCpy $2 $LinkFolder 3
+    StrCpy $3 $LinkFolder
+    System::Call 'kernel32::GetFileAttributesW(w r3) i .r3' ; -1: not there
+    System::Call 'kernel32::GetFileAttributesW(w r2) i .r4'
+    StrCpy $5 0
+    ${If} $1 == ":\"
+        ${If} $3 = -1
+        ${AndIf} $4 <> -1
+            StrCpy $5 1
+        ${EndIf}
+    ${ElseIf} $0 != "\\"
+    ${OrIf} $LinkFolder == "\\"
+        StrCpy $5 1
+    ${EndIf}
+    Push $5
 FunctionEnd
 
 Function ReadOptions
@@ -209,11 +241,16 @@ FunctionEnd
 
 Section
     Call WaitForEditor
-    !insertmacro INSTALL_FILES
+    ClearErrors
     SetOutPath "$INSTDIR"
     WriteUninstaller "$INSTDIR\uninstall.exe"
+    ${If} ${Errors}
+        Abort "The folder $INSTDIR can not be written."
+    ${EndIf}
+    Call EnterProgram ; first, so that what an installation that fails leaves behind can be removed
+    !insertmacro INSTALL_FILES
+    SetOutPath "$INSTDIR"
     CreateShortCut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\Tonex.exe"
-    Call EnterProgram
     ${If} $OpenSnd = 1
         Call TakeSnd
     ${Else}
@@ -289,7 +326,6 @@ Section Uninstall
     DeleteRegKey /ifempty HKCU "${SETTINGS_KEY}\Corvane"
     DeleteRegKey /ifempty HKCU "${SETTINGS_KEY}"
     ${If} $Melodies != ""
-        DetailPrint "Your melodies are where they were:"
         MessageBox MB_OK|MB_ICONINFORMATION "The Sound Editor is gone. Your melodies are where they were:$\r$\n$Melodies" \
             /SD IDOK
     ${EndIf}
