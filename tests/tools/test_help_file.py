@@ -19,8 +19,8 @@ SOURCE = ROOT / "help" / "guide.md"
 UNPACKED = 0x4000
 
 
-def make(source, target):
-    return subprocess.run([sys.executable, "-B", str(TOOLS / "make_hlp.py"), str(source), str(target)],
+def make(source, target, version="9.8.7"):
+    return subprocess.run([sys.executable, "-B", str(TOOLS / "make_hlp.py"), str(source), version, str(target)],
                           capture_output=True, text=True)
 
 
@@ -290,6 +290,10 @@ def test_fonts(help_file):
 
 def test_topics_are_those_of_the_guide(guide, topics):
     assert [title for _, title, *_ in topics] == ["Sound Editor"] + [topic.title for topic in guide.topics]
+
+
+def test_version_is_that_of_the_build(topics):
+    assert "User's guide, version 9.8.7" in topics[0][2]
 
 
 def test_titles_by_offset(help_file, topics):

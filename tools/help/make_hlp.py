@@ -1,6 +1,6 @@
 """Makes the guide as a file for the system's own help reader, which systems up to XP bring along.
 
-usage: make_hlp.py GUIDE.md OUT.hlp
+usage: make_hlp.py GUIDE.md VERSION OUT.hlp
 
 The file is a small file system. All numbers are little-endian.
 
@@ -199,8 +199,11 @@ def heading_record(title):
     return paragraph(text, below=16)
 
 
-def contents_records(guide):
+def contents_records(guide, version):
     yield heading_record(guide.title)
+    text = Text()
+    text.write(f"User's guide, version {version}", BODY)
+    yield paragraph(text)
     for block in guide.introduction:
         yield from block_records(block)
     for topic in guide.topics:
@@ -234,8 +237,8 @@ class Page:
         self.offset = 0
 
 
-def pages_of(guide):
-    pages = [Page(CONTENTS_ID, guide.title, ["contents"], contents_records(guide))]
+def pages_of(guide, version):
+    pages = [Page(CONTENTS_ID, guide.title, ["contents"], contents_records(guide, version))]
     for topic in guide.topics:
         records = [heading_record(topic.title)]
         for block in topic.blocks:
@@ -394,8 +397,8 @@ def internal(content, flags=0):
     return struct.pack("<iiB", len(content) + 9, len(content), flags) + content
 
 
-def help_file(guide):
-    pages = pages_of(guide)
+def help_file(guide, version):
+    pages = pages_of(guide, version)
     topic = topic_file(pages)
     hashes = sorted((hash_of(page.id), page.offset) for page in pages)
     if len({value for value, _ in hashes}) != len(hashes):
@@ -420,12 +423,12 @@ def help_file(guide):
 
 
 def main(arguments):
-    if len(arguments) != 2:
-        print("usage: make_hlp.py GUIDE.md OUT.hlp", file=sys.stderr)
+    if len(arguments) != 3:
+        print("usage: make_hlp.py GUIDE.md VERSION OUT.hlp", file=sys.stderr)
         return 2
-    source, target = arguments
+    source, version, target = arguments
     try:
-        content = help_file(guides.parse(pathlib.Path(source).read_text(encoding="utf-8")))
+        content = help_file(guides.parse(pathlib.Path(source).read_text(encoding="utf-8")), version)
     except (guides.GuideError, HelpError) as error:
         print(f"{source}: {error}", file=sys.stderr)
         return 1
