@@ -2,15 +2,19 @@
 #include "platform/windows/tempo_box.h"
 
 #include "platform/windows/main_window.h"
+#include "platform/windows/window_place.h"
 #include "score/rows.h"
 
 #include <commctrl.h>
+
+#include <algorithm>
 
 namespace tonex {
 
 namespace {
 
 constexpr int kLongestText = 63; ///< characters that the box takes
+constexpr LONG kMostRows = 30;   ///< of the open list; it has 28
 
 std::wstring TextOf(HWND control) {
     wchar_t text[kLongestText + 1] = L"";
@@ -39,6 +43,22 @@ void Typed(MainWindow& main) {
 void Chosen(MainWindow& main) {
     const auto index = static_cast<int>(SendMessageW(main.tempo, CB_GETCURSEL, 0, 0));
     if (index >= 0) TempoComboClick(main.record, index);
+}
+
+/// As many rows as there is room for above or below the box. A list that lay over the box would take the
+/// pointer that opened it: another item would be marked, and the next click would choose it.
+void FitList(const MainWindow& main) {
+    const RECT box = AreaOf(main.tempo), free = FreeScreenAround(main.window);
+    const LONG room = std::max(box.top - free.top, free.bottom - box.bottom);
+    const LRESULT row = SendMessageW(main.tempo, CB_GETITEMHEIGHT, 0, 0);
+    if (row <= 0) return;
+    const LONG rows = std::clamp(room / static_cast<LONG>(row) - 1, 1L, kMostRows); // one less for the frame
+    SendMessageW(main.tempo, CB_SETMINVISIBLE, static_cast<WPARAM>(rows), 0);
+}
+
+void Opened(MainWindow& main) {
+    main.tempo_state.before_list = CurrentTempo(main.record);
+    FitList(main);
 }
 
 /// Left by Esc, by the arrow or for another control: the arrow keys may have chosen on the way.
@@ -172,7 +192,7 @@ void TempoEvent(MainWindow& main, UINT notification) {
     if (main.showing) return;
     switch (notification) {
     case CBN_EDITCHANGE: Typed(main); break;
-    case CBN_DROPDOWN: main.tempo_state.before_list = CurrentTempo(main.record); break;
+    case CBN_DROPDOWN: Opened(main); break;
     // The same item chosen again sends no change, but ends the selection all the same.
     case CBN_SELENDOK:
     case CBN_SELCHANGE: Chosen(main); break;

@@ -6,7 +6,7 @@ from editor import Editor
 from melody import Melody
 from prefix import SETTINGS, Prefix, virtual_screen, window_manager
 from tidiness import (SHOWCASE, expect_columns_under_strip, expect_tidy_controls, expect_tidy_items, inside,
-                      staff_space)
+                      overlap, staff_space)
 from wine_paths import windows_path
 from xscreen import Screen, wait_until
 
@@ -40,6 +40,31 @@ def test_the_first_window_fits_the_screen_and_shows_everything(tmp_path, size, d
             editor.wait_selected([2])
             editor.click_length("Half note")
             wait_until(lambda: editor.cells()[2]["name"] == "e4, Half note", 5, "the half note")
+        finally:
+            editor.kill()
+            prefix.end()
+
+
+@pytest.mark.parametrize("size, dpi", [((1024, 768), 144), ((1920, 1080), 192), ((800, 600), 96)])
+def test_the_tempos_list_leaves_the_box_under_the_pointer_free(tmp_path, size, dpi):
+    """Where all of it has no room above or below, a list over the box would take the clicks on its arrow."""
+    with virtual_screen(size) as name, window_manager(name):
+        screen = Screen(name)
+        prefix = Prefix(f"list-{size[0]}-{dpi}", dpi=dpi, environment={"DISPLAY": name})
+        editor = Editor(prefix, screen, windows_path(Melody.build(tmp_path / "LIST.SND", "tempo 64\nc5 1/4\n")))
+        try:
+            editor.wait_ready()
+            box = editor.child("ComboBox")["rect"]
+            arrow = box[2] - 8, (box[1] + box[3]) // 2
+            screen.click(*arrow)
+            open_list = wait_until(lambda: [w["rect"] for w in editor.windows()
+                                            if w["class"] == "ComboLBox" and w["visible"]], 5, "the open list")[0]
+            assert inside(open_list, [0, 0, *size]) and not overlap(open_list, box)
+            assert editor.tempo_box()["selected"] == editor.tempo_box()["items"].index(" 64")
+            screen.click(*arrow)
+            wait_until(lambda: not any(w["class"] == "ComboLBox" and w["visible"] for w in editor.windows()), 5,
+                       "the closed list")
+            assert editor.tempo_box()["text"] == " 64"
         finally:
             editor.kill()
             prefix.end()
