@@ -6,13 +6,22 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <string>
 
 namespace tonex {
 
 namespace {
 
-constexpr int kIconSize = 20; ///< pixels at 100 %
+constexpr int kIconSize = 20;   ///< pixels at 100 %
+constexpr int kButtonSize = 30; ///< pixels at 100 %
+constexpr int kToolPadding = 7; ///< pixels that a toolbar itself keeps free around its pictures
+
+/// The pictures fill their buttons, with the icons in their middle: a toolbar puts a smaller picture near the
+/// button's upper edge.
+int ToolPictureSize(const Scale& scale) {
+    return std::max(Scaled(scale, kIconSize), Scaled(scale, kButtonSize) - kToolPadding);
+}
 
 std::wstring ShortcutText(const Shortcut& shortcut) {
     if (shortcut.key == 0) return {};
@@ -44,27 +53,31 @@ std::vector<std::uint32_t> IconPixels(ToolIcon icon, int size, bool grey, COLORR
 }
 
 /// Image lists want straight alpha: they take a picture that was multiplied by it for a darker one.
-void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size) {
+void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size, int picture) {
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = size;
-    info.bmiHeader.biHeight = -size;
+    info.bmiHeader.biWidth = picture;
+    info.bmiHeader.biHeight = -picture;
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
     void* bits = nullptr;
     HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
     if (!bitmap) return;
-    std::copy(pixels.begin(), pixels.end(), static_cast<std::uint32_t*>(bits));
+    const int edge = (picture - size) / 2;
+    for (int row = 0; row < size; ++row)
+        std::copy_n(&At(pixels, row * size), size,
+                    static_cast<std::uint32_t*>(bits) + (row + edge) * picture + edge);
     ImageList_Add(list, bitmap, nullptr);
     DeleteObject(bitmap);
 }
 
 /// The list `imlIcons` of the toolbar's pictures, and its grey twin for buttons that can not act.
 HIMAGELIST MakeImlIcons(const MainWindow& main, bool grey) {
-    const int size = Scaled(main.theme.scale, kIconSize);
-    HIMAGELIST list = ImageList_Create(size, size, ILC_COLOR32, kToolButtons, 0);
+    const int size = Scaled(main.theme.scale, kIconSize), picture = ToolPictureSize(main.theme.scale);
+    HIMAGELIST list = ImageList_Create(picture, picture, ILC_COLOR32, kToolButtons, 0);
     for (int i = 0; i < kToolButtons; ++i)
-        AddIcon(list, IconPixels(static_cast<ToolIcon>(i), size, grey, main.theme.colours.face), size);
+        AddIcon(list, IconPixels(static_cast<ToolIcon>(i), size, grey, main.theme.colours.face), size,
+                picture);
     return list;
 }
 
@@ -126,10 +139,10 @@ void LoadToolbarPictures(MainWindow& main) {
 }
 
 void SizeToolbar(MainWindow& main) {
-    const int icon = Scaled(main.theme.scale, kIconSize);
-    SendMessageW(main.toolbar, TB_SETBITMAPSIZE, 0, MAKELPARAM(icon, icon));
+    const int picture = ToolPictureSize(main.theme.scale);
+    SendMessageW(main.toolbar, TB_SETBITMAPSIZE, 0, MAKELPARAM(picture, picture));
     LoadToolbarPictures(main);
-    const int button = Scaled(main.theme.scale, kIconSize + 10);
+    const int button = Scaled(main.theme.scale, kButtonSize);
     SendMessageW(main.toolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(button, button));
 }
 

@@ -113,3 +113,27 @@ def test_a_toolbar_icon_has_no_dark_edge(grace):
     pixels = [colour for _, colour in icon.getcolors(10000)]
     assert RED in pixels and len(pixels) > 4, "the cross with soft edges"
     assert min(red for red, _, _ in pixels) >= RED[0] - 3
+
+
+@pytest.mark.parametrize("dpi", SCALES)
+def test_a_toolbar_icon_stands_in_the_middle_of_its_button(screen, dpi):
+    """Also in a smaller window and in a larger one, which shrink and magnify both."""
+    prefix = Prefix(f"icons-{dpi}", dpi=dpi)
+    editor = Editor(prefix, screen).wait_ready()
+    try:
+        editor.click_key("c5")
+        wait_until(lambda: editor.toolbar()["Delete"]["enabled"], 5, "Delete")
+        screen.move(5, 5)
+        left, top, right, bottom = editor.main()["client"]
+        for times in (1, 0.75, min(1.25, 1900 / (right - left))):
+            if times != 1:
+                resize(editor, round((right - left) * times), round((bottom - top) * times))
+            button = editor.toolbar()["Delete"]["rect"]
+            icon = part(editor, editor.picture(), button)
+            cross = [(x, y) for x in range(icon.width) for y in range(icon.height) if icon.getpixel((x, y)) == RED]
+            for place, size in ((0, icon.width), (1, icon.height)):
+                ends = min(at[place] for at in cross), max(at[place] for at in cross)
+                assert abs(sum(ends) + 1 - size) <= 3, f"{ends} of {size} pixels at {times} times the size"
+    finally:
+        editor.kill()
+        prefix.end()
