@@ -79,8 +79,10 @@ COLORREF ToColour(std::uint32_t rgb) {
 
 void PaintCaption(Panel& panel, const KeyLabel& label, COLORREF colour) {
     const Fonts& fonts = panel.main->theme.fonts;
-    DrawCentred(panel.canvas, AreaInPanel(panel, label.place), label.Caption.View(),
-                FontFor(label.Caption.View(), fonts.key, fonts.key_japanese), colour);
+    const std::wstring_view text = label.Caption.View();
+    const HFONT letters = text.ends_with(L'#') ? fonts.sharp_key : fonts.key;
+    DrawCentred(panel.canvas, AreaInPanel(panel, label.place), text,
+                FontFor(text, letters, fonts.key_japanese), colour);
 }
 
 COLORREF LitColour(const Panel& panel, PianoKey key) {

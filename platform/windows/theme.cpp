@@ -192,17 +192,18 @@ Fonts CreateFonts(const sndmain& window, const Scale& scale, float magnified) {
     const int wanted = std::abs(static_cast<int>(message.lfHeight));
     const int height = std::max<int>(Scaled(scale, 12), wanted);
     const int row = ToPixelsY(scale, kColumnWidth); // a cell is as high as it is wide
-    const auto in_cell = [&](const wchar_t* text) { return TextRooms{{text, CellTextWidth(scale), row}}; };
-    const int key = ToPixelsX(scale, kKeyLabelWidth) - Scaled(scale, 2);
-    const auto on_key = [&](const wchar_t* text) { return TextRooms{{text, key, row}}; };
+    const int cell = CellTextWidth(scale), key = ToPixelsX(scale, kKeyLabelWidth);
+    const int white_key = key - Scaled(scale, 4), black_key = key - Scaled(scale, 2);
+    const int key_height = Scaled(scale, 11);
     Fonts fonts;
     fonts.tooltip = CreateFontIndirectW(&tooltip); // a small window leaves it room enough
     fonts.ui = FittingFont(message, wanted, RoomsOfControls(window, scale));
     for (int i = 0; i < kCellFonts; ++i)
-        At(fonts.cells, i) = FittingFont(message, height, in_cell(At(kCellNames, i)));
-    fonts.cell_japanese = FittingFont(japanese, height, in_cell(L"\xFF8C\xFF67 #"));
-    fonts.key = FittingFont(message, Scaled(scale, 11), on_key(L"g8#"));
-    fonts.key_japanese = FittingFont(japanese, Scaled(scale, 11), on_key(L"\x30C9#"));
+        At(fonts.cells, i) = FittingFont(message, height, {{At(kCellNames, i), cell, row}});
+    fonts.cell_japanese = FittingFont(japanese, height, {{L"\xFF8C\xFF67 #", cell, row}});
+    fonts.key = FittingFont(message, key_height, {{L"g8", white_key, row}, {L"a8", white_key, row}});
+    fonts.sharp_key = FittingFont(message, key_height, {{L"g8#", black_key, row}, {L"a8#", black_key, row}});
+    fonts.key_japanese = FittingFont(japanese, key_height, {{L"\x30C9#", black_key, row}});
     return fonts;
 }
 
@@ -211,7 +212,8 @@ int CellTextWidth(const Scale& scale) {
 }
 
 void DeleteFonts(Fonts& fonts) {
-    for (HFONT font : {fonts.tooltip, fonts.ui, fonts.cell_japanese, fonts.key, fonts.key_japanese})
+    for (HFONT font :
+         {fonts.tooltip, fonts.ui, fonts.cell_japanese, fonts.key, fonts.sharp_key, fonts.key_japanese})
         if (font) DeleteObject(font);
     for (HFONT font : fonts.cells)
         if (font) DeleteObject(font);

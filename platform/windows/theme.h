@@ -41,7 +41,8 @@ struct Fonts {
     /// digits and more are wider than what the piano reaches.
     std::array<HFONT, kCellFonts> cells{};
     HFONT cell_japanese = nullptr;
-    HFONT key = nullptr; ///< captions of the piano keys
+    HFONT key = nullptr;       ///< captions of the white piano keys
+    HFONT sharp_key = nullptr; ///< of the black ones, which are longer
     HFONT key_japanese = nullptr;
 };
 

@@ -125,3 +125,24 @@ def test_names_of_every_octave_fit_their_cells(scaled, caption, times, back, nam
     assert_no_cell_is_cut(scaled)
     transpose(back)
     wait_until(lambda: scaled.names()[0].startswith("c4#,"), 5, "the melody as it was")
+
+
+# --- the keys
+
+
+def written_rows(editor, rect):
+    """How many rows of pixels of an area show dark letters."""
+    grey = editor.screen.picture(rect[0], rect[1], rect[2] - rect[0], rect[3] - rect[1]).convert("L")
+    dark = grey.point(lambda value: 255 if value < 120 else 0).getbbox()
+    assert dark, f"nothing is written in {rect}"
+    return dark[3] - dark[1]
+
+
+def test_captions_of_white_keys_are_not_as_small_as_the_longer_ones_of_black_keys_must_be(scaled):
+    scaled.screen.move(2, 2)
+    scaled.picture()
+    white, black = scaled.item("TonexPiano", "c6")["rect"], scaled.item("TonexPiano", "c6#")["rect"]
+    unit = scaled.dpi // 48
+    on_white = written_rows(scaled, [white[0] + unit, white[3] - 11 * unit, white[2] - unit, white[3] - 2 * unit])
+    over_black = written_rows(scaled, [black[0], black[1] - 7 * unit, black[2], black[1] - 1])
+    assert on_white > over_black
