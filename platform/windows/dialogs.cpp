@@ -41,7 +41,7 @@ INT_PTR CALLBACK GlobalVersionProc(HWND dialog, UINT message, WPARAM wparam, LPA
     switch (message) {
     case WM_INITDIALOG:
         SetDlgItemTextW(dialog, IDC_APPLICATIONS, (L"Sound Editor, " + VersionText()).c_str());
-        MoveTo(dialog, InTheMiddle(dialog, AreaOf(TheMainWindow().window)));
+        MoveTo(dialog, OntoScreen(InTheMiddle(dialog, AreaOf(TheMainWindow().window))));
         return TRUE;
     case WM_COMMAND:
         if (LOWORD(wparam) == IDC_DETAILS) ShowVersionSnd(dialog);

@@ -15,6 +15,9 @@ from xscreen import wait_until
 
 
 WS_MAXIMIZE = 0x01000000
+WM_COMMAND = 0x111
+
+
 def stored_placement(prefix):
     return [int(field) for field in prefix.ask("getreg", SETTINGS, "WindwInformation").split(",")]
 
@@ -394,17 +397,35 @@ def test_about_is_modal_and_closes_in_every_way(editor, way):
     assert editor.main()["enabled"]
 
 
+def test_about_stands_on_the_screen_where_the_window_is_half_outside(bare):
+    bare.forget_settings()
+    bare.ask("setreg", SETTINGS, "WindwInformation", "1,500,-500,150,100")
+    editor = Editor(bare, None)
+    try:
+        editor.hwnd = wait_until(lambda: (editor.main() or {}).get("visible") and editor.main()["hwnd"], 20,
+                                 "the main window")
+        bare.ask("post", editor.hwnd, WM_COMMAND, editor.menu()["&About Sound Editor..."]["id"], 0)
+        left, top, right, bottom = wait_until(editor.dialogs, 8, "About")[0]["rect"]
+        assert left >= 0 and top >= 0 and right <= SCREEN_SIZE[0] and bottom <= SCREEN_SIZE[1]
+    finally:
+        editor.kill()
+
+
 def test_details_show_the_programs_own_about_window_in_the_middle_of_the_screen(editor):
     editor.choose("&About Sound Editor...")
     box = editor.wait_dialog("About Sound Editor")
+    before = editor.screen.focused_id()
     editor.screen.key("alt+d")
     own = wait_until(lambda: next((d for d in editor.dialogs() if d["hwnd"] != box["hwnd"]), None), 5, "the details")
+    editor.wait_keyboard_leaves(before)
     texts = [child["text"] for child in editor.children(own["hwnd"])]
     assert any(text.startswith("Version ") for text in texts)
     left, top, right, bottom = own["rect"]
     assert [left + right, top + bottom] == near(SCREEN_SIZE, 4)
+    before = editor.screen.focused_id()
     editor.screen.key("enter")
     wait_until(lambda: len(editor.dialogs()) == 1, 5, "the details' end")
+    editor.wait_keyboard_leaves(before)
     editor.screen.key("escape")
     wait_until(lambda: not editor.dialogs(), 5, "the box's end")
 
