@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <cstring>
 
 namespace tonex {
 
@@ -127,6 +128,15 @@ std::uint8_t ToByte(float coverage) {
     return static_cast<std::uint8_t>(std::min(std::abs(coverage), 1.0F) * 255.0F + 0.5F);
 }
 
+constexpr int kRun = 4; ///< pixels that are looked at together
+
+/// Whether nothing begins or ends in a run of pixels: its differences are zeros to the bit.
+bool IsEvenRun(const float* differences) {
+    std::uint64_t halves[2];
+    std::memcpy(halves, differences, sizeof halves);
+    return (halves[0] | halves[1]) == 0;
+}
+
 } // namespace
 
 Raster MakeRaster(int width, int height) {
@@ -212,6 +222,9 @@ CoverageMask FinishMask(const Raster& raster) {
         std::uint8_t covered = 0;
         for (int x = 0; x < raster.width; ++x) {
             // Most pixels are covered as their neighbour is.
+            for (; x + kRun <= raster.width && IsEvenRun(row + x); x += kRun)
+                std::memset(out + x, covered, kRun);
+            if (x == raster.width) break;
             if (row[x] != 0) {
                 sum += row[x];
                 covered = ToByte(sum);
