@@ -26,11 +26,12 @@ float OutlineWidth(const NoteLength& form) {
     return form.division == 1 ? kWholeHeadWidth : kHeadWidth;
 }
 
-/// The last of several flags has the tail, those before it end sooner.
+/// The last of several flags has the tail, those before it end sooner. Dots below it and the head above three
+/// flags of a stem down make the tail shorter.
 Outline FlagOf(const Flags& flags, int index) {
     if (flags.count == 1) return kFlag;
     if (index < flags.count - 1) return kInnerFlag;
-    return flags.brief ? kShortLastFlag : kLastFlag;
+    return flags.brief || (flags.count == 3 && !flags.up) ? kShortLastFlag : kLastFlag;
 }
 
 /// Flags from the stem's free end towards its head, whole pixels apart, so that all of them look alike.

@@ -304,7 +304,8 @@ int StaffLinePixels(float pixels_per_twip) {
 }
 
 int BarLinePixels(float pixels_per_twip) {
-    return std::max(1, static_cast<int>(pixels_per_twip * 0.16F * kStaffSpace + 0.5F));
+    const int thick = static_cast<int>(pixels_per_twip * 0.16F * kStaffSpace + 0.5F);
+    return thick < 2 ? 1 : std::max(thick, StaffLinePixels(pixels_per_twip) + 1);
 }
 
 int StaffLineRow(float y) {

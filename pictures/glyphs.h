@@ -22,10 +22,11 @@ struct PictureBox {
 /// Where the treble clef with its small 8 stands when the staff lines are at 1170, 1290, 1410, 1530 and 1650.
 inline constexpr PictureBox kClefBox{60, 810, 600, 1080};
 
-/// How thick staff lines and stems are at this scale, in pixels (1 up to 150 %, 2 at 200 %).
+/// How thick staff lines and stems are at this scale, in pixels (1 up to 150 %, 2 at 175 and 200 %).
 int StaffLinePixels(float pixels_per_twip);
 
-/// How thick bar lines and ledger lines are, in pixels (1 at 100 %, 2 at 125 and 150 %, 3 at 200 %).
+/// How thick bar lines and ledger lines are, in pixels (1 at 100 %, 2 at 125 and 150 %, 3 at 175 and 200 %):
+/// thicker than staff lines, but for small scales, where a second pixel would be too much.
 int BarLinePixels(float pixels_per_twip);
 
 /// The first pixel row of a staff line at the height `y` (in pixels, 0 or more): lines are always whole rows,

@@ -17,7 +17,7 @@ inline constexpr float kHeadWidth = 1.18F, kWholeHeadWidth = 1.52F; ///< spaces
 extern const Outline kFlag;          ///< the only flag: 2.75 spaces high
 extern const Outline kInnerFlag;     ///< one of several that has another below it: 1.2 spaces high
 extern const Outline kLastFlag;      ///< the last of several: 2 spaces high
-extern const Outline kShortLastFlag; ///< the same above dots: 1.7 spaces high
+extern const Outline kShortLastFlag; ///< the same with a shorter tail: 1.7 spaces high
 
 extern const Outline kQuarterRest; ///< around the middle line, from x = 0.08 to 1.08 spaces
 extern const Outline kRestHook;    ///< of a short rest: ball and crescent; the stem's top right is at (0, 0)

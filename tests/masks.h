@@ -21,7 +21,7 @@ inline constexpr TestScale kScreenScales[] = {
 /// Those, and staff spaces of other whole pixels, as small and large windows have them.
 inline std::vector<TestScale> AllScales() {
     std::vector<TestScale> scales(std::begin(kScreenScales), std::end(kScreenScales));
-    for (const int space : {5, 6, 7, 9, 18, 24})
+    for (const int space : {5, 6, 7, 9, 11, 13, 15, 18, 24, 32})
         scales.push_back({space * 100 / 8, static_cast<float>(space) / 120});
     return scales;
 }
