@@ -79,6 +79,23 @@ TEST(Player, AProgramIsToldTheSoundsNameAndTheNextOneIsNot) {
     EXPECT_EQ(GetEnvironmentVariableW(kSoundNameVariable, nullptr, 0), 0u);
 }
 
+TEST(Player, AProgramIsAskedToShowItselfAsUsual) {
+    const ProcessHandle process =
+        OpenProcessForQuery(StartCommandLine(Quoted(TestProgram()) + L" child-show-state"));
+    EXPECT_EQ(WaitForEnd(process), static_cast<std::uint32_t>(SW_SHOWNORMAL));
+    CloseProcess(process);
+}
+
+TEST(Player, ADocumentsProgramIsAskedToShowItselfAsUsual) {
+    const PlayableKind kind(Quoted(TestProgram()) + L" child-show-state");
+    const TestFolder folder;
+    WriteBytes(folder / L"a.tnxtest", "x");
+    ProcessHandle process = 0;
+    ASSERT_TRUE(StartDocument(folder / L"a.tnxtest", L"Play", process));
+    EXPECT_EQ(WaitForEnd(process), static_cast<std::uint32_t>(SW_SHOWNORMAL));
+    CloseProcess(process);
+}
+
 TEST(Player, AMissingProgramDoesNotStart) {
     EXPECT_EQ(StartCommandLine(L"no-such-player-here /play /close C:\\a.wav"), 0u);
     EXPECT_EQ(StartCommandLine(L""), 0u);

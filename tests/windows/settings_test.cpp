@@ -61,6 +61,21 @@ TEST(Registry, AMissingKeyIsNull) {
     EXPECT_FALSE(OpenUserKey(L"Software\\Tonex tests\\none"));
 }
 
+TEST(Registry, AKeyIsOpenedForQueriesOnly) {
+    const TestKey key(L"Software\\Tonex tests");
+    key.SetText(L"InstallDir", L"C:\\Link\\");
+    const RegistryKeyPtr opened = OpenUserKey(L"Software\\Tonex tests");
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(QueryTextSize(*opened, L"InstallDir"), 9u);
+    const HKEY handle = *reinterpret_cast<HKEY*>(opened.get()); // all that the record holds
+    EXPECT_EQ(RegSetValueExW(handle, L"InstallDir", 0, REG_SZ, nullptr, 0), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(RegDeleteValueW(handle, L"InstallDir"), ERROR_ACCESS_DENIED);
+    wchar_t name[8];
+    DWORD length = 8;
+    EXPECT_EQ(RegEnumKeyExW(handle, 0, name, &length, nullptr, nullptr, nullptr, nullptr),
+              ERROR_ACCESS_DENIED);
+}
+
 TEST(Registry, SizesCountTheEndingNul) {
     const TestKey key(L"Software\\Tonex tests");
     key.SetText(L"InstallDir", L"C:\\Link\\");

@@ -150,6 +150,14 @@ DWORD Child::ExitCode() {
     return code;
 }
 
+/// How the program was asked to show itself; 97 when it was not asked.
+int ShowStateAskedFor() {
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    GetStartupInfoW(&startup);
+    return (startup.dwFlags & STARTF_USESHOWWINDOW) != 0 ? startup.wShowWindow : 97;
+}
+
 int RunAsChild(int count, wchar_t** arguments) {
     if (count < 2) return -1;
     const std::wstring_view task = arguments[1];
@@ -158,6 +166,7 @@ int RunAsChild(int count, wchar_t** arguments) {
         Sleep(kPatience * 3);
         return 96;
     }
+    if (task == L"child-show-state") return ShowStateAskedFor();
     if (task == L"child-at-home") return IsInProgramFolder() ? 0 : 1;
     if (task == L"child-number") return static_cast<int>(UniqueNumber());
     if (task == L"child-instance") return RunInstanceProbe();
