@@ -146,7 +146,7 @@ TEST_F(Discovery, AFileOfTheFoldersNameIsNotTheFolder) {
     desk.files[L"C:\\Link\\userdata\\sound"] = {{1, 2, 3}};
     desk.files[L"C:\\Link\\UserData"] = {{1, 2, 3}};
     EXPECT_TRUE(DiscoverLinkSoftware(window));
-    EXPECT_EQ(desk.messages.size(), 1u);
+    EXPECT_EQ(desktop::Told(), std::vector<std::wstring>{kMissing});
 }
 
 TEST_F(Discovery, WithNeitherUserFolderOneWarningAndTheProgramGoesOn) {

@@ -29,6 +29,28 @@ def wait_until(predicate, timeout=10.0, what="condition", step=0.01):
         time.sleep(step)
 
 
+def holds(predicate, seconds, what):
+    """Looks for so long whether something stays true that must: for what can only be seen by waiting, that nothing
+    happens."""
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        assert predicate(), f"no longer: {what}"
+        time.sleep(0.02)
+
+
+def settled(read, quiet=0.4, timeout=10.0):
+    """What is read, once it has been the same for a while."""
+    end = time.monotonic() + timeout
+    last, since = read(), time.monotonic()
+    while time.monotonic() - since < quiet:
+        assert time.monotonic() < end, f"not at rest within {timeout} s: {last!r}"
+        time.sleep(0.02)
+        now = read()
+        if now != last:
+            last, since = now, time.monotonic()
+    return last
+
+
 class Screen:
     """One X display."""
 

@@ -194,7 +194,7 @@ class Editor:
                     assert item["enabled"], f"{caption} is disabled"
                     letter = re.search("&(.)", caption)[1].lower()
                     self.screen.key("alt+" + re.search("&(.)", top["text"])[1].lower())
-                    time.sleep(0.15)
+                    self.wait_popup()
                     self.screen.key(letter)
                     return
         raise AssertionError(f"no menu item {caption}")
@@ -202,7 +202,6 @@ class Editor:
     def wait_popup(self):
         wait_until(lambda: any(window["class"] == MENU_CLASS and window["visible"] for window in self.windows()), 5,
                    "the pop-up menu")
-        time.sleep(0.15)
 
     def click_tool(self, tooltip):
         button = self.toolbar()[tooltip]
@@ -292,6 +291,10 @@ class Editor:
     def tempo_box(self):
         return self.prefix.ask("combo", self.child("ComboBox")["hwnd"])
 
+    def list_dropped(self):
+        """Whether the box's list is open."""
+        return any(window["class"] == "ComboLBox" and window["visible"] for window in self.windows())
+
     def click_tempo(self):
         """Into the box's text."""
         left, top, _, bottom = self.child("ComboBox")["rect"]
@@ -308,7 +311,12 @@ class Editor:
         self.choose("Save to PC &as...")
         self.file_dialog("Save to PC", windows_path(path))
 
+    def wait_input_done(self):
+        """Until the window has taken what was pressed and clicked: what is posted to it would overtake that."""
+        wait_until(lambda: not self.prefix.ask("pendinginput", self.hwnd), 8, "the end of the input")
+
     def close(self):
+        self.wait_input_done()
         self.prefix.ask("post", self.hwnd, WM_CLOSE, 0, 0)
 
     def close_with_reminder(self, tick=False):

@@ -13,7 +13,7 @@ import pytest
 from building import PRODUCT
 from sound_device import Device, NoDevice, assert_heard, noise, wav_bytes
 from wine_paths import windows_path
-from xscreen import wait_until
+from xscreen import holds, wait_until
 
 PLAYER = pathlib.Path(os.environ.get("TONEX_PLAYER", PRODUCT / "sndrec32.exe"))
 TITLE = "Sound Player"
@@ -248,8 +248,7 @@ def test_position_bar_moves(player, screen):
         return sum(count for count, (red, _, blue) in row.getcolors(row.width) if blue > red + 60)  # the bar's blue
 
     first = filled()
-    time.sleep(3)
-    assert filled() > first + 5
+    wait_until(lambda: filled() > first + 5, 10, "a longer bar")
 
 
 def test_without_close_the_window_stays_and_plays_again(device, screen, tmp_path):
@@ -260,14 +259,13 @@ def test_without_close_the_window_stays_and_plays_again(device, screen, tmp_path
     try:
         wait_until(lambda: screen.focused_title().startswith(TITLE), 20, "the player's window to have the keyboard")
         wait_until(lambda: len(device.sound()) >= len(samples), 10, "the sound")
-        time.sleep(1)
-        assert process.poll() is None
+        holds(lambda: process.poll() is None, 1, "the player stays")
         assert_heard(device, samples)
         device.kept.unlink()
         screen.key("enter")
         wait_until(lambda: len(device.sound()) >= len(samples), 10, "the sound again")
         assert_heard(device, samples)
-        time.sleep(1)
+        screen.settled_picture_of(screen.find(TITLE))  # of the end of the sound
         screen.key("escape")
         assert process.wait(10) == PLAYED
     finally:

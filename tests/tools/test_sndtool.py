@@ -594,7 +594,7 @@ def test_no_progress_bar_without_a_terminal(sndtool, tmp_path):
     (tmp_path / "long.snd").write_bytes(snd([(38, 64)] * 60, tempo_byte=32))
     running = subprocess.Popen(sndtool.command("wav", "long.snd", "-o", "-"), cwd=tmp_path,
                                env=sndtool.environment(), stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-    time.sleep(1.5)
+    time.sleep(1.5)  # the samples wait for their reader, longer than work without a bar takes
     out, told = running.communicate(timeout=60)
     assert (running.returncode, told) == (0, b"")
     assert len(out) == 44 + 60 * 8 * RATE

@@ -1,7 +1,5 @@
 """Composing with mouse and keyboard: lengths, keys, grid, strip, names, tempo."""
 
-import time
-
 import pytest
 
 from melody import Melody
@@ -230,7 +228,7 @@ def test_tempo_typed_and_chosen_is_saved(editor, tmp_path):
     wait_until(lambda: editor.tempo_box()["selected"] == items.index("60"), 5, "the tempo of the file")
     following = items[items.index("60") + 1]
     editor.screen.click(box["rect"][2] - 8, (box["rect"][1] + box["rect"][3]) // 2)
-    time.sleep(0.2)
+    wait_until(editor.list_dropped, 5, "the open list")
     editor.screen.key("down")
     editor.screen.key("enter")
     wait_until(lambda: editor.tempo_box()["text"].strip() == following, 5, "the chosen tempo")

@@ -1,7 +1,5 @@
 """The edit commands by menu, toolbar, shortcut and pop-up menu, and what is enabled when, in the real menu and toolbar."""
 
-import time
-
 import pytest
 
 from commands import by_menu, by_popup, by_shortcut, by_toolbar

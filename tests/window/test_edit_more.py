@@ -1,8 +1,6 @@
 """More of the edit commands in the real window: the strip's pop-up menu, enabling after every command with a sound
 device, and the limits of a full score."""
 
-import time
-
 import pytest
 
 from commands import by_menu, by_popup, by_shortcut, by_strip_popup, by_toolbar

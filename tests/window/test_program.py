@@ -3,7 +3,6 @@
 import os
 import re
 import shutil
-import time
 
 import pytest
 
@@ -13,7 +12,7 @@ from melody import Melody
 from prefix import SETTINGS, Prefix
 from wine_paths import windows_path
 from words import UNTITLED
-from xscreen import wait_until
+from xscreen import settled, wait_until
 
 
 
@@ -47,7 +46,6 @@ def test_two_copies_started_at_once_leave_one(start, prefix, screen):
     for _ in range(5):
         copies = [start(ready=False) for _ in range(2)]
         wait_until(lambda: sum(copy.process.poll() is not None for copy in copies) == 1, 20, "the end of one copy")
-        time.sleep(0.5)
         running = [copy for copy in copies if copy.process.poll() is None]
         assert len(running) == 1
         running[0].wait_ready()
@@ -72,8 +70,7 @@ def test_the_placement_is_kept_over_a_restart(screen, dpi):
         screen.frame_of(window).configure(x=123, y=77)
         screen.display.sync()
         wait_until(lambda: screen.rect_of(screen.find("Sound Editor - "))[2] == size[2] + 90, 5, "the new size")
-        time.sleep(0.5)
-        before = editor.main()["rect"]
+        before = settled(lambda: editor.main()["rect"])
         editor.close()
         editor.wait_end()
         stored = prefix.ask("getreg", SETTINGS, "WindwInformation").split(",")

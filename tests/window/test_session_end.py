@@ -1,7 +1,5 @@
 """Logging off, and what other programs send while a box is open: one question at a time, and nothing is lost."""
 
-import time
-
 import pytest
 
 from editor import WM_CLOSE
@@ -10,6 +8,7 @@ from melody import TUNE, Melody
 from prefix import SETTINGS
 from wine_paths import windows_path
 from words import ASK, UNTITLED
+from xscreen import holds
 
 WM_QUERYENDSESSION, WM_ENDSESSION = 0x11, 0x16
 PLACE = "WindwInformation"
@@ -103,8 +102,7 @@ def test_a_second_box_does_not_open_over_a_prompt(start, melody, prefix, sent):
         prefix.ask("drop", editor.hwnd, windows_path(other))
     else:
         prefix.ask("post", editor.hwnd, WM_QUERYENDSESSION, 0, 0)
-    time.sleep(NEITHER_BOX_NOR_END)
-    assert [dialog["hwnd"] for dialog in editor.dialogs()] == [box["hwnd"]]
+    holds(lambda: [dialog["hwnd"] for dialog in editor.dialogs()] == [box["hwnd"]], NEITHER_BOX_NOR_END, "one box")
     editor.answer(box, "Cancel")
     editor.no_dialog()
     assert editor.caption() == UNTITLED
@@ -115,8 +113,7 @@ def test_a_file_dialog_is_not_closed_over(editor, prefix):
     editor.choose("&Open on PC...")
     dialog = editor.wait_dialog("Open on PC")
     prefix.ask("post", editor.hwnd, WM_CLOSE, 0, 0)
-    time.sleep(NEITHER_BOX_NOR_END)
-    assert [window["hwnd"] for window in editor.dialogs()] == [dialog["hwnd"]]
+    holds(lambda: [window["hwnd"] for window in editor.dialogs()] == [dialog["hwnd"]], NEITHER_BOX_NOR_END, "one box")
     assert editor.process.poll() is None
     editor.file_dialog("Open on PC")
     editor.close()

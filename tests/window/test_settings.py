@@ -1,7 +1,5 @@
 """What the program keeps between two runs, help and the small windows, in the real program."""
 
-import time
-
 import pytest
 
 from building import WINDOWS_BUILD, program
@@ -11,7 +9,7 @@ from melody import Melody
 from prefix import DEVICE_FOLDER, GLOBAL_SETTINGS, LINK_ENTRY, SCREEN_SIZE, SETTINGS, Prefix, virtual_screen
 from wine_paths import windows_path
 from words import ASK, DOREMI, NOT_AGAIN, READ_ERROR, REMINDER, REMINDER_ITEM, UNTITLED
-from xscreen import wait_until
+from xscreen import holds, settled, wait_until
 
 
 WS_MAXIMIZE = 0x01000000
@@ -70,7 +68,7 @@ def test_a_maximised_window_comes_back_maximised_over_the_same_normal_place(scal
     normal = first.main()["rect"]
     scaled.ask("post", first.hwnd, *MAXIMISE)
     wait_until(lambda: maximised(first), 5, "the maximised window")
-    time.sleep(0.3)
+    settled(lambda: first.main()["rect"])
     first.close()
     first.wait_end()
     stored = stored_placement(scaled)
@@ -141,8 +139,7 @@ def test_a_place_that_can_be_reached_is_restored_exactly(bare, stored, rect):
     editor = Editor(bare, None)
     try:
         wait_until(lambda: editor.main() and editor.main()["visible"], 20, "the main window")
-        time.sleep(0.3)
-        assert editor.main()["rect"] == rect
+        assert settled(lambda: editor.main()["rect"]) == rect
         assert not editor.main()["minimised"]
         editor.hwnd = editor.main()["hwnd"]
         editor.close()
@@ -290,7 +287,7 @@ def test_do_re_mi_is_kept_over_a_restart(start, prefix, melody):
     editor = start(path)
     letters = editor.names()
     editor.screen.key("alt+v")
-    time.sleep(0.15)
+    editor.wait_popup()
     editor.screen.key("d")
     wait_until(lambda: editor.names() != letters, 5, "do-re-mi names")
     doremi = editor.names()
@@ -360,8 +357,7 @@ def test_f1_with_a_shift_key_opens_nothing(start, prefix, tmp_path, chord):
     note = prefix.opened_pages(tmp_path)
     editor = start()
     editor.screen.key(chord)
-    time.sleep(1.5)
-    assert not note.exists()
+    holds(lambda: not note.exists(), 1.5, "no guide")
     editor.screen.key("f1")
     wait_until(lambda: note.exists() and note.read_text().count("Veloxa.htm") == 1, 15, "the opened guide")
 
@@ -373,8 +369,9 @@ def test_f1_from_every_control(start, prefix, tmp_path):
     for stop in range(1, 7):
         editor.screen.key("f1")
         wait_until(lambda: note.exists() and note.read_text().count("Veloxa.htm") == stop, 15, f"guide {stop}")
+        before = editor.focused_item()
         editor.screen.key("tab")
-        time.sleep(0.1)
+        wait_until(lambda: editor.focused_item() != before, 5, f"what follows {before}")
 
 
 @pytest.mark.parametrize("way", ["enter", "escape", "click", "close"])

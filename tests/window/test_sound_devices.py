@@ -1,7 +1,5 @@
 """Sound devices that come and go, and what a grey Preview says about it."""
 
-import time
-
 import pytest
 
 from building import WINDOWS_BUILD, program
@@ -64,7 +62,6 @@ def test_the_tooltip_shows_over_the_grey_button(start, melody):
     assert not editor.toolbar()[PREVIEW_TOOL]["enabled"]
     x, y = editor.centre(editor.toolbar()[PREVIEW_TOOL]["rect"])
     editor.screen.move(x - 100, y)
-    time.sleep(0.2)
     editor.screen.move(x, y)
     editor.screen.move(x + 1, y)
     wait_until(lambda: shown_tooltip(editor) == DEAF, 5, "the tooltip")

@@ -1,7 +1,5 @@
 """The tempo box: what it shows, the name beside it and what is saved are one tempo, whatever the list does."""
 
-import time
-
 import pytest
 
 from melody import Melody
@@ -23,18 +21,13 @@ def shown_tempo(editor):
     return editor.tempo_box()["text"].strip()
 
 
-def dropped(editor):
-    return any(window["class"] == "ComboLBox" and window["visible"] for window in editor.windows())
-
-
 def open_list(editor, how):
     left, top, right, bottom = editor.child("ComboBox")["rect"]
     if how == "F4":
         editor.screen.key("f4")
     else:
         editor.screen.click(right - 8, (top + bottom) // 2)
-    wait_until(lambda: dropped(editor), 5, "the open list")
-    time.sleep(0.1)
+    wait_until(editor.list_dropped, 5, "the open list")
 
 
 def close_list(editor, how):
@@ -43,22 +36,17 @@ def close_list(editor, how):
     else:
         left, top, right, bottom = editor.child("ComboBox")["rect"]
         editor.screen.click(right - 8, (top + bottom) // 2)
-    wait_until(lambda: not dropped(editor), 5, "the closed list")
-    time.sleep(0.1)
+    wait_until(lambda: not editor.list_dropped(), 5, "the closed list")
 
 
 def is_changed(editor):
     """Whether closing would ask; the question is cancelled."""
     editor.close()
-    deadline = time.monotonic() + 1.5
-    while time.monotonic() < deadline:
-        if editor.process.poll() is not None:
-            return False
-        if editor.dialogs():
-            editor.message(ASK, "Cancel")
-            return True
-        time.sleep(0.02)
-    raise AssertionError("neither a question nor the end")
+    wait_until(lambda: editor.process.poll() is not None or editor.dialogs(), 8, "a question or the end")
+    if editor.process.poll() is not None:
+        return False
+    editor.message(ASK, "Cancel")
+    return True
 
 
 def selected_in_list(editor):
@@ -87,7 +75,7 @@ def test_a_list_opened_and_left_keeps_the_tempo(loaded, opened, leave):
 def test_enter_in_the_open_list_chooses_the_tempo_in_force(loaded, tmp_path):
     open_list(loaded, "F4")
     loaded.screen.key("enter")
-    wait_until(lambda: not dropped(loaded), 5, "the closed list")
+    wait_until(lambda: not loaded.list_dropped(), 5, "the closed list")
     assert (shown_tempo(loaded), tempo_name(loaded)) == (loaded.tempo, NAMES[loaded.tempo])
     loaded.save_as(tmp_path / "SAME.SND")
     loaded.wait_caption("Sound Editor - PC:SAME.SND")

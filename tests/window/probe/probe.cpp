@@ -327,6 +327,9 @@ std::string FocusItem(const Words& words) {
 std::string InputMethod(const Words& words) {
     return AskInside(kInputMethod, words);
 }
+std::string PendingInput(const Words& words) {
+    return AskInside(kPendingInput, words);
+}
 std::string TextSize(const Words& words) {
     return AskInside(kTextSize, words);
 }
@@ -410,6 +413,7 @@ constexpr Command kCommands[] = {
     {"pressitem", 3, PressItem},
     {"focusitem", 3, FocusItem},
     {"inputmethod", 2, InputMethod},
+    {"pendinginput", 2, PendingInput},
     {"textsize", 2, TextSize},
     {"messagefont", 3, MessageFont},
     {"failcall", 3, FailCall},

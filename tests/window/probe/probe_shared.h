@@ -25,7 +25,8 @@ enum Request : WPARAM {
     kMessageFont,
     kFailCall,
     kFailCallsFrom,
-    kProcess
+    kProcess,
+    kPendingInput
 };
 
 /// UTF-8 of wide text.
