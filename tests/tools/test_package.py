@@ -193,8 +193,15 @@ class Pc:
         """The installer's window."""
         return self.box(SETUP.name, TITLE)
 
+    def finish_setup(self, setup):
+        """From the page of choices to the installer's end."""
+        self.press(self.page(), NEXT)
+        wait_until(lambda: "Completed" in self.texts(self.page()), 60, "the end of the installation")
+        self.press(self.page(), NEXT)
+        assert setup.wait(20) == DONE
+
     def checked(self, page):
-        """The texts of the round buttons that are chosen."""
+        """The texts of the buttons that are chosen."""
         chosen = 0x1  # BST_CHECKED, as BM_GETCHECK tells it
         return [child["text"] for child in self.prefix.ask("children", page["hwnd"])
                 if child["class"] == "Button" and self.prefix.ask("checked", child["hwnd"]) == chosen]
@@ -282,10 +289,7 @@ def test_its_pages_ask_one_question_and_open_melodies_where_that_is_ticked(pc):
     assert "There is none" in texts and "a folder that stands for it, is there" in texts
     assert pc.checked(page) == ["There is none: &make a folder in my documents instead"]
     pc.click(page, "&Open melody files (.snd) with the Sound Editor")
-    pc.press(page, NEXT)
-    wait_until(lambda: "Completed" in pc.texts(pc.page()), 60, "the end of the installation")
-    pc.press(pc.page(), NEXT)
-    assert setup.wait(20) == DONE
+    pc.finish_setup(setup)
     assert_installed(pc)
     assert pc.value(SND_CLASS, "") == "SoundEditor.Melody"
     # A melody opens in the editor by its name alone. Wine's shell knows the machine's classes only, Windows both.
@@ -300,6 +304,27 @@ def test_its_pages_ask_one_question_and_open_melodies_where_that_is_ticked(pc):
     pc.press(page, NEXT)
     pc.wait_uninstalled_page()
     pc.assert_as(before)
+
+
+def test_the_other_choice_makes_no_folder(pc):
+    setup = pc.start_setup()
+    pc.click(pc.page(), "The &link software, or a folder that stands for it, is there")
+    pc.finish_setup(setup)
+    assert_installed(pc)
+    assert pc.value(LINK_ENTRY, "InstallDir") is None
+
+
+def test_an_upgrade_by_pages_knows_what_was_chosen_and_takes_it_back(pc):
+    assert pc.install("/SND") == DONE
+    before = files_of(pc.prefix)
+    setup = pc.start_setup()
+    page = pc.page()
+    box = "&Open melody files (.snd) with the Sound Editor"
+    assert pc.checked(page) == ["The &link software, or a folder that stands for it, is there", box]
+    pc.click(page, box)
+    pc.finish_setup(setup)
+    assert files_of(pc.prefix) == before
+    assert pc.value(SND_CLASS, "") is None and pc.value(MELODY_CLASS, "") is None
 
 
 def test_cancelling_changes_nothing(pc):
@@ -413,10 +438,7 @@ def test_the_link_software_and_its_choices_stay(suite_pc):
     page = pc.page()
     assert INSTALL_DIR in " ".join(pc.texts(page))
     assert pc.checked(page) == ["The &link software, or a folder that stands for it, is there"]
-    pc.press(page, NEXT)
-    wait_until(lambda: "Completed" in pc.texts(pc.page()), 60, "the end of the installation")
-    pc.press(pc.page(), NEXT)
-    assert setup.wait(20) == DONE
+    pc.finish_setup(setup)
     editor = pc.editor()
     editor.close()
     assert editor.wait_end() == 0
