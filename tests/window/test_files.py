@@ -133,8 +133,12 @@ def test_save_as_over_another_file_asks_and_replaces(editor, melody):
     editor.answer(box, "Yes")
     editor.wait_caption("Sound Editor - PC:THERE.SND")
     wait_until(lambda: Melody.text(path)[1:] == ["d4 1/4"], 5, "the replaced file")
+    # The keyboard is back although there was a question.
+    editor.wait_keyboard_at(editor.main())
+    wait_until(lambda: editor.focus()["class"] == "TonexGrid", 5, "the keyboard on the grid")
     editor.screen.key("home")
-    editor.screen.key("+")  # the keyboard is back although there was a question
+    editor.wait_selected([0])
+    editor.screen.key("+")
     wait_until(lambda: editor.cell_texts()[0] == "d4#", 5, "a raised note by the keyboard alone")
 
 
