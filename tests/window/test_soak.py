@@ -1,7 +1,9 @@
 """Random work in the real window by mouse and keyboard, with files and previews, against the simple second model.
 
 A few dozen steps in the suite; tests/soak_run goes on for as long as it is told. What the process holds (handles, GDI
-objects, windows, memory) must be the same at the end as after the first part.
+objects, windows, memory) must be the same at the end as after the first part. Two things Wine itself never gives back,
+in whatever program: a handle of each file dialog, and about 1 KB of each question of a screen reader, which is how the
+test reads the panels. Both are counted and taken off.
 """
 
 import json
@@ -19,7 +21,7 @@ from xscreen import wait_until
 
 MINUTES = float(os.environ.get("TONEX_SOAK_MINUTES", "0"))
 SEED = int(os.environ.get("TONEX_SOAK_SEED", "1"))
-STEPS = 60  # where no time is told
+STEPS = 30  # where no time is told
 LETTERS = ["a#", "b", "c", "c#", "d", "d#", "e", "f", "f#", "g", "g#", "a"]
 TEMPOS = [640, 320, 160, 120, 96, 64, 48, 30]  # of the list
 LOWEST, HIGHEST = 27, 75  # pitches of the piano
@@ -74,6 +76,7 @@ class User:
         assert len(self.lengths) == 40
         self.tempo = 120
         self.saved = 0
+        self.file_dialogs = 0
         self.done = []
 
     # --- what the window has to show
@@ -232,6 +235,7 @@ class User:
         self.saved += 1
         path = self.folder / f"SOAK{self.saved % 5}.SND"
         path.unlink(missing_ok=True)
+        self.file_dialogs += 1
         self.editor.save_as(path)
         self.editor.wait_caption(f"Sound Editor - PC:{path.name}")
         lines = Melody.text(path)
@@ -243,6 +247,7 @@ class User:
 
     def save_and_open(self):
         path = self.save()
+        self.file_dialogs += 1
         self.editor.choose("&Open on PC...")
         self.editor.file_dialog("Open on PC", windows_path(path))
         self.model.tell("reload")
@@ -266,21 +271,55 @@ class User:
     ACTS = {key: 20, length: 8, into_grid: 6, type_signs: 4, drag: 6, arrows: 5, copy: 4, cut: 3, paste: 4, insert: 3,
             delete: 6, undo: 5, transpose: 3, scroll: 3, choose_tempo: 2, save: 1, save_and_open: 1, new: 1, preview: 1}
 
-    def step(self):
-        act = self.random.choices(list(self.ACTS), list(self.ACTS.values()))[0]
-        if len(self.model.entries) > 150:
-            act = User.new
+    def do(self, act):
         self.done.append(act.__name__)
         act(self)
         self.check()
 
+    def step(self):
+        act = self.random.choices(list(self.ACTS), list(self.ACTS.values()))[0]
+        self.do(User.new if len(self.model.entries) > 150 else act)
 
-def held(editor):
-    """What the process holds, with an empty melody; memory in KB."""
-    numbers = editor.prefix.ask("process", editor.hwnd)
-    status = open(f"/proc/{editor.process.pid}/status", encoding="ascii").read().split()
-    return {"handles": numbers["handles"], "gdi": numbers["gdi"], "windows": len(editor.windows() + editor.children()),
-            "memory": int(status[status.index("RssAnon:") + 1])}
+
+class Watch:
+    """What the process holds with an empty melody, without what Wine keeps."""
+
+    def __init__(self, user):
+        self.user, self.editor = user, user.editor
+        self.questions, self.cost = 0, 0.0
+        self.ask = self.editor.prefix.ask
+        self.editor.prefix.ask = self.counted
+        self.cost = self.cost_of_a_question()
+
+    def counted(self, *words):
+        self.questions += words[0] == "accessible"
+        return self.ask(*words)
+
+    def memory(self):
+        """In KB."""
+        status = open(f"/proc/{self.editor.process.pid}/status", encoding="ascii").read().split()
+        return int(status[status.index("RssAnon:") + 1])
+
+    def cost_of_a_question(self):
+        """KB that Wine keeps of each; the object that the editor gives for the answer is counted and ends."""
+        panel = self.editor.child("TonexGrid")["hwnd"]
+        for _ in range(100):  # until its tables have grown
+            self.ask("accessible", panel)
+        before = self.memory()
+        for _ in range(400):
+            self.ask("accessible", panel)
+        cost = (self.memory() - before) / 400
+        assert cost < 2, f"{cost} KB a question: more than Wine keeps"
+        return cost
+
+    def held(self):
+        numbers = self.ask("process", self.editor.hwnd)
+        return {"handles": numbers["handles"] - self.user.file_dialogs, "gdi": numbers["gdi"],
+                "windows": len(self.editor.windows() + self.editor.children()),
+                "memory": round(self.memory() - self.questions * self.cost)}
+
+    def end(self):
+        self.editor.prefix.ask = self.ask
 
 
 def work(user, seconds, steps):
@@ -295,16 +334,19 @@ def test_random_work_in_the_window_agrees_with_the_model_and_leaves_nothing(soun
     model = Model()
     editor = start()
     user = User(editor, model, tmp_path, SEED)
-    user.save()  # the last place and the dialogs' own pieces belong to the first part
+    for act in User.ACTS:  # what the system loads once belongs to the first part
+        user.do(act)
     work(user, min(60, MINUTES * 6), STEPS // 2)
-    first = last = held(editor)
+    watch = Watch(user)
+    first = last = watch.held()
     for minute in range(max(1, round(MINUTES))):
         work(user, 60 if MINUTES else 0, STEPS // 2)
-        last = held(editor)
-        print(f"minute {minute + 1}, {len(user.done)} steps: {last}", flush=True)
+        last = watch.held()
+        print(f"minute {minute + 1}, {len(user.done)} steps, {user.file_dialogs} file dialogs: {last}", flush=True)
+    watch.end()
     model.end()
     assert first["handles"] > 20 and first["gdi"] > 20, first
     assert last["windows"] == first["windows"], (first, last)
     assert abs(last["gdi"] - first["gdi"]) <= 4, (first, last)
-    assert abs(last["handles"] - first["handles"]) <= 8, (first, last)
-    assert last["memory"] <= first["memory"] * 1.1 + 500, (first, last)
+    assert abs(last["handles"] - first["handles"]) <= 4, (first, last)
+    assert last["memory"] <= first["memory"] + 1000, (first, last)
