@@ -184,10 +184,13 @@ class Pc:
     def press(self, window, button):
         self.prefix.ask("press", window["hwnd"], button)
 
-    def click(self, window, text):
-        child = next(child for child in self.prefix.ask("children", window["hwnd"]) if child["text"] == text)
+    def click(self, page, text):
+        """Presses a round button or a box of the page and waits until it shows that."""
+        child = next(child for child in self.prefix.ask("children", page["hwnd"]) if child["text"] == text)
         left, top, _, bottom = child["rect"]
+        before = text in self.checked(page)
         self.screen.click(left + 8, (top + bottom) // 2)
+        wait_until(lambda: (text in self.checked(page)) != before, 10, text)
 
     def page(self):
         """The installer's window."""
