@@ -198,8 +198,8 @@ def words_of(guide, topic_id):
 
 
 @pytest.mark.parametrize("topic, words", [
-    ("tempo", ['Save says "Read error!"', "nothing is written"]),
-    ("undo", ["Undo gives back the melody that was there before", "title stays that of the opened file"]),
+    ("tempo", ['Save says "Read error!"', "nothing is written", "closing asks no more"]),
+    ("undo", ["Undo gives back the melody that was there before", "an empty one", "title stays that of the opened file"]),
     ("no-sound", ["come back to the editor's window", "whenever the Edit menu opens", "tooltip says why"]),
     ("pc-files", ["a file that the second start was given is not opened"]),
     ("without-link", ["names a folder that is gone, counts as none"]),
