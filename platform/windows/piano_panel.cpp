@@ -111,9 +111,9 @@ void PaintWhite(Panel& panel, int item, const RECT& dirty) {
         TintArea(panel.canvas,
                  {inner.left + 1, inner.bottom - Scaled(scale, 4), inner.right - 1, inner.bottom - line},
                  edge, 36);
+    if (FocusShown(panel, item)) DrawFocusMark(panel, inner, ColoursOf(panel).select);
     const COLORREF text = Lit(panel, key) ? RGB(255, 255, 255) : RGB(32, 36, 42);
     PaintCaption(panel, LabelOf(RecordOf(panel), key), text);
-    if (FocusShown(panel, item)) DrawFocusMark(panel, inner, ColoursOf(panel).select);
 }
 
 void PaintBlack(Panel& panel, int item, const RECT& dirty) {

@@ -193,7 +193,7 @@ Fonts CreateFonts(const sndmain& window, const Scale& scale, float magnified) {
     const int height = std::max<int>(Scaled(scale, 12), wanted);
     const int row = ToPixelsY(scale, kColumnWidth); // a cell is as high as it is wide
     const int cell = CellTextWidth(scale), key = ToPixelsX(scale, kKeyLabelWidth);
-    const int white_key = key - Scaled(scale, 4), black_key = key - Scaled(scale, 2);
+    const int white_key = key - Scaled(scale, 6), black_key = key - Scaled(scale, 2);
     const int key_height = Scaled(scale, 11);
     Fonts fonts;
     fonts.tooltip = CreateFontIndirectW(&tooltip); // a small window leaves it room enough
