@@ -38,6 +38,8 @@ bool ListIsOpen(const MainWindow& main) {
 void Typed(MainWindow& main) {
     main.shown.tempo_text = TextOf(main.tempo);
     TempoComboChange(main.record, main.shown.tempo_text);
+    // What was typed stays when the list is left; only what the list chose is taken back.
+    if (main.tempo_state.before_list) main.tempo_state.before_list = CurrentTempo(main.record);
 }
 
 void Chosen(MainWindow& main) {

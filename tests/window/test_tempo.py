@@ -103,6 +103,24 @@ def test_escape_takes_back_what_the_arrows_chose_in_the_open_list(start, melody,
     assert not is_changed(editor)
 
 
+@pytest.mark.parametrize("leave", ["Escape", "piano"])
+def test_what_is_typed_over_the_open_list_stays_when_it_is_left(start, melody, leave):
+    editor = start(windows_path(melody("TYPED.SND", "tempo 64\nc5 1/4\n")))
+    editor.click_tempo()
+    open_list(editor, "F4")
+    editor.screen.key("ctrl+a")
+    editor.screen.type_text("90")
+    if leave == "Escape":
+        close_list(editor, leave)
+    else:
+        left, top, right, _ = editor.child("TonexPiano")["rect"]
+        editor.screen.click(left - 10, top)
+        wait_until(lambda: not dropped(editor), 5, "the closed list")
+    wait_until(lambda: (shown_tempo(editor), tempo_name(editor)) == ("90", "Moderato"), 2,
+               f"90, not {shown_tempo(editor)} {tempo_name(editor)}")
+    assert is_changed(editor)
+
+
 @pytest.mark.parametrize("typed,down,up", [("120", "108", "128"), ("64", "60", "70"), ("100", "96", "108"),
                                            ("30", "30", "32"), ("640", "480", "640"), ("7", "7", "30"),
                                            ("900", "640", "900"), ("x", "x", "30")])
