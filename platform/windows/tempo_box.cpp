@@ -192,6 +192,12 @@ void CreateTempoBox(MainWindow& main, HINSTANCE instance) {
 void TempoEvent(MainWindow& main, UINT notification) {
     if (notification == CBN_KILLFOCUS) Unmark(main);
     if (main.showing) return;
+    if (!TakesInput(main) && notification != CBN_SELENDCANCEL && notification != CBN_CLOSEUP) {
+        // Another program changed the box: what it showed before is shown again.
+        main.shown.tempo_text = TextOf(main.tempo);
+        main.shown.tempo_index = -2;
+        return;
+    }
     switch (notification) {
     case CBN_EDITCHANGE: Typed(main); break;
     case CBN_DROPDOWN: Opened(main); break;

@@ -9,6 +9,7 @@ from words import ASK, PREVIEW_TOOL
 from xscreen import wait_until
 
 STATE_UNAVAILABLE = 0x1
+CB_SETCURSEL, CBN_SELCHANGE = 0x14E, 1
 OF_A_LONG_MELODY = 60
 COLUMNS_SHOWN = 30
 SELECT = (0x33, 0x99, 0xFF)
@@ -241,6 +242,7 @@ def test_while_a_box_is_open_tools_enter_nothing_and_are_told_that_they_can_not(
     five.click_key("c5")
     before = [C, D, E, R, G, "c5, Quarter note", "End"]
     five.wait_names(before)
+    five.type_tempo("90")
     for panel in PANELS:
         states = [item["state"] for item in [five.accessible(panel), *five.items(panel)]]
         assert not any(state & STATE_UNAVAILABLE for state in states), panel
@@ -258,9 +260,19 @@ def test_while_a_box_is_open_tools_enter_nothing_and_are_told_that_they_can_not(
     delete = five.menu()["&Delete"]["id"]
     for command in (copy, delete):
         five.prefix.ask("post", five.hwnd, 0x111, command, 0)
+    # A tempo that a tool chooses.
+    combo = five.child("ComboBox")
+    tempo = five.tempo_box()["text"]
+    five.prefix.ask("post", combo["hwnd"], CB_SETCURSEL, 0, 0)
+    five.prefix.ask("post", five.hwnd, 0x111, combo["id"] | CBN_SELCHANGE << 16, combo["hwnd"])
+    wait_until(lambda: five.tempo_box()["text"] == tempo, 5, f"{tempo}, not {five.tempo_box()['text']}")
     five.answer(box, "Cancel")
-    assert five.names() == before
+    assert five.names() == before and five.tempo_box()["text"] == tempo
     # With the box closed they can again.
+    five.prefix.ask("post", combo["hwnd"], CB_SETCURSEL, 0, 0)
+    five.prefix.ask("post", five.hwnd, 0x111, combo["id"] | CBN_SELCHANGE << 16, combo["hwnd"])
+    wait_until(lambda: five.tempo_box()["text"] == " 640" and "Moderato" not in
+               [child["text"] for child in five.children()], 5, "the tempo that the tool chose")
     five.prefix.ask("pressitem", five.child("TonexPiano")["hwnd"], 1)
     five.wait_names([*before[:-1], "c4, Quarter note", "End"])
 
