@@ -1,8 +1,9 @@
-"""The staff drawn column by column looks as if it had been drawn anew: no neighbour leaves or takes ink."""
+"""The staff drawn column by column looks as if it had been drawn anew: no neighbour leaves or takes ink, and a picture
+stands alike in every column."""
 
 import pytest
 
-from editor import TITLE, Editor
+from editor import STATE_SELECTED, TITLE, Editor
 from melody import Melody
 from prefix import Prefix
 from wine_paths import windows_path
@@ -14,7 +15,7 @@ TALL = "tempo 120\n" + ("c4# 1/16..\nf7# 1/32\na4# 1/32t\n|\nc8 1/2..\nr 1/32t\n
 WHEEL_UP, WHEEL_DOWN = 4, 5
 
 
-@pytest.fixture(scope="module", params=[96, 120, 192])
+@pytest.fixture(scope="module", params=[96, 120, 168, 192])
 def tall(request, screen, tmp_path_factory):
     """An editor with the tall melody at a scale."""
     prefix = Prefix(f"redraw-{request.param}", dpi=request.param)
@@ -58,6 +59,22 @@ def assert_as_drawn_anew(editor):
     assert not differing, f"columns of pixels that differ: {differing}"
 
 
+def test_a_note_stands_at_one_place_of_every_column(tall):
+    """Columns are not all as wide, and their box is moved by the staff's offset: neither moves a head."""
+    left, top = tall.child("TonexStaff")["rect"][:2]
+    picture, first, compared = staff_picture(tall), {}, 0
+    for item in tall.items("TonexStaff"):
+        if item["state"] & STATE_SELECTED:
+            continue
+        x1, y1, x2, y2 = item["rect"]
+        column = picture.crop((x1 - left, y1 - top, x2 - left, y2 - top))
+        other = first.setdefault(item["name"], column)
+        both = 0, 0, min(column.width, other.width), column.height
+        assert column.crop(both).tobytes() == other.crop(both).tobytes(), item["name"]
+        compared += column is not other
+    assert compared > 10
+
+
 def test_after_scrolling(tall):
     """Down, up, and down twice: with the last step nothing changes but the pictures."""
     tall.screen.move(*tall.centre(tall.child("TonexGrid")["client"]))
@@ -96,3 +113,17 @@ def test_after_notes_became_others(tall):
     tall.click_length("Thirty-second note")
     tall.wait_selected([5])
     assert_as_drawn_anew(tall)
+
+
+def test_after_entries_came_and_went_before_others(tall):
+    """All pictures behind the cursor move on by columns: none leaves ink where it stood."""
+    tall.screen.key("home")
+    tall.wait_selected([0])
+    for keys in ("ctrl+i", "delete", "ctrl+c", "ctrl+v", "ctrl+z"):
+        before = tall.names()
+        tall.screen.key(keys)
+        if keys == "ctrl+c":
+            wait_until(lambda: tall.menu()["&Paste"]["enabled"], 5, "something to paste")
+        else:
+            wait_until(lambda: tall.names() != before, 5, f"other entries after {keys}")
+        assert_as_drawn_anew(tall)
