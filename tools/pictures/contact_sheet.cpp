@@ -46,7 +46,7 @@ void Paint(Sheet& sheet, int x, int y, const CoverageMask& mask, std::uint32_t c
 }
 
 constexpr int kClefEnd = 720; ///< where the first picture's column starts, twips
-constexpr std::uint32_t kLineColour = 0x707070, kLedgerColour = 0x404040;
+constexpr std::uint32_t kLineColour = 0x737373, kDarkLineColour = 0x414141;
 
 /// One staff with clef and pictures, heads at the given step of 60 twips from the middle line (up is
 /// negative).
@@ -57,6 +57,7 @@ void Staff(Sheet& sheet, float scale, int left_px, int top_px, const std::vector
                              static_cast<float>(kClefEnd + kColumnWidth * static_cast<int>(column)) * scale));
     };
     const int line = StaffLinePixels(scale);
+    const std::uint32_t ledger = BarLinePixels(scale) > line ? kLineColour : kDarkLineColour;
     for (int y = kTopStaffLine; y <= kBottomStaffLine; y += kStaffSpace)
         Fill(sheet, left_px, top_px + StaffLineRow(static_cast<float>(y) * scale),
              edge(pictures.size()) - left_px, line, kLineColour);
@@ -69,7 +70,7 @@ void Staff(Sheet& sheet, float scale, int left_px, int top_px, const std::vector
         const StripColumn column{scale, edge(k + 1) - edge(k)};
         for (const PixelBox& box : LedgerLineBoxes(shown, column))
             Fill(sheet, edge(k) + box.left, top_px + box.top, box.right - box.left, box.bottom - box.top,
-                 kLedgerColour);
+                 ledger);
         const PlacedMask placed = StripPictureMask(shown, column);
         Paint(sheet, edge(k), top_px + placed.top, placed.mask, 0);
     }
@@ -169,15 +170,5 @@ int main(int argc, char** argv) {
     const std::string name = argv[1];
     const std::string bytes =
         name.ends_with(".pgm") ? Pgm(sheet) : PngFile(sheet.width, sheet.height, 3, sheet.rgb);
-    std::FILE* file = std::fopen(argv[1], "wb");
-    if (file == nullptr) {
-        std::perror(argv[1]);
-        return 1;
-    }
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    if (std::fclose(file) != 0 || !written) {
-        std::fputs("contact_sheet: the file could not be written\n", stderr);
-        return 1;
-    }
-    return 0;
+    return WriteFile(argv[1], bytes);
 }

@@ -84,16 +84,5 @@ int main(int argc, char** argv) {
         std::fputs("make_icon OUT.ico SIZE...    sizes from 1 to 256 pixels\n", stderr);
         return 2;
     }
-    const std::string bytes = IconFile(sizes);
-    std::FILE* file = std::fopen(argv[1], "wb");
-    if (file == nullptr) {
-        std::perror(argv[1]);
-        return 1;
-    }
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    if (std::fclose(file) != 0 || !written) {
-        std::fputs("make_icon: the file could not be written\n", stderr);
-        return 1;
-    }
-    return 0;
+    return WriteFile(argv[1], IconFile(sizes));
 }

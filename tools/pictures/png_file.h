@@ -1,4 +1,4 @@
-// PNG files for the tools that draw, written by libpng.
+// Files of the tools that draw; PNG by libpng.
 #pragma once
 
 #include <png.h>
@@ -27,6 +27,19 @@ inline std::string PngFile(int width, int height, int channels, const std::vecto
     }
     bytes.resize(size);
     return bytes;
+}
+
+/// Writes a file whole and gives the program's exit code: 1 when it could not be written, which is told.
+inline int WriteFile(const char* path, const std::string& bytes) {
+    std::FILE* file = std::fopen(path, "wb");
+    if (file == nullptr) {
+        std::perror(path);
+        return 1;
+    }
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    if (std::fclose(file) == 0 && written) return 0;
+    std::fprintf(stderr, "%s: the file could not be written\n", path);
+    return 1;
 }
 
 } // namespace tonex
