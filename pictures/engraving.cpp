@@ -145,8 +145,6 @@ void Put(const Pen& pen, Outline outline, float x, float y, float wide, float hi
     AddOutline(pen.raster, outline, placement);
 }
 
-/// Round dots that stand alike on the pixels: on the middle of one when they are an odd number of pixels
-/// wide, else between two.
 void DrawDots(const Pen& pen, const Dots& dots) {
     const float radius = static_cast<float>(dots.size) / 2;
     const float y = std::floor(dots.middle - radius + 0.5F) + radius;

@@ -43,7 +43,8 @@ struct Sharp {
 
 /// The 3 of a triplet.
 struct Three {
-    float middle = 0, bottom = 0, height = 0;
+    float middle = 0; ///< from left to right
+    float bottom = 0, height = 0;
 };
 
 /// Where the parts of a note stand.
@@ -58,8 +59,10 @@ struct Note {
     Three three;
 };
 
+/// The nearest whole pixel, from two alike the upper one.
 float WholePixel(float value);
 
+/// How many flags a length has, 0 to 3.
 int FlagsOf(const NoteLength& form);
 /// Whole pixels, so that a head is as wide beside a stem up as beside a stem down.
 float BlackHeadWidth(float unit);
@@ -74,9 +77,15 @@ float WidthOf(const Dots& dots);
 /// How far the flags of a stem reach from its left edge.
 float FlagWidth(float unit, bool up);
 
+/// Adds an outline whose origin is at (x, y), in the size that the pen's space gives it, but so many times as
+/// wide and as high; below 0 it is turned over.
 void Put(const Pen& pen, Outline outline, float x, float y, float wide = 1, float high = 1);
+/// Adds all parts of a note but its ledger lines.
 void DrawNote(const Pen& pen, const Note& note);
+/// Adds round dots that stand alike on the pixels: on the middle of one when they are an odd number of pixels
+/// wide, else between two.
 void DrawDots(const Pen& pen, const Dots& dots);
+/// Adds the 3 of a triplet.
 void DrawThree(const Pen& pen, const Three& three);
 
 /// How far a rest reaches from its middle without dots and 3, in spaces: to both sides, above the middle line

@@ -75,6 +75,18 @@ def test_a_note_stands_at_one_place_of_every_column(tall):
     assert compared > 10
 
 
+def test_a_click_at_the_edge_of_a_column_means_the_column(tall):
+    """Also above the heads and on a sharp: the ink of a picture never leaves its column."""
+    for column in (4, 5):
+        left, top, right, bottom = tall.items("TonexStaff")[column]["rect"]
+        for x in (left, right - 1):
+            for y in (top + 3, (top + bottom) // 2):
+                tall.screen.key("home")
+                tall.wait_selected([0])
+                tall.screen.click(x, y)
+                tall.wait_selected([column])
+
+
 def test_after_scrolling(tall):
     """Down, up, and down twice: with the last step nothing changes but the pictures."""
     tall.screen.move(*tall.centre(tall.child("TonexGrid")["client"]))
