@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Start to first painted window: Tonex.exe against Wine's own notepad in the same prefix, alternating.
 
-Usage: bench_start.py TONEX.EXE [ROUNDS]. Needs DISPLAY with a window manager and WINEPREFIX.
+Usage: bench_start.py TONEX.EXE. Needs DISPLAY with a window manager and WINEPREFIX. Repeated until the ratio is known.
 Painted means: the window is mapped and a point of its client area shows the program's own light colour instead
 of the black that an unpainted window has.
 """
@@ -14,6 +14,7 @@ import sys
 import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "resources", "scripts"))
+from settling import ratio, settled  # noqa: E402
 from xscreen import Screen  # noqa: E402
 from Xlib import X, error  # noqa: E402
 
@@ -51,18 +52,18 @@ def start_once(screen, command, title):
 
 def main():
     tonex = sys.argv[1]
-    rounds = int(sys.argv[2]) if len(sys.argv) > 2 else 9
     screen = Screen()
     programs = {"Tonex.exe": (["wine", tonex], "Sound Editor"),
                 "notepad": (["wine", "notepad"], "Untitled - Notepad")}
     times = {name: [] for name in programs}
     for name, (command, title) in programs.items():
         start_once(screen, command, title)  # warm
-    for _ in range(rounds):
+    ours, theirs = times["Tonex.exe"], times["notepad"]
+    while not settled(ours, theirs):
         for name, (command, title) in programs.items():
             times[name].append(start_once(screen, command, title))
-    ours, theirs = (statistics.median(times[name]) for name in ("Tonex.exe", "notepad"))
-    print(f"start to first painted window | {ours:.0f} ms | notepad {theirs:.0f} ms | {ours / theirs:.2f} | <= 1.2")
+    print(f"start to first painted window, {len(ours)} pairs | {statistics.median(ours):.0f} ms | "
+          f"notepad {statistics.median(theirs):.0f} ms | {ratio(ours, theirs):.2f} | <= 1")
 
 
 if __name__ == "__main__":
