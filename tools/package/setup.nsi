@@ -39,6 +39,7 @@ InstallDirRegKey HKCU "${UNINSTALL_KEY}" "InstallLocation"
 ShowInstDetails nevershow
 ShowUninstDetails show
 XPStyle on
+SubCaption 4 " " ; "Completed" would stand over a failure too
 InstallColors /windows
 UninstallText "This takes the ${NAME} away. Your melodies stay, and you will be told where they are." "From the folder:"
 
