@@ -126,6 +126,8 @@ void ShowStrip(MainWindow& main) {
         const bool selection = view_moved && IsSelected(shown.view, old_slot) != IsSelected(view, new_slot);
         if (picture || cursor || selection) InvalidateArea(panel, panel.kind->item_area(panel, i));
     }
+    if (w.score.first_shown != shown.first_shown && panel.tooltip)
+        SendMessageW(panel.tooltip, TTM_POP, 0, 0); // it names what was under the mouse before
     if (SideOfCursor(view) != SideOfCursor(shown.view)) InvalidateRect(panel.window, nullptr, FALSE);
 }
 

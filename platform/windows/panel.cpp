@@ -48,10 +48,18 @@ void ShowTooltipFor(Panel& panel, int item) {
     tool.uId = 1;
     SendMessageW(panel.tooltip, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
     if (item < 0) return;
-    std::wstring name = panel.kind->item_name(panel, item);
     tool.rect = panel.kind->item_area(panel, item);
-    tool.lpszText = name.data();
+    tool.lpszText =
+        LPSTR_TEXTCALLBACKW; // asked for when it is shown: scrolling changes what is under the mouse
     SendMessageW(panel.tooltip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+void AnswerTooltip(const Panel& panel, NMHDR& header) {
+    if (header.code != TTN_GETDISPINFOW || panel.hot_item >= panel.kind->count(panel)) return;
+    auto& info = reinterpret_cast<NMTTDISPINFOW&>(header);
+    lstrcpynW(info.szText, panel.kind->item_name(panel, panel.hot_item).c_str(),
+              static_cast<int>(std::size(info.szText)));
+    info.lpszText = info.szText;
 }
 
 void RelayToTooltip(Panel& panel, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -149,12 +157,13 @@ LRESULT CALLBACK PanelProc(HWND window, UINT message, WPARAM wparam, LPARAM lpar
     if (!panel) return DefWindowProcW(window, message, wparam, lparam);
     LRESULT result = 0;
     if (panel->kind->message && panel->kind->message(*panel, message, wparam, lparam, result)) return result;
+    if (message == WM_MOUSEMOVE) MouseMove(*panel, lparam); // tells the tooltip which item it hears of next
     if (message >= WM_MOUSEFIRST && message <= WM_MBUTTONDBLCLK)
         RelayToTooltip(*panel, message, wparam, lparam);
     switch (message) {
     case WM_PAINT: Paint(*panel); return 0;
     case WM_ERASEBKGND: return 1;
-    case WM_MOUSEMOVE: MouseMove(*panel, lparam); return 0;
+    case WM_MOUSEMOVE: return 0;
     case WM_MOUSELEAVE: SetHot(*panel, -1); return 0;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK: MouseDown(*panel, lparam); return 0;
@@ -163,6 +172,7 @@ LRESULT CALLBACK PanelProc(HWND window, UINT message, WPARAM wparam, LPARAM lpar
     case WM_KEYDOWN: KeyDown(*panel, wparam); return 0;
     case WM_SETFOCUS: GotFocus(*panel, true); return 0;
     case WM_KILLFOCUS: GotFocus(*panel, false); return 0;
+    case WM_NOTIFY: AnswerTooltip(*panel, *reinterpret_cast<NMHDR*>(lparam)); return 0;
     case WM_GETOBJECT: return AnswerGetObject(*panel, wparam, lparam);
     case WM_DESTROY: FreeCanvas(panel->canvas); return 0;
     default: return DefWindowProcW(window, message, wparam, lparam);

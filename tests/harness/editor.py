@@ -208,6 +208,13 @@ class Editor:
         assert button["enabled"], f"the button {tooltip} is disabled"
         self.screen.click(*self.centre(button["rect"]))
 
+    def shown_tooltip(self):
+        """The text of the small window that the system shows under the mouse; empty while there is none."""
+        for window in self.windows():
+            if window["class"] == "tooltips_class32" and window["visible"]:
+                return self.prefix.ask("gettext", window["hwnd"])
+        return ""
+
     # --- dialogs
 
     def dialogs(self):

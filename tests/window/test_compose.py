@@ -168,6 +168,22 @@ def test_click_on_a_strip_picture_moves_the_cursor(start, melody):
     wait_until(lambda: editor.lit_keys() == ["c5"], 5, "the key of the entry")
 
 
+def test_the_tooltip_of_the_strip_names_what_is_under_the_mouse_after_scrolling_too(start, melody):
+    editor = start(windows_path(melody("LONG.SND", Melody.scale(60))))
+    names = editor.names()
+    x, y = editor.centre(editor.items("TonexStaff")[3]["rect"])
+    editor.screen.move(x - 200, y)  # outside
+    editor.screen.move(x, y)
+    editor.screen.move(x + 1, y)
+    wait_until(lambda: editor.shown_tooltip() == names[3], 10, "the tooltip of the fourth picture")
+    editor.screen.click(x, y, 5)  # the wheel
+    wait_until(lambda: editor.names()[3] == names[6], 5, "the fourth picture three columns on")
+    wait_until(lambda: editor.shown_tooltip() != names[3], 5, "no tooltip of what is there no more")
+    for place in (x + 2, x + 1):  # without leaving the picture
+        editor.screen.move(place, y)
+    wait_until(lambda: editor.shown_tooltip() == names[6], 10, "the tooltip of the seventh")
+
+
 @pytest.mark.parametrize("where", ["TonexGrid", "TonexStaff"])
 def test_right_button_opens_the_edit_menu(start, melody, where):
     editor = start(windows_path(melody("POPUP.SND", Melody.scale(5))))

@@ -17,14 +17,6 @@ def tooltip(editor):
     return editor.toolbar()[PREVIEW_TOOL]["tooltip"]
 
 
-def shown_tooltip(editor):
-    """The text of the small window that the system shows under the mouse; empty while there is none."""
-    for window in editor.windows():
-        if window["class"] == "tooltips_class32" and window["visible"]:
-            return editor.prefix.ask("gettext", window["hwnd"])
-    return ""
-
-
 class Plug:
     """A sound device that is plugged in and out."""
 
@@ -64,7 +56,7 @@ def test_the_tooltip_shows_over_the_grey_button(start, melody):
     editor.screen.move(x - 100, y)
     editor.screen.move(x, y)
     editor.screen.move(x + 1, y)
-    wait_until(lambda: shown_tooltip(editor) == DEAF, 5, "the tooltip")
+    wait_until(lambda: editor.shown_tooltip() == DEAF, 5, "the tooltip")
 
 
 def come_back(editor):
