@@ -175,6 +175,13 @@ PixelBox ThreeOf(const Drawn& drawn) {
     return box;
 }
 
+/// A rest without dots, apart from its 3: the lowest piece.
+PixelBox RestBox(const Drawn& drawn) {
+    const std::vector<PixelBox> pieces = PiecesOf(drawn.placed.mask, 90);
+    return *std::max_element(pieces.begin(), pieces.end(),
+                             [](const PixelBox& a, const PixelBox& b) { return a.bottom < b.bottom; });
+}
+
 /// Runs of ink down a column of pixels: the rows at which they begin and end.
 struct Inked {
     int from, to;
@@ -250,8 +257,10 @@ TEST(Engraving, PartsDoNotTouch) {
 TEST(Engraving, NeighboursDoNotTouch) {
     ForEveryNote([](const Drawn& drawn, const TestScale& scale) {
         if (drawn.unit < 6) return; // there is no pixel left for it
+        const int free = std::max(1, static_cast<int>(0.1F * drawn.unit + 0.5F));
         for (int y = 0; y < drawn.placed.mask.height; ++y)
-            ASSERT_EQ(InkAt(drawn.placed.mask, 0, y), 0);
+            for (int x = 0; x < free; ++x)
+                ASSERT_EQ(InkAt(drawn.placed.mask, x, y), 0) << x;
         for (const PixelBox& box : drawn.ledgers) {
             EXPECT_GE(box.left, 1);
             EXPECT_LE(box.right, ColumnPixels(scale) - 1);
@@ -479,6 +488,20 @@ TEST(Engraving, DotsHaveOneSize) {
     ForEveryRest(check);
 }
 
+/// Rests leave more room than heads.
+TEST(Engraving, DoubleDotsAreAsFarApartAsTheColumnAllows) {
+    const int behind_heads[] = {1, 1, 1, 2, 2}, behind_rests[] = {2, 2, 2, 3, 3};
+    for (std::size_t i = 0; i < std::size(kScreenScales); ++i)
+        for (const int picture : {5, 13, 17, 20, 45, 57, 25, 33}) {
+            const Drawn drawn = Draw({.picture = picture}, kScreenScales[i]);
+            const std::vector<PixelBox> dots = DotsOf(drawn);
+            ASSERT_EQ(dots.size(), 2U) << drawn.what;
+            EXPECT_EQ(dots[1].left - dots[0].right,
+                      At(IsNotePicture(picture) ? behind_heads : behind_rests, static_cast<int>(i)))
+                << drawn.what;
+        }
+}
+
 TEST(Engraving, DotsStandBetweenTwoLinesAtOneHeight) {
     ForEveryNote([](const Drawn& drawn, const TestScale& scale) {
         const bool on_line = (drawn.shown.y - kTopStaffLine) % kStaffSpace == 0;
@@ -523,7 +546,10 @@ TEST(Engraving, TheThreeStandsOutsideTheStaffOnTheStemsSide) {
 TEST(Engraving, TheThreeOfARestStandsAboveTheStaff) {
     ForEveryRest([](const Drawn& drawn, const TestScale& scale) {
         if (!drawn.form.triplet) return;
-        EXPECT_LT(ThreeOf(drawn).bottom, LineRow(kTopStaffLine, scale) - static_cast<int>(0.3F * drawn.unit));
+        const PixelBox three = ThreeOf(drawn), rest = RestBox(drawn);
+        EXPECT_LT(three.bottom, LineRow(kTopStaffLine, scale) - static_cast<int>(0.3F * drawn.unit));
+        EXPECT_NEAR(static_cast<float>(three.left + three.right) / 2,
+                    static_cast<float>(rest.left + rest.right) / 2, 1 + 0.1F * drawn.unit);
     });
 }
 
@@ -542,8 +568,10 @@ TEST(Engraving, SharpsHaveAirInsideAndBeforeTheHead) {
         for (std::size_t i = 1; i < columns.size(); ++i)
             clear = std::max(clear, columns[i] - columns[i - 1] - 1);
         EXPECT_GE(clear, drawn.unit < 8 ? 1 : 2);
+        const int air = std::max(1, static_cast<int>(0.15F * drawn.unit + 0.5F));
         for (int y = 0; y < drawn.placed.mask.height; ++y)
-            EXPECT_EQ(InkAt(drawn.placed.mask, head - 1, y), 0) << "the pixel before the head";
+            for (int x = head - air; x < head; ++x)
+                EXPECT_EQ(InkAt(drawn.placed.mask, x, y), 0) << "before the head";
     });
 }
 
@@ -599,8 +627,10 @@ TEST(Engraving, LedgerLinesCoverTheirRowsAndAreAsThickAsBarLines) {
         for (int i = 0; i < lines.count; ++i) {
             const PixelBox& box = At(drawn.ledgers, i);
             const int row = LineRow(lines.first_y + i * lines.step_y, scale);
-            EXPECT_LE(box.top, row);
-            EXPECT_GE(box.bottom, row + drawn.line);
+            if (lines.step_y < 0)
+                EXPECT_EQ(box.bottom, row + drawn.line) << "thicker on the side away from the staff";
+            else
+                EXPECT_EQ(box.top, row) << "thicker on the side away from the staff";
             EXPECT_EQ(box.bottom - box.top, BarLinePixels(scale.pixels_per_twip));
         }
     });
