@@ -53,39 +53,58 @@ void Press(Panel& panel, int image) {
 
 // ---- painting ----
 
-int LineThickness(const Panel& panel) {
-    return StaffLinePixels(1 / ScaleOf(panel).twips_per_pixel_y);
+/// Whether a column is selected, the empty one behind the last entry too.
+bool InSelection(const sndmain& w, int image) {
+    const int slot = w.score.first_shown + image;
+    return IsSelected(w.grdScore.view, slot) && slot <= EndColumn(w.score);
 }
 
-void PaintLine(Panel& panel, int left, int right, int y_twips, COLORREF colour) {
-    const int y = StaffLineRow(static_cast<float>(y_twips) / ScaleOf(panel).twips_per_pixel_y);
-    FillArea(panel.canvas, {left, y, right, y + LineThickness(panel)}, colour);
+/// In high contrast the selection is as solid as text's: what stands on it has the colour of selected text.
+bool IsInverse(const Panel& panel, int image) {
+    return ColoursOf(panel).high_contrast && InSelection(RecordOf(panel), image);
 }
 
 void PaintSelection(Panel& panel, const RECT& dirty) {
-    const sndmain& w = RecordOf(panel);
     const Colours& colours = ColoursOf(panel);
     for (int image = 0; image < kStripPictures; ++image) {
-        const int slot = w.score.first_shown + image;
-        if (!IsSelected(w.grdScore.view, slot) || slot > EndColumn(w.score)) continue;
+        if (!InSelection(RecordOf(panel), image)) continue;
         RECT area = ColumnArea(panel, image), part;
         if (IntersectRect(&part, &area, &dirty))
             TintArea(panel.canvas, part, colours.select, colours.high_contrast ? 255 : 40);
     }
 }
 
+void PaintLines(Panel& panel, LONG left, LONG right, COLORREF colour, const RECT& dirty) {
+    const float pixels_per_twip = 1 / ScaleOf(panel).twips_per_pixel_y;
+    for (const Line& line : RecordOf(panel).Line1) {
+        const int y = StaffLineRow(static_cast<float>(line.Y) * pixels_per_twip);
+        FillArea(panel.canvas,
+                 {std::max(left, dirty.left), y, std::min(right, dirty.right),
+                  y + StaffLinePixels(pixels_per_twip)},
+                 colour);
+    }
+}
+
+void PaintClef(Panel& panel, const RECT& dirty) {
+    const Scale& scale = ScaleOf(panel);
+    const float right = static_cast<float>(kClefBox.left + kClefBox.width) / scale.twips_per_pixel_x;
+    if (static_cast<float>(dirty.left) > right) return;
+    const PlacedMask clef = ClefMask(1 / scale.twips_per_pixel_y);
+    BlendMask(panel.canvas, clef.mask, clef.left, clef.top, ColoursOf(panel).ink, dirty);
+}
+
 void PaintStaff(Panel& panel, const RECT& dirty) {
     const sndmain& w = RecordOf(panel);
     const Colours& colours = ColoursOf(panel);
     const Scale& scale = ScaleOf(panel);
-    for (const Line& line : w.Line1)
-        PaintLine(panel, std::max<int>(static_cast<int>(dirty.left), ToPixelsX(scale, w.linSub[0].X1)),
-                  std::min<int>(static_cast<int>(dirty.right), ToPixelsX(scale, w.linSub[5].X2)), line.Y,
-                  colours.staff_line);
-    const float clef_right = static_cast<float>(kClefBox.left + kClefBox.width) / scale.twips_per_pixel_x;
-    if (static_cast<float>(dirty.left) > clef_right) return;
-    const PlacedMask clef = ClefMask(1 / scale.twips_per_pixel_y);
-    BlendMask(panel.canvas, clef.mask, clef.left, clef.top, colours.ink, dirty);
+    PaintLines(panel, ToPixelsX(scale, w.linSub[0].X1), ToPixelsX(scale, w.linSub[5].X2), colours.staff_line,
+               dirty);
+    for (int image = 0; image < kStripPictures; ++image) {
+        if (!IsInverse(panel, image)) continue;
+        const RECT area = ColumnArea(panel, image);
+        PaintLines(panel, area.left, area.right, colours.select_text, dirty);
+    }
+    PaintClef(panel, dirty);
 }
 
 /// A ledger line that can not be thicker than a staff line is darker, so that the eye finds it as well.
@@ -113,7 +132,7 @@ void PaintImage(Panel& panel, int index, const RECT& dirty) {
     const int left = static_cast<int>(area.left);
     const StripColumn column{1 / ScaleOf(panel).twips_per_pixel_y, static_cast<int>(area.right) - left};
     const Colours& colours = ColoursOf(panel);
-    const bool inverse = colours.high_contrast && ItemChosen(panel, index);
+    const bool inverse = IsInverse(panel, index);
     const COLORREF ledger = inverse ? colours.select_text : LedgerColour(panel);
     for (const PixelBox& box : LedgerLineBoxes(shown, column))
         FillArea(panel.canvas, {left + box.left, box.top, left + box.right, box.bottom}, ledger);

@@ -140,6 +140,15 @@ def test_high_contrast_colours_are_respected(screen, tmp_path):
             dark = sum(count for count, value in part.getcolors(256) if value < 64)
             assert dark > 0.6 * part.size[0] * part.size[1], f"{kind} is not dark"
             assert max(value for _, value in part.getcolors(256)) > 200, f"{kind} shows nothing bright"
+        # The selection is as solid as text's: notes and staff lines on it have the colour of selected text.
+        for column in (1, 10):
+            editor.click_cell(column)
+            editor.wait_selected([column])
+            left, top, right, bottom = editor.items("TonexStaff")[column]["rect"]
+            part = editor.picture().crop((left - frame[0], top + 2 - frame[1], right - frame[0], bottom - 2 - frame[1]))
+            colours = [colour for _, colour in part.getcolors(part.width * part.height)]
+            assert (0, 255, 0) in colours and (0, 0, 0) in colours
+            assert all(red == 0 and blue == 0 for red, _, blue in colours), column
         editor.kill()
     finally:
         prefix.end()
