@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tonex {
 
@@ -16,6 +17,7 @@ constexpr double kSameJ = 0.001;        ///< differences below are none
 constexpr double kSameTempo = 0.001;    ///< part of a tempo
 constexpr double kPriceOfAll = 0.5;     ///< as J: what may be heard more to hold the whole tune
 constexpr double kHardlyHeard = 1.0;    ///< as J
+constexpr double kEarly = 0.03;         ///< seconds that a note may end too early
 constexpr std::array<double, 3> kScales = {1.0, 0.5, 2.0}; ///< the first wins where all do as well
 
 /// The first entries of a candidate, as many as a melody has.
@@ -31,6 +33,22 @@ int IntervalsWithin(const Candidate& candidate, int written) {
     if (written >= static_cast<int>(candidate.entries.size()))
         return candidate.interval_of.empty() ? 0 : candidate.interval_of.back() + 1;
     return At(candidate.interval_of, written);
+}
+
+/// Counts the notes that a rest follows before they should end; `units` are by entry.
+void CountEarlyNotes(const std::vector<Interval>& intervals, const std::vector<int>& units, Fit& fit) {
+    int before = -1;
+    for (int i = 0; i + 1 < fit.encoding.entries_written; ++i) {
+        const int interval = At(fit.melody.interval_of, i);
+        const bool first = interval != std::exchange(before, interval);
+        if (!first || At(fit.melody.interval_of, i + 1) != interval || interval >= fit.intervals_written)
+            continue;
+        const double lasts = At(units, i) * fit.tempo_byte / 64.0;
+        const double early = At(intervals, interval).sounding * fit.deviation.duration - lasts;
+        if (early <= kEarly) continue;
+        ++fit.early_notes;
+        fit.most_early = std::max(fit.most_early, early);
+    }
 }
 
 /// Adds up what the file plays, and compares.
@@ -55,6 +73,7 @@ void Measure(const TimingTables& tables, const Tune& tune, const FileList& list,
     for (const double seconds : meant)
         fit.seconds_written += seconds;
     fit.deviation = DeviationOf(meant, fit.played);
+    CountEarlyNotes(IntervalsOf(tune), *units, fit);
 }
 
 void AddEntries(Candidate& candidate, const TuneItem& item, const std::vector<int>& chain, int interval) {

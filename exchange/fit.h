@@ -31,6 +31,8 @@ struct Fit {
     double seconds_written = 0.0; ///< of the tune
     int records = 0;              ///< of the play block's 510
     std::vector<double> played;   ///< seconds, by interval written
+    int early_notes = 0;          ///< that end before they should, as no entry has their length; rests follow
+    double most_early = 0.0;      ///< seconds
 };
 
 /// The most records of a play block.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
 
 namespace tonex {
 
@@ -14,7 +15,6 @@ constexpr std::size_t kChunkHeader = 8;
 constexpr std::size_t kFileHeader = 6;
 constexpr int kLongestNumber = 4; ///< bytes of a variable-length number
 constexpr std::int64_t kLastTick = std::int64_t{1} << 40;
-constexpr int kKeys = 128;
 constexpr int kChannels = 16;
 
 /// Bytes read one after another; once something is wrong, it stays so.
@@ -68,6 +68,13 @@ bool HasName(std::span<const std::uint8_t> bytes, std::size_t at, std::string_vi
         [](char letter, std::uint8_t byte) { return static_cast<std::uint8_t>(letter) == byte; });
 }
 
+/// A key is struck or let go.
+struct KeyEvent {
+    std::int64_t tick = 0;
+    std::ptrdiff_t note = -1; ///< -1 = let go
+};
+using KeyEvents = std::vector<KeyEvent>;
+
 /// A track while it is read.
 struct Track {
     int number = 0;
@@ -75,28 +82,63 @@ struct Track {
     int status = -1;          ///< of the channel message before; -1 = none
     bool interrupted = false; ///< by an event after which the status must not be left out
     bool ended = false;
-    std::array<std::array<std::vector<std::size_t>, kKeys>, kChannels> sounding; ///< notes not ended yet
+    std::array<bool, kChannels> has_program{};
+    std::array<std::array<KeyEvents, kMidiKeys>, kChannels> keys;
 };
 
-void EndNotes(MidiFile& file, std::vector<std::size_t>& notes, std::int64_t tick) {
-    for (const std::size_t note : notes)
-        file.notes[note].end = tick;
-    notes.clear();
+MidiNote& NoteOf(MidiFile& file, std::ptrdiff_t note) {
+    return file.notes[static_cast<std::size_t>(note)];
+}
+
+/// Gives each stroke an end of its own, the first to the first. False when there are too few.
+bool EndEach(MidiFile& file, const KeyEvents& events) {
+    std::vector<std::ptrdiff_t> strokes;
+    std::size_t ended = 0;
+    for (const KeyEvent& event : events) {
+        if (event.note >= 0) {
+            strokes.push_back(event.note);
+        } else if (ended < strokes.size()) {
+            NoteOf(file, strokes[ended++]).end = event.tick;
+        }
+    }
+    return ended == strokes.size();
+}
+
+/// Lets one end do for all strokes in front of it, and the track's end for the last.
+void EndTogether(MidiFile& file, const KeyEvents& events, std::int64_t track_end) {
+    std::vector<std::ptrdiff_t> strokes;
+    for (const KeyEvent& event : events) {
+        if (event.note >= 0) {
+            strokes.push_back(event.note);
+            continue;
+        }
+        for (const std::ptrdiff_t stroke : std::exchange(strokes, {}))
+            NoteOf(file, stroke).end = event.tick;
+    }
+    if (!strokes.empty()) Remark(file.remarks, "ended a note with its track");
+    for (const std::ptrdiff_t stroke : strokes)
+        NoteOf(file, stroke).end = track_end;
+}
+
+/// The ends of all strokes of a key. One that is struck again ends there at the latest.
+void EndNotes(MidiFile& file, const KeyEvents& events, std::int64_t track_end) {
+    if (!EndEach(file, events)) EndTogether(file, events, track_end);
+    std::ptrdiff_t before = -1;
+    for (const KeyEvent& event : events) {
+        if (event.note < 0) continue;
+        if (before >= 0) NoteOf(file, before).end = std::min(NoteOf(file, before).end, event.tick);
+        before = event.note;
+    }
 }
 
 void StartNote(MidiFile& file, Track& track, int channel, int key, std::size_t order) {
-    auto& sounding = At(At(track.sounding, channel), key);
-    EndNotes(file, sounding, track.tick); // struck again
-    sounding.push_back(file.notes.size());
+    At(At(track.keys, channel), key).push_back({track.tick, static_cast<std::ptrdiff_t>(file.notes.size())});
     file.notes.push_back({track.tick, track.tick, track.number, channel, key, order});
 }
 
-void KeepProgram(MidiFile& file, const Track& track, int channel, int program) {
-    const auto known =
-        std::find_if(file.programs.begin(), file.programs.end(), [&](const MidiProgram& other) {
-            return other.track == track.number && other.channel == channel;
-        });
-    if (known == file.programs.end()) file.programs.push_back({track.number, channel, program});
+void KeepProgram(MidiFile& file, Track& track, int channel, int program) {
+    if (std::exchange(At(track.has_program, channel), true)) return;
+    file.programs.push_back({track.number, channel, program});
 }
 
 /// A data byte. One above 127 is no status here: it is brought down.
@@ -118,7 +160,7 @@ void TakeChannelMessage(Bytes& bytes, MidiFile& file, Track& track, std::size_t 
     if (kind == 9 && second > 0) {
         StartNote(file, track, channel, first, order);
     } else if (kind == 8 || kind == 9) {
-        EndNotes(file, At(At(track.sounding, channel), first), track.tick);
+        At(At(track.keys, channel), first).push_back({track.tick, -1});
     }
 }
 
@@ -207,11 +249,9 @@ void TakeTrack(Bytes& bytes, MidiFile& file, bool cut, std::size_t& order) {
     }
     if (!bytes.good && cut) bytes.good = true;
     if (!track.ended) Remark(file.remarks, "a track has no end event");
-    for (auto& channel : track.sounding) {
-        for (auto& notes : channel) {
-            if (!notes.empty()) Remark(file.remarks, "ended a note with its track");
-            EndNotes(file, notes, track.tick);
-        }
+    for (const auto& channel : track.keys) {
+        for (const KeyEvents& events : channel)
+            EndNotes(file, events, track.tick);
     }
     file.ends.push_back(track.tick);
 }

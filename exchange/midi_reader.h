@@ -21,6 +21,7 @@ namespace tonex {
 
 inline constexpr int kMostMidiTracks = 1000;
 inline constexpr int kMostMidiEvents = 1000000;
+inline constexpr int kMidiKeys = 128;
 inline constexpr int kMidiDrums = 9;              ///< channel, counted from 0
 inline constexpr int kMidiPitchDistance = 33;     ///< MIDI's number minus the pitch: middle c is 60 and c4 27
 inline constexpr std::size_t kMostMidiName = 100; ///< bytes of a text that are kept

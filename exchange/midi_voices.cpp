@@ -1,13 +1,18 @@
 #include "exchange/midi_voices.h"
 
-#include "score/codes.h"
+#include "exchange/midi_clock.h"
+#include "score/rows.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <map>
 #include <set>
+#include <span>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace tonex {
 
@@ -15,44 +20,74 @@ namespace {
 
 constexpr double kMoment = 0.03; ///< seconds; what overlaps or follows closer is one
 constexpr int kFewNotes = 8;
+constexpr int kWidestStep = 4; ///< half tones; wider is a leap
 constexpr int kFirstBassProgram = 32;
 constexpr int kLastBassProgram = 39;
-constexpr std::array<std::string_view, 10> kMelodyWords = {"melod", "lead", "solo",   "vocal", "voice",
-                                                           "sing",  "tune", "gesang", "canto", "theme"};
-constexpr std::array<std::string_view, 9> kOtherWords = {"bass",   "drum",    "perc",    "accomp", "chord",
-                                                         "rhythm", "harmony", "backing", "pad"};
 
-template <std::size_t Count>
-bool HasWord(std::string_view name, const std::array<std::string_view, Count>& words) {
-    std::string small(name);
-    std::transform(small.begin(), small.end(), small.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return std::any_of(words.begin(), words.end(),
-                       [&](std::string_view word) { return small.find(word) != std::string::npos; });
+/// Words in names, in small letters; one that ends in * stands for all that begin like it.
+constexpr std::array<std::string_view, 12> kMelodyWords = {"melod*",  "lead*", "solo",    "vocal*",
+                                                           "voice*",  "sing",  "singer*", "singst*",
+                                                           "gesang*", "canto", "tune",    "theme"};
+constexpr std::array<std::string_view, 13> kOtherWords = {
+    "bass",   "bassline", "contrabass", "drum*",   "perc*", "accomp*", "chord",
+    "chords", "rhythm",   "harmony",    "backing", "pad",   "pads"};
+
+/// The words of a name in small letters: runs of letters.
+std::vector<std::string> WordsOf(std::string_view name) {
+    std::vector<std::string> words(1);
+    for (const char c : name) {
+        const char small = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        if (small >= 'a' && small <= 'z') {
+            words.back() += small;
+        } else if (!words.back().empty()) {
+            words.emplace_back();
+        }
+    }
+    return words;
 }
 
-std::string NameOfTrack(const MidiFile& file, int track) {
+bool IsMeant(std::string_view word, std::string_view entry) {
+    if (!entry.ends_with('*')) return word == entry;
+    return word.starts_with(entry.substr(0, entry.size() - 1));
+}
+
+bool HasWord(std::string_view name, std::span<const std::string_view> entries) {
+    const std::vector<std::string> words = WordsOf(name);
+    return std::any_of(words.begin(), words.end(), [&](const std::string& word) {
+        return std::any_of(entries.begin(), entries.end(),
+                           [&](std::string_view entry) { return IsMeant(word, entry); });
+    });
+}
+
+/// What a file says of its voices.
+struct Labels {
+    std::map<int, std::string_view> names;       ///< by track: the first that is not empty
+    std::map<std::pair<int, int>, int> programs; ///< by track and channel
+};
+
+Labels LabelsOf(const MidiFile& file) {
     constexpr int kind_name = 3;
+    Labels labels;
     for (const MidiText& text : file.texts) {
-        if (text.kind == kind_name && text.track == track && !text.text.empty()) return text.text;
+        if (text.kind == kind_name && !text.text.empty()) labels.names.emplace(text.track, text.text);
     }
-    return {};
+    for (const MidiProgram& program : file.programs)
+        labels.programs.emplace(std::pair{program.track, program.channel}, program.program);
+    return labels;
 }
 
-int ProgramOf(const MidiFile& file, int track, int channel) {
-    for (const MidiProgram& program : file.programs) {
-        if (program.track == track && program.channel == channel) return program.program;
-    }
-    return -1;
-}
-
-void Describe(const MidiFile& file, MidiVoice& voice) {
-    voice.name = NameOfTrack(file, voice.track);
-    voice.program = ProgramOf(file, voice.track, voice.channel);
+void TakeLabels(const Labels& labels, MidiVoice& voice) {
+    if (const auto name = labels.names.find(voice.track); name != labels.names.end())
+        voice.name = name->second;
+    const auto program = labels.programs.find({voice.track, voice.channel});
+    if (program != labels.programs.end()) voice.program = program->second;
     voice.drums = voice.channel == kMidiDrums;
+}
+
+/// Range, length and overlaps.
+void Measure(const MidiClock& clock, MidiVoice& voice) {
     voice.lowest = 1000;
     voice.highest = -1000;
-    const MidiClock clock = ClockOf(file, voice.track);
     double last_end = -1.0;
     for (const MidiNote& note : voice.notes) {
         voice.lowest = std::min(voice.lowest, note.key - kMidiPitchDistance);
@@ -61,6 +96,45 @@ void Describe(const MidiFile& file, MidiVoice& voice) {
         last_end = std::max(last_end, SecondsAt(clock, static_cast<double>(note.end)));
     }
     voice.seconds = last_end - SecondsAt(clock, static_cast<double>(voice.notes.front().start));
+}
+
+/// Where a voice goes on, by its highest notes.
+struct Onset {
+    double seconds;
+    int key;
+};
+
+std::vector<Onset> OnsetsOf(const MidiClock& clock, const MidiVoice& voice) {
+    std::vector<Onset> onsets;
+    for (const MidiNote& note : voice.notes) {
+        const double seconds = SecondsAt(clock, static_cast<double>(note.start));
+        if (onsets.empty() || seconds - onsets.back().seconds >= kMoment) {
+            onsets.push_back({seconds, note.key});
+        } else {
+            onsets.back().key = std::max(onsets.back().key, note.key);
+        }
+    }
+    return onsets;
+}
+
+/// How a voice moves.
+void MeasureMotion(const MidiClock& clock, MidiVoice& voice) {
+    const std::vector<Onset> onsets = OnsetsOf(clock, voice);
+    if (onsets.size() < 2) return;
+    std::vector<double> gaps;
+    int steps = 0;
+    int half_tones = 0;
+    for (std::size_t i = 1; i < onsets.size(); ++i) {
+        const int interval = std::abs(onsets[i].key - onsets[i - 1].key);
+        if (interval >= 1 && interval <= kWidestStep) ++steps;
+        half_tones += interval;
+        gaps.push_back(onsets[i].seconds - onsets[i - 1].seconds);
+    }
+    const auto middle = gaps.begin() + static_cast<std::ptrdiff_t>(gaps.size() / 2);
+    std::nth_element(gaps.begin(), middle, gaps.end());
+    voice.steps = static_cast<double>(steps) / static_cast<double>(gaps.size());
+    voice.mean_interval = static_cast<double>(half_tones) / static_cast<double>(gaps.size());
+    voice.usual_gap = *middle;
 }
 
 /// A note's begin or end.
@@ -87,8 +161,28 @@ std::vector<Edge> EdgesOf(const std::vector<MidiVoice>& voices) {
             edges.push_back({note.end, false, note.key, i});
         }
     }
-    std::sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) { return a.tick < b.tick; });
+    // Ends come first: a key that is struck again is let go before.
+    std::sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) {
+        return a.tick != b.tick ? a.tick < b.tick : a.begins < b.begins;
+    });
     return edges;
+}
+
+/// What sounds at a moment, and for how long each key was the highest up to then.
+struct Sounding {
+    std::array<int, kMidiKeys> notes{};             ///< by key
+    std::array<double, kMidiKeys> highest{};        ///< ticks, by key
+    std::map<std::pair<int, int>, double> at_begin; ///< the key's ticks when its note began, by voice and key
+    double any = 0.0;                               ///< ticks in which anything sounds
+};
+
+void PassTicks(Sounding& sounding, double ticks) {
+    for (int key = kMidiKeys - 1; key >= 0; --key) {
+        if (At(sounding.notes, key) == 0) continue;
+        At(sounding.highest, key) += ticks;
+        sounding.any += ticks;
+        return;
+    }
 }
 
 /// Who lies highest, and who sounds, from one edge to the next.
@@ -96,30 +190,31 @@ Shares SharesOf(const std::vector<MidiVoice>& voices) {
     Shares shares;
     shares.on_top.assign(voices.size(), 0.0);
     shares.sounding.assign(voices.size(), 0.0);
-    std::multiset<std::pair<int, int>> active; // key and voice
-    std::vector<int> active_notes(voices.size(), 0);
-    std::vector<std::int64_t> since(voices.size(), 0);
+    std::vector<int> notes(voices.size(), 0);
+    Sounding sounding;
     std::int64_t before = 0;
     for (const Edge& edge : EdgesOf(voices)) {
-        if (!active.empty()) {
-            const double ticks = static_cast<double>(edge.tick - before);
-            At(shares.on_top, active.rbegin()->second) += ticks;
-            shares.any += ticks;
-        }
+        if (edge.tick != before) PassTicks(sounding, static_cast<double>(edge.tick - before));
         before = edge.tick;
-        int& notes = At(active_notes, edge.voice);
+        const double highest = At(sounding.highest, edge.key);
+        const auto tick = static_cast<double>(edge.tick);
         if (edge.begins) {
-            active.insert({edge.key, edge.voice});
-            if (notes++ == 0) At(since, edge.voice) = edge.tick;
-            continue;
+            ++At(sounding.notes, edge.key);
+            sounding.at_begin[{edge.voice, edge.key}] = highest;
+            if (At(notes, edge.voice)++ == 0) At(shares.sounding, edge.voice) -= tick;
+        } else {
+            --At(sounding.notes, edge.key);
+            At(shares.on_top, edge.voice) += highest - sounding.at_begin[{edge.voice, edge.key}];
+            if (--At(notes, edge.voice) == 0) At(shares.sounding, edge.voice) += tick;
         }
-        const auto found = active.find({edge.key, edge.voice});
-        if (found == active.end()) continue; // its begin is sorted behind its end
-        active.erase(found);
-        if (--notes == 0)
-            At(shares.sounding, edge.voice) += static_cast<double>(edge.tick - At(since, edge.voice));
     }
+    shares.any = sounding.any;
     return shares;
+}
+
+/// 0 up to `from`, 1 from `to` on.
+double PartBetween(double value, double from, double to) {
+    return std::clamp((value - from) / (to - from), 0.0, 1.0);
 }
 
 double PointsOf(const MidiVoice& voice, double on_top, double sounding) {
@@ -128,275 +223,33 @@ double PointsOf(const MidiVoice& voice, double on_top, double sounding) {
     for (const MidiNote& note : voice.notes)
         pitches.insert(note.key);
     const auto notes = static_cast<double>(voice.notes.size());
-    constexpr double most_pitches = 12.0;
-    double points = 40.0 * on_top + 25.0 * (1.0 - voice.overlapping / notes) + 20.0 * sounding +
-                    15.0 * std::min(1.0, static_cast<double>(pitches.size()) / most_pitches);
+    double points = 20.0 * on_top + 25.0 * (1.0 - voice.overlapping / notes) + 20.0 * sounding +
+                    15.0 * PartBetween(static_cast<double>(pitches.size()), 0.0, 12.0) + 20.0 * voice.steps -
+                    25.0 * PartBetween(voice.usual_gap, 1.0, 2.0) -
+                    20.0 * PartBetween(voice.mean_interval, 4.0, 7.0);
     const bool bass = voice.program >= kFirstBassProgram && voice.program <= kLastBassProgram;
     if (HasWord(voice.name, kMelodyWords)) points += 30.0;
     if (bass || HasWord(voice.name, kOtherWords)) points -= 30.0;
     return voice.notes.size() < kFewNotes ? points / 2.0 : points;
 }
 
-// The voice as a line.
-
-/// A note of the line, in ticks and seconds.
-struct Sound {
-    double start; ///< ticks
-    double end;
-    double start_seconds;
-    double end_seconds;
-    int key;
-};
-
-std::vector<Sound> SoundsOf(const MidiClock& clock, const MidiVoice& voice, double from, double to) {
-    std::vector<Sound> sounds;
-    for (const MidiNote& note : voice.notes) {
-        Sound sound{static_cast<double>(note.start), static_cast<double>(note.end), 0.0, 0.0, note.key};
-        sound.start_seconds = SecondsAt(clock, sound.start);
-        sound.end_seconds = SecondsAt(clock, sound.end);
-        if (sound.start_seconds < from || sound.start_seconds >= to) continue;
-        if (sound.end_seconds > to) {
-            const double part = (to - sound.start_seconds) / (sound.end_seconds - sound.start_seconds);
-            sound.end = sound.start + part * (sound.end - sound.start);
-            sound.end_seconds = to;
-        }
-        sounds.push_back(sound);
-    }
-    return sounds;
-}
-
-/// Whether a note that starts at the same moment as the one before belongs to its chord.
-bool IsSameOnset(const Sound& first, const Sound& next) {
-    return next.start_seconds - first.start_seconds < kMoment &&
-           next.start_seconds < first.start_seconds + 0.5 * (first.end_seconds - first.start_seconds) &&
-           next.start_seconds < first.start_seconds + 0.5 * (next.end_seconds - next.start_seconds);
-}
-
-/// Whether a lower note starts under one that goes on for most of it.
-bool IsUnder(const Sound& held, const Sound& next) {
-    if (next.key >= held.key) return false;
-    const double length = next.end_seconds - next.start_seconds;
-    const double common = std::min(held.end_seconds, next.end_seconds) - next.start_seconds;
-    return common > kMoment && common > 0.5 * length;
-}
-
-/// One sound at a time, each ending no later than the next begins.
-std::vector<Sound> LineOf(const std::vector<Sound>& sounds, Remarks& remarks) {
-    std::vector<Sound> line;
-    for (const Sound& next : sounds) {
-        if (line.empty()) {
-            line.push_back(next);
-            continue;
-        }
-        Sound& last = line.back();
-        if (IsSameOnset(last, next)) {
-            Remark(remarks, "took the highest note of a chord");
-            if (next.key > last.key) {
-                last.key = next.key;
-                last.end = next.end;
-                last.end_seconds = next.end_seconds;
-            }
-        } else if (IsUnder(last, next)) {
-            Remark(remarks, "left out a lower note under one that goes on");
-        } else {
-            if (last.end > next.start) {
-                last.end = next.start;
-                last.end_seconds = next.start_seconds;
-            }
-            line.push_back(next);
-        }
-    }
-    return line;
-}
-
-// Places in quarter notes.
-
-constexpr double kGridNear = 0.0125; ///< quarter notes that an onset may be off
-
-/// The nearest multiple of an eighth or a twelfth of a quarter note.
-double NearestPlace(double quarters) {
-    const double straight = std::round(quarters * 8.0) / 8.0;
-    const double triplet = std::round(quarters * 12.0) / 12.0;
-    return std::abs(straight - quarters) <= std::abs(triplet - quarters) + 1e-9 ? straight : triplet;
-}
-
-bool IsOnPlace(double quarters, int ticks_of_quarter) {
-    const double near = std::max(kGridNear, 0.5 / ticks_of_quarter);
-    return std::abs(NearestPlace(quarters) - quarters) <= near;
-}
-
-/// Where a tick is written.
-double PlaceOf(double tick, int ticks_of_quarter) {
-    const double quarters = tick / ticks_of_quarter;
-    return IsOnPlace(quarters, ticks_of_quarter) ? NearestPlace(quarters)
-                                                 : std::round(quarters * 24.0) / 24.0;
-}
-
-/// Where a score would end a note: at a multiple of an eighth or a sixth of a quarter note.
-double EndPlaceOf(double quarters) {
-    const double straight = std::round(quarters * 8.0) / 8.0;
-    const double triplet = std::round(quarters * 6.0) / 6.0;
-    return std::abs(straight - quarters) <= std::abs(triplet - quarters) + 1e-9 ? straight : triplet;
-}
-
-bool IsOnEndPlace(double quarters, int ticks_of_quarter) {
-    const double near = std::max(kGridNear, 0.5 / ticks_of_quarter);
-    return std::abs(EndPlaceOf(quarters) - quarters) <= near;
-}
-
-/// Nine onsets of ten lie where a score has them.
-bool LiesOnGrid(const std::vector<Sound>& line, int ticks_of_quarter) {
-    if (ticks_of_quarter == 0) return false;
-    const auto near = std::count_if(line.begin(), line.end(), [&](const Sound& sound) {
-        return IsOnPlace(sound.start / ticks_of_quarter, ticks_of_quarter);
-    });
-    return static_cast<double>(near) >= 0.9 * static_cast<double>(line.size());
-}
-
-/// Whether the silence behind a note belongs to how it is played: less than 40 % of the way to the next
-/// onset, or less than 60 % where the note does not end where a score would end it.
-bool IsShortGap(double sounding, double all, bool ends_on_place) {
-    return all - sounding < (ends_on_place ? 0.4 : 0.6) * all - 1e-9;
-}
-
-/// Writes one sound, up to the next onset, into the tune.
-struct LineWriter {
-    const MidiClock& clock;
-    int ticks_of_quarter;
-    bool on_grid;
-    Tune& tune;
-};
-
-double QuartersFrom(const LineWriter& writer, double from, double to) {
-    const int ticks = writer.ticks_of_quarter;
-    if (ticks == 0) return 2.0 * (to - from); // seconds; as if at 120
-    if (!writer.on_grid) return (to - from) / ticks;
-    return std::max(0.0, PlaceOf(to, ticks) - PlaceOf(from, ticks));
-}
-
-/// What the written part lasts: by the clock, at the places where it is written.
-double SecondsFrom(const LineWriter& writer, double from, double to) {
-    const int ticks = writer.ticks_of_quarter;
-    if (ticks == 0 || !writer.on_grid) return SecondsAt(writer.clock, to) - SecondsAt(writer.clock, from);
-    return SecondsAt(writer.clock, PlaceOf(to, ticks) * ticks) -
-           SecondsAt(writer.clock, PlaceOf(from, ticks) * ticks);
-}
-
-void WriteSound(const LineWriter& writer, const Sound& sound, double next_start) {
-    double end = sound.end;
-    const int ticks = writer.ticks_of_quarter;
-    const bool on_place = writer.on_grid && IsOnEndPlace(end / ticks, ticks);
-    const double sounding = SecondsAt(writer.clock, end) - sound.start_seconds;
-    const double all = SecondsAt(writer.clock, next_start) - sound.start_seconds;
-    if (IsShortGap(sounding, all, on_place)) {
-        if (next_start - end > 0.5)
-            Remark(writer.tune.remarks, "let a note last through the short gap behind it");
-        end = next_start;
-    } else if (writer.on_grid && end < next_start) {
-        // A note that is followed by a rest ends where a score would end it.
-        const double place = EndPlaceOf(end / ticks) * ticks;
-        if (place > sound.start && place < next_start) end = place;
-    }
-    const int pitch = sound.key - kMidiPitchDistance;
-    writer.tune.items.push_back({TuneKind::Note, pitch, QuartersFrom(writer, sound.start, end),
-                                 SecondsFrom(writer, sound.start, end)});
-    const double rest = QuartersFrom(writer, end, next_start);
-    if (rest > 1e-6)
-        writer.tune.items.push_back({TuneKind::Rest, 0, rest, SecondsFrom(writer, end, next_start)});
-}
-
-/// The tempo that lasts longest, and whether another one is heard.
-void TakeTempo(Tune& tune) {
-    std::map<long, double> lasts; // by thousandths of a quarter note a minute
-    for (const TuneItem& item : tune.items) {
-        if (item.seconds > 0.0 && item.quarters > 0.0)
-            lasts[std::lround(item.quarters * 60000.0 / item.seconds)] += item.seconds;
-    }
-    if (lasts.empty()) return;
-    const auto longest = std::max_element(lasts.begin(), lasts.end(),
-                                          [](const auto& a, const auto& b) { return a.second < b.second; });
-    tune.tempo = static_cast<double>(longest->first) / 1000.0;
-    const double slowest = static_cast<double>(lasts.begin()->first) / 1000.0;
-    const double fastest = static_cast<double>(lasts.rbegin()->first) / 1000.0;
-    tune.bends = slowest < 0.99 * tune.tempo || fastest > 1.01 * tune.tempo;
-    if (!tune.bends) return;
-    Remark(tune.remarks, "the tempo changes between " + std::to_string(std::lround(slowest)) + " and " +
-                             std::to_string(std::lround(fastest)));
-}
-
-// Files of written lengths.
-
-constexpr std::string_view kNominalMark = "sndtool tempo ";
-
-/// What a nominal file's track says, in order.
-struct NominalEvent {
-    std::size_t order;
-    std::int64_t tick;
-    TuneKind kind;
-    int pitch = 0;
-    std::int64_t end = -1; ///< of a note
-};
-
-int NominalTempoOf(const MidiFile& file) {
-    for (const MidiText& text : file.texts) {
-        if (text.kind != 1 || text.tick != 0 || !text.text.starts_with(kNominalMark)) continue;
-        int tempo = 0;
-        for (const char digit : text.text.substr(kNominalMark.size())) {
-            if (digit < '0' || digit > '9' || tempo > 1000) return 0;
-            tempo = tempo * 10 + (digit - '0');
-        }
-        return tempo;
-    }
-    return 0;
-}
-
-std::vector<NominalEvent> NominalEventsOf(const MidiFile& file) {
-    std::vector<NominalEvent> events;
-    for (const MidiNote& note : file.notes)
-        events.push_back({note.order, note.start, TuneKind::Note, note.key - kMidiPitchDistance, note.end});
-    constexpr int kind_marker = 6;
-    for (const MidiText& text : file.texts) {
-        if (text.kind != kind_marker) continue;
-        if (text.text == "|") events.push_back({text.order, text.tick, TuneKind::Separator});
-        if (text.text == "r") events.push_back({text.order, text.tick, TuneKind::Rest});
-    }
-    std::sort(events.begin(), events.end(),
-              [](const NominalEvent& a, const NominalEvent& b) { return a.order < b.order; });
-    return events;
-}
-
 } // namespace
-
-MidiClock ClockOf(const MidiFile& file, int track) {
-    MidiClock clock;
-    const double quarter = file.ticks_of_quarter;
-    clock.stretches.push_back({0.0, 0.0, file.ticks_of_quarter == 0 ? file.seconds_of_tick : 0.5 / quarter});
-    if (file.ticks_of_quarter == 0) return clock;
-    for (const MidiTempo& tempo : file.tempos) {
-        if (file.format == 2 && tempo.track != track) continue;
-        const auto tick = static_cast<double>(tempo.tick);
-        clock.stretches.push_back({tick, SecondsAt(clock, tick), tempo.microseconds / 1e6 / quarter});
-    }
-    return clock;
-}
-
-double SecondsAt(const MidiClock& clock, double tick) {
-    auto stretch =
-        std::upper_bound(clock.stretches.begin(), clock.stretches.end(), tick,
-                         [](double at, const MidiClock::Stretch& other) { return at < other.tick; });
-    if (stretch != clock.stretches.begin()) --stretch;
-    return stretch->seconds + (tick - stretch->tick) * stretch->seconds_of_tick;
-}
 
 std::vector<MidiVoice> VoicesOf(const MidiFile& file) {
     std::map<std::pair<int, int>, MidiVoice> found;
     for (const MidiNote& note : file.notes)
         found[{note.track, note.channel}].notes.push_back(note);
+    const Labels labels = LabelsOf(file);
     std::vector<MidiVoice> voices;
+    MidiClock clock;
     for (auto& [place, voice] : found) {
+        const bool own_clock = file.format == 2 && !voices.empty() && voices.back().track != place.first;
+        if (clock.stretches.empty() || own_clock) clock = ClockOf(file, place.first);
         voice.track = place.first;
         voice.channel = place.second;
-        Describe(file, voice);
+        TakeLabels(labels, voice);
+        Measure(clock, voice);
+        MeasureMotion(clock, voice);
         voices.push_back(std::move(voice));
     }
     const Shares shares = SharesOf(voices);
@@ -417,44 +270,6 @@ int MelodyOf(const std::vector<MidiVoice>& voices, int track, int channel) {
         if (best < 0 || voice.points > At(voices, best).points) best = i;
     }
     return best;
-}
-
-Tune TuneOfVoice(const MidiFile& file, const MidiVoice& voice, double from, double to) {
-    Tune tune;
-    tune.name = voice.name;
-    const MidiClock clock = ClockOf(file, voice.track);
-    const std::vector<Sound> line = LineOf(SoundsOf(clock, voice, from, to), tune.remarks);
-    if (line.empty()) return tune;
-    const bool on_grid = LiesOnGrid(line, file.ticks_of_quarter);
-    const LineWriter writer{clock, file.ticks_of_quarter, on_grid, tune};
-    tune.on_grid = on_grid;
-    for (std::size_t i = 0; i < line.size(); ++i)
-        WriteSound(writer, line[i], i + 1 < line.size() ? line[i + 1].start : line[i].end);
-    TakeTempo(tune);
-    return tune;
-}
-
-std::optional<Tune> TuneOfNominal(const MidiFile& file) {
-    const int tempo = NominalTempoOf(file);
-    if (tempo == 0 || file.ticks_of_quarter == 0 || file.tracks != 1) return std::nullopt;
-    Tune tune;
-    tune.tempo = tempo;
-    tune.as_written = true;
-    const std::vector<NominalEvent> events = NominalEventsOf(file);
-    std::int64_t reached = 0;
-    for (std::size_t i = 0; i < events.size(); ++i) {
-        const NominalEvent& event = events[i];
-        if (event.tick != reached) return std::nullopt; // somebody changed the file
-        const std::int64_t next = i + 1 < events.size() ? events[i + 1].tick : file.ends.front();
-        if (event.kind != TuneKind::Separator) reached = event.kind == TuneKind::Note ? event.end : next;
-        TuneItem item{event.kind, event.pitch};
-        item.quarters = static_cast<double>(reached - event.tick) / file.ticks_of_quarter;
-        item.seconds = item.quarters * 60.0 / tempo;
-        if (event.kind != TuneKind::Separator && reached <= event.tick) return std::nullopt;
-        tune.items.push_back(item);
-    }
-    if (reached != file.ends.front()) return std::nullopt;
-    return tune;
 }
 
 } // namespace tonex

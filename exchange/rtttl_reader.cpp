@@ -17,6 +17,7 @@ constexpr int kShortestLength = 128;
 constexpr int kHighestOctave = 9;
 constexpr std::size_t kMostTextName = 60; ///< bytes of a name that are kept
 constexpr std::size_t kQuoted = 16;       ///< bytes of what is wrong that a reason shows
+constexpr std::size_t kMostLetters = 32;  ///< of a control or an item that means something
 
 /// A letter of the text without blanks, and where it stood.
 struct Letter {
@@ -77,18 +78,43 @@ bool TakeLetter(Word& word, char letter) {
     return true;
 }
 
-/// Splits at commas; blanks go, and letters become small.
-std::vector<Word> WordsOf(std::string_view text, std::size_t begin, std::size_t end) {
-    std::vector<Word> words(1);
-    for (std::size_t i = begin; i < end; ++i) {
-        const char letter = LowerCase(text[i]);
-        if (letter == ',' || letter == ';') {
-            words.emplace_back();
-        } else if (!IsBlank(letter) && !IsLineEnd(letter) && letter != '\0') {
-            words.back().push_back({letter, i});
-        }
+/// What stands between two commas, one after another: blanks go, and letters become small. Of a word that is
+/// longer than any, one letter too many is kept. Texts may be long: none is copied.
+struct Words {
+    std::string_view text;
+    std::size_t at;
+    std::size_t end;
+    bool voices = false;  ///< only the first voice: from a bar to the next semicolon all is left out
+    bool other = false;   ///< in another voice
+    int other_voices = 0; ///< that were left out
+    bool ended = false;
+};
+
+/// Whether the letter belongs to another voice.
+bool IsOfOtherVoice(Words& words, char letter) {
+    if (!words.voices) return false;
+    if (letter == ';') words.other = false;
+    if (letter == '|' && !words.other) {
+        words.other = true;
+        ++words.other_voices;
     }
-    return words;
+    return words.other;
+}
+
+/// The next word, which may be empty. False behind the last.
+bool TakeWord(Words& words, Word& word) {
+    word.clear();
+    if (words.ended) return false;
+    while (words.at < words.end) {
+        const std::size_t at = words.at++;
+        const char letter = LowerCase(words.text[at]);
+        if (IsOfOtherVoice(words, letter)) continue;
+        if (letter == ',' || letter == ';') return true;
+        const bool means = !IsBlank(letter) && !IsLineEnd(letter) && letter != '\0';
+        if (means && word.size() <= kMostLetters) word.push_back({letter, at});
+    }
+    words.ended = true;
+    return true;
 }
 
 bool SetControl(Reading& reading, char control, int value, const Word& whole) {
@@ -126,12 +152,15 @@ bool ReadControl(Reading& reading, const Word& whole) {
         return true;
     }
     const int value = TakeNumber(word, 30000);
-    if (!word.empty()) return Wrong(reading, whole.front().at, Quoted(whole) + " has no number behind the =");
+    if (!word.empty() || whole.size() > kMostLetters)
+        return Wrong(reading, whole.front().at, Quoted(whole) + " has no number behind the =");
     return SetControl(reading, control, value, whole);
 }
 
 bool ReadControls(Reading& reading, std::size_t begin, std::size_t end) {
-    for (const Word& word : WordsOf(reading.text, begin, end)) {
+    Words words{reading.text, begin, end};
+    Word word;
+    while (TakeWord(words, word)) {
         if (!word.empty() && !ReadControl(reading, word)) return false;
     }
     if (!reading.has_beats) Remark(reading.tune.remarks, "no tempo is given: 63");
@@ -203,6 +232,7 @@ bool AddItem(Reading& reading, TuneKind kind, int pitch, double quarters, std::s
 bool ReadNote(Reading& reading, const Word& whole) {
     Word word = whole;
     const std::size_t at = whole.front().at;
+    if (whole.size() > kMostLetters) return Wrong(reading, at, Quoted(whole) + " is no note or rest");
     const bool has_length = IsDigit(word.front().letter);
     const int number = has_length ? TakeNumber(word, kShortestLength) : reading.length;
     Tail tail;
@@ -225,26 +255,11 @@ bool ReadNote(Reading& reading, const Word& whole) {
     return AddItem(reading, TuneKind::Note, pitch, quarters, at);
 }
 
-/// Blanks out all voices but the first: what stands from a bar to the next semicolon or the end.
-std::string FirstVoice(std::string_view text, std::size_t begin, std::size_t end, Remarks& remarks) {
-    std::string first(text);
-    bool other = false;
-    for (std::size_t i = begin; i < end; ++i) {
-        if (text[i] == ';') other = false;
-        if (text[i] == '|' && !other) {
-            Remark(remarks, "took the first of several voices");
-            other = true;
-        }
-        if (other) first[i] = ' ';
-    }
-    return first;
-}
-
 bool ReadNotes(Reading& reading, std::size_t begin, std::size_t end) {
     reading.in_notes = true;
-    const std::string first = FirstVoice(reading.text.substr(0, end), begin, end, reading.tune.remarks);
-    const std::vector<Word> words = WordsOf(first, begin, end);
-    for (const Word& word : words) {
+    Words words{reading.text, begin, end, true};
+    Word word;
+    while (TakeWord(words, word)) {
         if (word.empty()) {
             Remark(reading.tune.remarks, "left out an empty item");
             continue;
@@ -252,6 +267,7 @@ bool ReadNotes(Reading& reading, std::size_t begin, std::size_t end) {
         const bool control = word.size() > 1 && word[1].letter == '=';
         if (!(control ? ReadControl(reading, word) : ReadNote(reading, word))) return false;
     }
+    if (words.other_voices > 0) Remark(reading.tune.remarks, "took the first of several voices");
     if (CountNotes(reading.tune) == 0) return Wrong(reading, begin, "the tune has no note");
     return true;
 }

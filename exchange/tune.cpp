@@ -107,6 +107,7 @@ void KeepPart(Tune& tune, double from, double to) {
             item.quarters *= part;
             item.seconds *= part;
         }
+        if (inside && kept.empty()) tune.start = first;
         if (inside) kept.push_back(item);
         start = end;
     }

@@ -31,6 +31,7 @@ struct Tune {
     std::string name;
     std::vector<TuneItem> items;
     double tempo = 120.0; ///< quarter notes a minute, of most of the tune
+    double start = 0.0;   ///< seconds from the begin of what it was read from
     bool on_grid = true;  ///< false: played by hand, or counted in no quarter notes: only the seconds count
     bool bends = false;   ///< the tempo changes on the way
     bool as_written = false; ///< lengths and tempo are those of a melody file and are to be kept
@@ -65,8 +66,8 @@ bool HalfTonesToPiano(std::pair<int, int> range, bool whole_octaves_first, int& 
 /// Plays it `speed` times as fast.
 void SpeedUp(Tune& tune, double speed);
 
-/// Keeps what starts in `from` to `to`, seconds; a note that is cut at its end gets shorter. What a rest
-/// loses is lost.
+/// Keeps what starts in `from` to `to`, seconds, and moves the tune's start there; a note that is cut at its
+/// end gets shorter. What a rest loses is lost.
 void KeepPart(Tune& tune, double from, double to);
 
 } // namespace tonex

@@ -1,6 +1,7 @@
 // Any bytes as a MIDI file: read, its voices weighed, each made a tune; a fitted one goes out and in again.
 #include "exchange/fit.h"
-#include "exchange/midi_voices.h"
+#include "exchange/midi_nominal.h"
+#include "exchange/midi_tune.h"
 #include "exchange/midi_writer.h"
 #include "exchange/played.h"
 

@@ -145,6 +145,14 @@ TEST(FitScore, TakesALittleUnevennessToHoldAll) {
     EXPECT_TRUE(IsBetterFit(near, whole));
 }
 
+TEST(FitScore, CountsNotesThatARestCutsShort) {
+    // Two and a half quarter notes are a half note and the rest of an eighth: 0.25 s of silence at 120.
+    const Fit fit = FitTune(Tables(), TuneOf(120.0, {1.0, 2.5, 1.0, -0.5, 2.5}), false);
+    EXPECT_EQ(fit.early_notes, 2);
+    EXPECT_NEAR(fit.most_early, 0.25, 1e-9);
+    EXPECT_EQ(FitTune(Tables(), TuneOf(120.0, {1.0, 2.0, -0.5, 1.75}), false).early_notes, 0);
+}
+
 TEST(FitTune, AnEndlessLengthTakesNoTimeAndNoRoom) {
     for (const bool exact : {false, true}) {
         const Fit fit = FitTune(Tables(), TuneOf(120.0, {1.0, 1e11, 1.0, 1.0}), exact);
@@ -200,6 +208,7 @@ TEST(Tune, MovesToThePianoByOctavesWhereTheyDoAndElseByTheLeast) {
 TEST(Tune, KeepsThePartFromOneSecondToAnother) {
     Tune tune = TuneOf(60.0, {1.0, 1.0, -1.0, 1.0, 2.0});
     KeepPart(tune, 1.0, 4.5);
+    EXPECT_NEAR(tune.start, 1.0, 1e-9);
     ASSERT_EQ(tune.items.size(), 4u);
     EXPECT_NEAR(LengthOf(tune), 3.5, 1e-9);
     EXPECT_NEAR(tune.items.back().quarters, 0.5, 1e-9);

@@ -1,5 +1,7 @@
 #include "exchange/fit.h"
-#include "exchange/midi_voices.h"
+#include "exchange/midi_clock.h"
+#include "exchange/midi_nominal.h"
+#include "exchange/midi_tune.h"
 #include "exchange/midi_writer.h"
 #include "exchange/played.h"
 
@@ -105,11 +107,29 @@ TEST(MidiReader, KeepsRunningStatusBeyondAMetaEventAndTells) {
     EXPECT_TRUE(HasRemark(file.remarks, "kept a status"));
 }
 
-TEST(MidiReader, StrikingAgainEndsAndOneOffEndsAll) {
-    const MidiFile file = Read(OneTrack({0, 0x90, 60, 100, 48, 60, 100, 48, 0x80, 60, 0}));
-    ASSERT_EQ(file.notes.size(), 2u);
-    EXPECT_EQ(file.notes[0].end, 48);
-    EXPECT_EQ(file.notes[1].end, 96);
+/// "0 to 48, 48 to 96"
+std::string TicksOf(const MidiFile& file) {
+    std::string text;
+    for (const MidiNote& note : file.notes)
+        text += (text.empty() ? "" : ", ") + std::to_string(note.start) + " to " + std::to_string(note.end);
+    return text;
+}
+
+TEST(MidiReader, StrikingAgainEndsTheStrokeBefore) {
+    EXPECT_EQ(TicksOf(Read(OneTrack({0, 0x90, 60, 100, 48, 60, 100, 48, 0x80, 60, 0}))),
+              "0 to 48, 48 to 96"); // one end for both
+}
+
+TEST(MidiReader, OfTwoEndsTheFirstBelongsToTheStrokeBefore) {
+    // Legato of 6 ticks on one key: each stroke has an end of its own.
+    EXPECT_EQ(
+        TicksOf(Read(OneTrack({0, 0x90, 60, 100, 48, 60, 100, 6, 60, 0, 42, 60, 100, 6, 60, 0, 42, 60, 0}))),
+        "0 to 48, 48 to 96, 96 to 144");
+    // Where there are fewer ends than strokes, one is for all in front of it.
+    const MidiFile file = Read(
+        OneTrack({0, 0x90, 60, 100, 48, 60, 100, 48, 60, 0, 48, 60, 100, 48, 60, 0, 48, 60, 100, 48, 60, 0}));
+    EXPECT_EQ(TicksOf(file), "0 to 48, 48 to 96, 144 to 192, 240 to 288");
+    EXPECT_TRUE(file.remarks.empty());
 }
 
 TEST(MidiReader, RepairsWhatCanBeRepairedAndTells) {
@@ -207,6 +227,38 @@ TEST(MidiReader, CountsOfTracksAndEventsAreLimited) {
     EXPECT_NE(FaultOf(OneTrack(events)).reason.find("events"), std::string::npos);
 }
 
+/// Every channel of a track strikes a key.
+Bytes StrokesOfAllChannels() {
+    Bytes events;
+    for (int channel = 0; channel < 16; ++channel) {
+        const auto on = static_cast<std::uint8_t>(0x90 | channel);
+        events.insert(events.end(), {0, on, 60, 100, 10, 60, 0});
+    }
+    return events;
+}
+
+/// An event, time in front, so many times.
+Bytes ManyTimes(const Bytes& event, int times) {
+    Bytes events;
+    for (int i = 0; i < times; ++i)
+        events.insert(events.end(), event.begin(), event.end());
+    return events;
+}
+
+TEST(MidiVoices, ThousandsOfThemAndAHundredThousandTemposOrTextsOrProgramsTakeNoTime) {
+    // To go through all of one for each of the other would last for minutes.
+    constexpr int many = 200000;
+    for (const Bytes& events : {ManyTimes({1, 0xFF, 0x51, 3, 7, 0xA1, 0x20}, many),
+                                ManyTimes({0, 0xFF, 1, 1, 'x'}, many), ManyTimes({0, 0xC0, 5}, many)}) {
+        Bytes bytes = Header(1, 901, 96);
+        AddTrack(bytes, events);
+        for (int i = 0; i < 900; ++i)
+            AddTrack(bytes, StrokesOfAllChannels());
+        const MidiFile file = Read(bytes);
+        EXPECT_EQ(VoicesOf(file).size(), 900u * 16u);
+    }
+}
+
 TEST(MidiReader, SmpteDivisionsAreSeconds) {
     for (const auto& [frames, rate] : {std::pair{24, 24.0}, {25, 25.0}, {29, 30000.0 / 1001.0}, {30, 30.0}}) {
         Bytes bytes = Header(0, 1, (256 - frames) << 8 | 40);
@@ -257,9 +309,63 @@ TEST(MidiVoices, ANameMakesAMelody) {
     auto voices = VoicesOf(Read(bytes));
     ASSERT_EQ(voices.size(), 2u);
     EXPECT_EQ(voices[1].name, "Lead");
-    // Both sound alone in their voice and all the time; the upper one is on top, the lower one has the name.
-    EXPECT_NEAR(voices[0].points, 40.0 + 25.0 + 20.0 + 15.0 * 10.0 / 12.0, 1e-6);
-    EXPECT_NEAR(voices[1].points, 25.0 + 20.0 + 15.0 * 10.0 / 12.0 + 30.0, 1e-6);
+    // Both go by steps, alone in their voice and all the time; the upper one is on top, the lower one has the
+    // name.
+    EXPECT_NEAR(voices[0].points, 20.0 + 25.0 + 20.0 + 15.0 * 10.0 / 12.0 + 20.0, 1e-6);
+    EXPECT_NEAR(voices[1].points, 25.0 + 20.0 + 15.0 * 10.0 / 12.0 + 20.0 + 30.0, 1e-6);
+}
+
+/// The points of one voice of ten notes, some half tones up and down in turns, a name in front.
+double PointsOfName(std::string_view name, int interval = 2, std::uint8_t ticks = 48) {
+    Bytes events = {0, 0xFF, 3, static_cast<std::uint8_t>(name.size())};
+    events.insert(events.end(), name.begin(), name.end());
+    for (int i = 0; i < 10; ++i) {
+        const auto key = static_cast<std::uint8_t>(60 + i % 2 * interval);
+        events.insert(events.end(), {0, 0x90, key, 100, ticks, key, 0});
+    }
+    return VoicesOf(Read(OneTrack(events))).front().points;
+}
+
+TEST(MidiVoices, NamesAreReadByWholeWords) {
+    const double plain = PointsOfName("x");
+    for (const char* name :
+         {"Lead 1", "LeadVocals", "main melody", "Melodie", "Singstimme", "SOLO", "voice-2"})
+        EXPECT_NEAR(PointsOfName(name), plain + 30.0, 1e-6) << name;
+    for (const char* name : {"Bass", "E-Bass (finger)", "Drums", "Piano chords", "Pad", "percussion"})
+        EXPECT_NEAR(PointsOfName(name), plain - 30.0, 1e-6) << name;
+    for (const char* name : {"Paddy Whack", "Harpsichord", "Bassoon", "Fortune", "Single coil", "Resolution"})
+        EXPECT_NEAR(PointsOfName(name), plain, 1e-6) << name;
+}
+
+TEST(MidiVoices, StepsGivePointsAndLeapsAndHeldNotesTakeThem) {
+    const double steps = PointsOfName("x");
+    EXPECT_NEAR(PointsOfName("x", 0), steps - 20.0 - 15.0 / 12.0,
+                1e-6); // one note again and again, one pitch less
+    EXPECT_NEAR(PointsOfName("x", 5), steps - 20.0 - 20.0 / 3.0, 1e-6);
+    EXPECT_NEAR(PointsOfName("x", 12), steps - 20.0 - 20.0, 1e-6);
+    EXPECT_NEAR(PointsOfName("x", 2, 96), steps, 1e-6);
+    Bytes events = {0,    0xFF, 0x51, 3,
+                    0x13, 0x12, 0xD0}; // 1.25 s a quarter note, a quarter of a second too many
+    for (int i = 0; i < 10; ++i) {
+        const auto key = static_cast<std::uint8_t>(60 + i % 2 * 2);
+        events.insert(events.end(), {0, 0x90, key, 100, 96, key, 0});
+    }
+    EXPECT_NEAR(VoicesOf(Read(OneTrack(events))).front().points, steps - 25.0 * 0.25, 1e-6);
+}
+
+TEST(MidiVoices, TwoThatShareTheHighestNoteBothLieHighest) {
+    Bytes bytes = Header(1, 2, 96);
+    for (int track = 0; track < 2; ++track) {
+        Bytes events;
+        for (int i = 0; i < 10; ++i) {
+            const auto key = static_cast<std::uint8_t>(60 + i);
+            events.insert(events.end(), {0, 0x90, key, 100, 96, key, 0});
+        }
+        AddTrack(bytes, events);
+    }
+    const auto voices = VoicesOf(Read(bytes));
+    EXPECT_NEAR(voices[0].points, voices[1].points, 1e-9);
+    EXPECT_EQ(MelodyOf(voices, -1, -1), 0);
 }
 
 TEST(MidiVoices, OfAChordTheHighestAndALowerNoteUnderAHeldOneIsLeftOut) {
@@ -292,6 +398,51 @@ TEST(MidiVoices, SilenceInFrontIsLeftOutAndAPartCanBeTaken) {
     const MidiFile file = Read(bytes);
     const auto voices = VoicesOf(file);
     EXPECT_EQ(ItemsOf(TuneOfVoice(file, voices[0], 0.9, 1.75)), "d4 1, e4 0.5");
+}
+
+TEST(MidiTune, TheLastNoteIsAsLongAsTheOthersGapsLetExpect) {
+    const auto played = [](std::uint8_t sounding, std::uint8_t last) {
+        Bytes events;
+        for (int i = 0; i < 4; ++i) {
+            const auto silent = static_cast<std::uint8_t>(96 - sounding);
+            events.insert(events.end(), {0, 0x90, 60, 100, sounding, 60, 0, silent, 0xB0, 7, 100});
+        }
+        events.insert(events.end(), {0, 0x90, 62, 100, last, 62, 0});
+        const Tune tune = Melody0(OneTrack(events));
+        EXPECT_NEAR(tune.items.back().seconds, tune.items.back().quarters * 0.5, 1e-9);
+        return tune.items.back().quarters;
+    };
+    EXPECT_DOUBLE_EQ(played(86, 86), 1.0); // nine tenths of each sound
+    EXPECT_DOUBLE_EQ(played(72, 72), 1.0);
+    EXPECT_DOUBLE_EQ(played(96, 72), 0.75);
+    EXPECT_DOUBLE_EQ(played(95, 95), 1.0);
+    EXPECT_DOUBLE_EQ(played(72, 96), 1.0); // held where the others were not
+    EXPECT_DOUBLE_EQ(played(96, 102), 1.0);
+    EXPECT_NEAR(played(86, 29), 1.0 / 3.0, 1e-9);
+}
+
+TEST(MidiTune, SecondsAreThoseOfTheFileAndNotOfThePlacesWhereNotesAreWritten) {
+    // The second note comes a hundredth of a quarter note late: near enough to be on the grid.
+    Bytes bytes = Header(0, 1, 100);
+    AddTrack(bytes, {0, 0x90, 60, 100, 101, 60, 0, 0, 62, 100, 99, 62, 0, 0, 64, 100, 100, 64, 0});
+    const Tune tune = Melody0(bytes);
+    EXPECT_EQ(ItemsOf(tune), "c4 1, d4 1, e4 1");
+    EXPECT_NEAR(tune.items[0].seconds, 0.505, 1e-9);
+    EXPECT_NEAR(tune.items[1].seconds, 0.495, 1e-9);
+    EXPECT_EQ(tune.tempo, 120.0);
+    EXPECT_FALSE(tune.bends);
+}
+
+TEST(MidiTune, TellsWhereItBegins) {
+    const Bytes bytes = OneTrack({96, 0x90, 60, 100, 96, 60, 0, 0, 62, 100, 96, 62, 0});
+    EXPECT_DOUBLE_EQ(Melody0(bytes).start, 0.5);
+    const MidiFile file = Read(bytes);
+    EXPECT_DOUBLE_EQ(TuneOfVoice(file, VoicesOf(file).front(), 0.75, 9.0).start, 1.0);
+}
+
+TEST(MidiTune, ATempoOfAMillionthOfASecondIsNoFault) {
+    const Tune tune = Melody0(OneTrack({0, 0xFF, 0x51, 3, 0, 0, 1, 0, 0x90, 60, 100, 96, 60, 0}));
+    EXPECT_NEAR(tune.tempo, 6e7, 1.0);
 }
 
 TEST(MidiVoices, OnsetsOffThePlacesOfAScoreAreOnNoGrid) {

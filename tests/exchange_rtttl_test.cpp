@@ -164,6 +164,25 @@ TEST(RtttlReader, CountsOfTunesAndItemsAreLimited) {
     EXPECT_NE(FaultOf(tunes).reason.find("more than 1000 tunes"), std::string::npos);
 }
 
+TEST(RtttlReader, AWordOfAMillionLettersIsRefusedAtOnce) {
+    constexpr std::size_t million = 1000000; // to take letters off its front one by one would last for hours
+    EXPECT_NE(FaultOf("x:b=90:" + std::string(million, '1')).reason.find("no note"), std::string::npos);
+    EXPECT_NE(FaultOf("x:b=90:c" + std::string(million, '#')).reason.find("no note"), std::string::npos);
+    EXPECT_NE(FaultOf("x:b=90:c" + std::string(million, 'b')).reason.find("no note"), std::string::npos);
+    EXPECT_NE(FaultOf("x:b=" + std::string(million, '1') + ":c").reason.find("no number"), std::string::npos);
+    EXPECT_EQ(ItemsOf(ReadOne("x:d=4,b=90,z=" + std::string(million, 'z') + ":c")), "c6 1");
+    // Zeros that mean nothing are read as far as anything is.
+    EXPECT_EQ(ItemsOf(ReadOne("x:d=4,b=" + std::string(20, '0') + "90:c")), "c6 1");
+    EXPECT_EQ(FaultOf("x:b=" + std::string(40, '0') + "90:c").column, 3);
+}
+
+TEST(RtttlReader, AThousandTunesOfManyBlanksAreReadAtOnce) {
+    std::string tunes; // to copy the text for every tune would be 4000 million bytes
+    for (int i = 0; i < kMostTunes; ++i)
+        tunes += "x:d=4,b=90:c" + std::string(8000, ' ') + "\n";
+    EXPECT_EQ(Read(tunes).size(), static_cast<std::size_t>(kMostTunes));
+}
+
 // The writer.
 
 Melody MelodyFrom(std::string_view text) {

@@ -94,6 +94,32 @@ def test_a_wrong_ring_tone_is_refused_with_line_and_column(sndtool, tmp_path):
     assert not (tmp_path / "wrong.snd").exists()
 
 
+def test_what_is_refused_stands_in_the_json_with_its_reason(sndtool, tmp_path):
+    (tmp_path / "wrong.txt").write_bytes(b"y:b=90:c,8x\n")
+    (tmp_path / "zero.mid").write_bytes(b"MThd\0\0\0\6\0\0\0\1\0\0MTrk\0\0\0\4\0\xff\x2f\0")
+    (tmp_path / "wide.txt").write_bytes(b"x:d=4,o=3,b=120:c,c8\n")
+    (tmp_path / "good.txt").write_bytes(RING)
+    files = ["wrong.txt", "zero.mid", "none.txt", "wide.txt", "good.txt"]
+    told = {one["file"]: one.get("error") for one in report(sndtool, "import", *files, status=1)}
+    assert told == {"wrong.txt": 'line 1, column 10: "8x" is no note or rest',
+                    "zero.mid": "offset 12: the division is 0",
+                    "none.txt": "no such file",
+                    "wide.txt": "spans 61 half tones, the piano has 49: choose a part with --from and --to, "
+                                "or take it as it is with --transpose 0",
+                    "good.txt": None}
+    assert (tmp_path / "good.snd").exists()
+    told = report(sndtool, "import", "--list", *files, status=1)
+    assert [one["file"] for one in told if "error" in one] == ["wrong.txt", "zero.mid", "none.txt"]
+
+
+def test_a_thousand_tunes_of_one_name_get_names_at_once(sndtool, tmp_path):
+    (tmp_path / "all").mkdir()
+    (tmp_path / "all.txt").write_bytes(b"Same:d=4,o=5,b=120:c,d\n" * 1000)
+    assert sndtool("import", "all.txt", "-o", "all").returncode == 0
+    names = {path.name for path in (tmp_path / "all").iterdir()}
+    assert len(names) == 1000 and {"Same.snd", "Same2.snd", "Same1000.snd"} <= names
+
+
 def test_octave_transpose_and_speed(sndtool, tmp_path):
     (tmp_path / "ring.txt").write_bytes(b"x:d=4,o=5,b=120:c,g\n")
 
@@ -136,7 +162,11 @@ def test_what_does_not_fit_is_told_in_seconds_and_fit_takes_the_part(sndtool, tm
     assert not (tmp_path / "long.snd").exists()
     told = report(sndtool, "import", "long.txt", "--fit")[0]
     assert (told["entries"], told["whole"], told["seconds_that_fit"]) == (509, False, 127.25)
-    assert report(sndtool, "import", "long.txt", "--from", "100")[0]["whole"]
+    assert "what is behind them with --from 127.25\n" in sndtool.bad(1, "import", "long.txt").replace("\r", "")
+    # Played twice as fast, the same part fits: --from counts in the file.
+    assert "--from 127.25" in sndtool.bad(1, "import", "long.txt", "--speed", "2")
+    behind = report(sndtool, "import", "long.txt", "--from", "127.25")[0]
+    assert (behind["whole"], behind["notes"], behind["start"]) == (True, 91, 127.25)
     sndtool.good("check", "long.snd")
 
 
@@ -181,6 +211,143 @@ def test_a_midi_file_of_mido_played_by_hand(sndtool, tmp_path):
     assert told["method"] == "exact" and told["j"] <= 1.1 and told["notes"] == 24
     assert told["entries"] <= 60
     sndtool.good("check", "hand.snd")
+
+
+def test_silence_in_front_and_behind_notes_is_told(sndtool, tmp_path):
+    name = abc2midi(tmp_path, "ties", "X:1\nT:Ties\nM:4/4\nL:1/4\nQ:1/4=120\nK:C\nz4|z2 C D|E4-|E F c2|\n")
+    done = sndtool("import", name)
+    told = lines(done.stderr)
+    assert "  begins       3.0 s into the file" in told
+    assert "  silence      behind 1 note, at most 500 ms: no entry has that length, so a rest follows" in told
+    one = report(sndtool, "import", name)[0]
+    assert (one["start"], one["early_notes"]) == (pytest.approx(3.0, abs=0.002), 1)
+    assert one["most_early_milliseconds"] == pytest.approx(500, abs=2)
+
+
+def onsets_of_midi(path):
+    """Seconds of all onsets and of the last end, by mido."""
+    onsets, end, now = [], 0.0, 0.0
+    for message in mido.MidiFile(path):
+        now += message.time
+        if message.type == "note_on" and message.velocity > 0:
+            onsets.append(now)
+        elif message.type in ("note_on", "note_off"):
+            end = now
+    return [*onsets, end]
+
+
+def onsets_of_snd(data):
+    """Seconds of all onsets and of the end, by the play block."""
+    onsets, units, goes_on, at = [], 0, False, 4
+    while data[at:at + 2] != b"\xff\xff":
+        quarters = data[at + 1] >> 4
+        if quarters and not goes_on:
+            onsets.append(units * data[2] / 64)
+        goes_on = quarters == 4
+        units += data[at + 1] & 15 or 16
+        at += 2
+    return [*onsets, units * data[2] / 64]
+
+
+@pytest.mark.parametrize("late", [0, 5, 25], ids=["score", "near the score", "by hand"])
+def test_the_report_tells_the_true_rounding(sndtool, tmp_path, late):
+    generator = random.Random(4)
+    file = mido.MidiFile(type=0, ticks_per_beat=480)
+    track = mido.MidiTrack()
+    file.tracks.append(track)
+    place, now = 480, 0
+    for quarters in [1, .5, .5, 1, 1, 2, .5, .5, .5, .5, 1, 1] * 3:
+        start = place + generator.randint(-late, late)
+        place += round(480 * quarters)
+        track.append(mido.Message("note_on", note=60, velocity=80, time=start - now))
+        track.append(mido.Message("note_off", note=60, velocity=0, time=place - late - start))
+        now = place - late
+    file.save(tmp_path / "in.mid")
+    told = report(sndtool, "import", "in.mid", "-o", "in.snd")[0]
+    meant = onsets_of_midi(tmp_path / "in.mid")
+    played = onsets_of_snd((tmp_path / "in.snd").read_bytes())
+    assert len(meant) == len(played)
+    # The last note's end is nobody's onset.
+    meant = [b - a for a, b in zip(meant, meant[1:])][:-1]
+    played = [b - a for a, b in zip(played, played[1:])][:-1]
+    speed = sum(played) / sum(meant)
+    errors = [p - speed * m for p, m in zip(played, meant)]
+    assert told["slower_percent"] == pytest.approx(100 * (speed - 1), abs=0.1)
+    assert told["mean"]["milliseconds"] == pytest.approx(1000 * sum(map(abs, errors)) / len(errors), abs=0.3)
+    heard = max(errors, key=lambda error: abs(error) / max(0.006, 0.025 * meant[errors.index(error)]))
+    if late:
+        assert abs(told["worst"]["milliseconds"]) == pytest.approx(abs(1000 * heard), abs=0.5)
+    else:
+        assert told["j"] == 0
+
+
+# Arrangements, and the voice that is the melody. The title becomes the first voice's name.
+ARRANGEMENTS = {
+    "melody with chords and bass": (0, """M:3/4
+L:1/8
+Q:1/4=120
+K:F
+"F"F>F|F2C2A>A|A2F2F>A|c4 c>B|A2G4|"C7"G>A|B4 B>A|G2A2F>A|"C7"G4C>E|"F"F4||
+"""),
+    "under long high notes": (0, """M:3/4
+L:1/8
+Q:1/4=90
+K:D
+V:1
+V:2
+[V:1]F>E|D3E F>G|A4 B>c|d2c2B2|A4 B>c|d2c2B2|A2B2c2|d2A2G2|F4 ||
+[V:2]z2|d'6|f'6|d'6|e'6|f'6|e'6|d'4e'2|d'4||
+"""),
+    "above chords that go higher": (0, """M:6/8
+L:1/8
+Q:1/4=60
+K:A
+V:1
+V:2
+[V:1]E3E2F|E3A2B|c3B2A|A3G3|z6|B3B2c|B3e2d|c3B2A|A6|
+[V:2][A,CE]2[A,CE][A,CE]2[A,CE]|[A,CE]2[ce][ce]2[a]|[eac']3[dgb]3|[cea]3[Beg]3|[c'e'a']2[bd'][a]2[g]|[EGB]3[EGB]3|[EGB]3[EGB]3|[Ace]3[EGB]3|[CEA]6|
+"""),
+    "above a harp": (0, """M:6/4
+L:1/8
+Q:1/4=100
+K:G
+V:1
+V:2
+[V:1]g4f4B4|e4d4G4|A2B2c8|B12|A4G4E4|G4F4B,4|D2E2F8|G12|
+[V:2]G,DGBdg G,DGBdg|G,DGBdgG,DGBdg|G,DFAcdG,DFAcd|G,DGBdgG,DGBdg|G,CEGceG,CEGce|A,CEAceA,CEAce|A,DFAdfA,DFAdf|G,DGBdgG,DGBdg|
+"""),
+    "the third of four": (2, """M:4/4
+L:1/8
+Q:1/4=120
+K:C
+V:1
+V:2
+V:3
+V:4
+[V:1][eg]2[eg]2[eg]2[eg]2|[fa]2[fa]2[fa]2[fa]2|[dg]2[dg]2[dg]2[dg]2|[eg]2[eg]2[eg]4|
+[V:2][c'e'g']8|[c'f'a']8|[bd'g']8|[c'e'g']8|
+[V:3]z2GAc2e2|d2c2A4|z2GAB2d2|c6z2|
+[V:4]%%MIDI program 33
+C,4G,,4|F,,4C,4|G,,4D,4|C,4G,,4|
+"""),
+    "left hand of a waltz": (1, """M:3/4
+L:1/8
+Q:1/4=150
+K:D
+V:1
+V:2
+[V:1]z2[fa]2[fa]2|z2[fa]2[fa]2|z2[eg]2[eg]2|z2[eg]2[eg]2|z2[eg]2[eg]2|z2[eg]2[eg]2|z2[fa]2[fa]2|z2[fa]2[fa]2|
+[V:2]D2F2A2|A4z2|C2E2G2|B4z2|B,2E2G2|B4z2|D2F2A2|d4z2|
+"""),
+}
+
+
+@pytest.mark.native
+@pytest.mark.parametrize("arrangement", ARRANGEMENTS)
+def test_the_melody_is_the_one_that_a_listener_would_name(sndtool, tmp_path, arrangement):
+    voice, abc = ARRANGEMENTS[arrangement]
+    told = report(sndtool, "import", abc2midi(tmp_path, "tune", "X:1\nT:Air\n" + abc), "--list")
+    assert [one["melody"] for one in told].index(True) == voice
 
 
 def test_broken_midi_is_refused_with_the_offset(sndtool, tmp_path):
@@ -232,6 +399,7 @@ def test_nominal_midi_comes_back_byte_for_byte(sndtool, tmp_path):
     assert report(sndtool, "export", "m.snd", "--to", "mid", "-o", "played.mid")[0]["j"] == 0
     sndtool("import", "m.mid", "-o", "back.snd")
     assert (tmp_path / "back.snd").read_bytes() == made
+    assert report(sndtool, "import", "m.mid", "-o", "exact.snd", "--exact")[0]["method"] == "exact"
     rows = midicsv((tmp_path / "m.mid").read_bytes(), tmp_path)
     assert [row[1:5] for row in rows if row[2] == "Note_on_c"] == [["480", "Note_on_c", "0", "60"],
                                                                    ["600", "Note_on_c", "0", "74"]]

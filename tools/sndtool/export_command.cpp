@@ -1,5 +1,6 @@
 #include "exchange/fit.h"
-#include "exchange/midi_voices.h"
+#include "exchange/midi_clock.h"
+#include "exchange/midi_reader.h"
 #include "exchange/midi_writer.h"
 #include "exchange/played.h"
 #include "exchange/rtttl.h"

@@ -1,16 +1,18 @@
 #include "exchange/fit.h"
-#include "exchange/midi_voices.h"
 #include "exchange/played.h"
-#include "exchange/rtttl.h"
 #include "score/number_text.h"
 #include "tools/sndtool/console.h"
 #include "tools/sndtool/exchange.h"
+#include "tools/sndtool/gathering.h"
 #include "tools/sndtool/inputs.h"
 #include "tools/sndtool/outputs.h"
 #include "tools/sndtool/reports.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <map>
+#include <set>
 
 namespace tonex {
 
@@ -21,224 +23,30 @@ constexpr int kHighestPitch = kFileMaxPitch + 1;
 constexpr int kMostHalfTones = 200;
 constexpr std::size_t kMostNameBytes = 8; ///< that the organiser knows
 
-/// One tune on its way from a file to a melody.
-struct Import {
-    std::string input;
-    Tune tune;
-    std::string source; ///< "tune 2 \"Name\"", "track 3 \"Lead\", channel 1"
-    std::string chosen; ///< why this one; empty when it was asked for or there is no other
-    nlohmann::ordered_json json = nlohmann::ordered_json::object(); ///< what the report has of it
-};
-
-std::string Named(const std::string& what, const std::string& name) {
-    return name.empty() ? what : what + " \"" + name + "\"";
-}
-
 bool Refuse(const std::string& input, const std::string& reason) {
     Complain(input, reason);
     return false;
 }
 
-// Ring tones.
-
-/// What `--list` tells of a tune.
-Report ListingOf(const std::string& input, const Tune& tune, const std::string& source) {
-    Report report;
-    report.head = input + ": " + source;
-    const auto [lowest, highest] = RangeOf(tune);
-    const std::string from = lowest >= 1 ? PitchTextOf(lowest) : "-";
-    const std::string to = highest >= 1 ? PitchTextOf(highest) : "-";
-    Tell(report, "notes", std::to_string(CountNotes(tune)) + ", " + from + " to " + to);
-    Tell(report, "length", Decimal(LengthOf(tune), 1) + " s at tempo " + Decimal(tune.tempo, 1));
-    report.json = {{"file", input},
-                   {"source", source},
-                   {"name", tune.name},
-                   {"notes", CountNotes(tune)},
-                   {"lowest_note", from},
-                   {"highest_note", to},
-                   {"seconds", Rounded(LengthOf(tune), 3)},
-                   {"tempo", Rounded(tune.tempo, 3)}};
-    return report;
-}
-
-bool GatherRtttl(const std::string& input, std::string_view text, const ImportWish& wish,
-                 std::vector<Import>& imports) {
-    RtttlFault fault;
-    auto tunes = ReadRtttl(text, fault);
-    if (!tunes) {
-        return Refuse(input, "line " + std::to_string(fault.line) + ", column " +
-                                 std::to_string(fault.column) + ": " + fault.reason);
-    }
-    const int count = static_cast<int>(tunes->size());
-    if (wish.channel != 0) return Refuse(input, "ring tones have no channels");
-    if (wish.track > count) return Refuse(input, "there are only " + std::to_string(count) + " tunes");
-    for (int i = 0; i < count; ++i) {
-        if (wish.track != 0 && wish.track != i + 1) continue;
-        Tune& tune = At(*tunes, i);
-        Import import;
-        import.input = input;
-        import.source = Named("tune " + std::to_string(i + 1), tune.name);
-        import.json["tune"] = i + 1;
-        KeepPart(tune, wish.from, wish.to);
-        import.tune = std::move(tune);
-        imports.push_back(std::move(import));
-    }
-    return true;
-}
-
-// MIDI.
-
-std::string SourceOf(const MidiVoice& voice) {
-    return Named("track " + std::to_string(voice.track + 1), voice.name) + ", channel " +
-           std::to_string(voice.channel + 1);
-}
-
-Report VoiceListing(const std::string& input, const MidiVoice& voice, bool melody) {
-    Report report;
-    report.head =
-        input + ": " + SourceOf(voice) + (melody ? " (the melody, if nothing else is asked for)" : "");
-    const auto text = [](int pitch) {
-        return pitch >= 1 ? PitchTextOf(pitch) : "MIDI " + std::to_string(pitch + 33);
-    };
-    Tell(report, "notes",
-         std::to_string(voice.notes.size()) + ", " + text(voice.lowest) + " to " + text(voice.highest) +
-             (voice.drums ? "; drums" : ""));
-    Tell(report, "length", Decimal(voice.seconds, 1) + " s");
-    Tell(report, "overlaps", voice.overlapping == 0 ? "none" : std::to_string(voice.overlapping) + " notes");
-    Tell(report, "points", Decimal(voice.points, 0) + " as a melody");
-    report.json = {{"file", input},
-                   {"source", SourceOf(voice)},
-                   {"track", voice.track + 1},
-                   {"channel", voice.channel + 1},
-                   {"name", voice.name},
-                   {"drums", voice.drums},
-                   {"notes", voice.notes.size()},
-                   {"lowest_note", text(voice.lowest)},
-                   {"highest_note", text(voice.highest)},
-                   {"seconds", Rounded(voice.seconds, 3)},
-                   {"overlapping", voice.overlapping},
-                   {"points", Rounded(voice.points, 1)},
-                   {"melody", melody}};
-    return report;
-}
-
-bool ReadMidiInput(const std::string& input, std::span<const std::uint8_t> bytes, MidiFile& file) {
-    MidiFault fault;
-    if (ReadMidi(bytes, file, fault)) return true;
-    ComplainOffset(input, fault.offset, fault.reason);
-    return false;
-}
-
-/// Adds the melody among the voices of a track, or of all.
-bool AddVoice(const std::string& input, const MidiFile& file, const std::vector<MidiVoice>& voices,
-              const ImportWish& wish, int track, std::vector<Import>& imports) {
-    const int chosen = MelodyOf(voices, track, wish.channel - 1);
-    if (chosen < 0) {
-        return Refuse(input, wish.channel - 1 == kMidiDrums ? "channel 10 has drums, which are no melody"
-                                                            : "there is no melody in what was asked for");
-    }
-    const MidiVoice& voice = At(voices, chosen);
-    Import import;
-    import.input = input;
-    import.source = SourceOf(voice);
-    import.tune = TuneOfVoice(file, voice, wish.from, wish.to);
-    const auto others = std::count_if(voices.begin(), voices.end(), [&](const MidiVoice& other) {
-        return !other.drums && (track < 0 || other.track == track);
-    });
-    if (others > 1 && wish.channel == 0)
-        import.chosen = "most points as a melody, " + Decimal(voice.points, 0) + ", of " +
-                        std::to_string(others) + " voices; see --list";
-    import.json = {{"track", voice.track + 1},
-                   {"channel", voice.channel + 1},
-                   { "points",
-                     Rounded(voice.points, 1) }};
-    for (const auto& [what, times] : file.remarks)
-        import.tune.remarks.emplace_back(what, times);
-    imports.push_back(std::move(import));
-    return true;
-}
-
-bool GatherMidi(const std::string& input, std::span<const std::uint8_t> bytes, const ImportWish& wish,
-                std::vector<Import>& imports) {
-    MidiFile file;
-    if (!ReadMidiInput(input, bytes, file)) return false;
-    if (auto nominal = TuneOfNominal(file); nominal && wish.track <= 1 && wish.channel <= 1) {
-        Import import;
-        import.input = input;
-        import.source = "track 1, channel 1";
-        import.tune = std::move(*nominal);
-        Remark(import.tune.remarks, "took lengths and tempo as the file's maker wrote them");
-        KeepPart(import.tune, wish.from, wish.to);
-        imports.push_back(std::move(import));
-        return true;
-    }
-    const std::vector<MidiVoice> voices = VoicesOf(file);
-    if (voices.empty()) return Refuse(input, "there is no note in it");
-    if (file.format != 2 || wish.track != 0)
-        return AddVoice(input, file, voices, wish, wish.track - 1, imports);
-    bool good = true; // every track is a tune
-    for (int track = 0; track < file.tracks; ++track) {
-        const bool sounds = std::any_of(voices.begin(), voices.end(), [&](const MidiVoice& voice) {
-            return voice.track == track && !voice.drums;
-        });
-        if (sounds) good = AddVoice(input, file, voices, wish, track, imports) && good;
-    }
-    return good;
-}
-
-/// Reads a file and tells its kind by its content.
-bool Gather(const std::string& input, const ImportWish& wish, std::vector<Import>& imports) {
-    std::vector<std::uint8_t> bytes;
-    if (!ReadInput(input, bytes)) return false;
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (LooksLikeMidi(bytes)) return GatherMidi(input, bytes, wish, imports);
-    if (LooksLikeRtttl(text)) return GatherRtttl(input, text, wish, imports);
-    PlayBlock block;
-    if (ReadPlayBlock(bytes, block)) return Refuse(input, "is a SND file already");
-    return Refuse(input, "offset 0: neither a MIDI file nor a ring tone");
-}
-
-bool List(const std::string& input, const ImportWish& wish, std::vector<Report>& reports) {
-    std::vector<std::uint8_t> bytes;
-    if (!ReadInput(input, bytes)) return false;
-    if (LooksLikeMidi(bytes)) {
-        MidiFile file;
-        if (!ReadMidiInput(input, bytes, file)) return false;
-        const std::vector<MidiVoice> voices = VoicesOf(file);
-        for (int i = 0; i < static_cast<int>(voices.size()); ++i) {
-            const int among = file.format == 2 ? At(voices, i).track : -1;
-            reports.push_back(VoiceListing(input, At(voices, i), i == MelodyOf(voices, among, -1)));
-        }
-        return !voices.empty() || Refuse(input, "there is no note in it");
-    }
-    std::vector<Import> imports;
-    if (!Gather(input, wish, imports)) return false;
-    for (const Import& import : imports)
-        reports.push_back(ListingOf(input, import.tune, import.source));
-    return true;
-}
-
-// From a tune to a melody.
-
-/// The half tones by which a tune is moved. False, with the user told, when it can not lie on the piano.
-bool ChooseTransposition(const Import& import, const ImportWish& wish, int& half_tones) {
+/// The half tones by which a tune is moved. False, with the reason, when it can not lie on the piano.
+bool ChooseTransposition(const Import& import, const ImportWish& wish, int& half_tones, std::string& reason) {
     const auto [lowest, highest] = RangeOf(import.tune);
+    const int octaves = kOctave * wish.octave;
     const bool given = !wish.transpose.empty() && wish.transpose != "fit";
+    int more = 0;
     if (given) {
-        half_tones = std::stoi(wish.transpose) + kOctave * wish.octave;
-    } else {
-        const int octaves = kOctave * wish.octave;
-        int more = 0;
-        if (!HalfTonesToPiano({lowest + octaves, highest + octaves}, wish.transpose.empty(), more)) {
-            return Refuse(import.input,
-                          import.source + " spans " + std::to_string(highest - lowest + 1) +
-                              " half tones, the piano has 49: choose a part with --from and --to, or "
-                              "take it as it is with --transpose 0");
-        }
-        half_tones = octaves + more;
+        more = std::stoi(wish.transpose);
+    } else if (!HalfTonesToPiano({lowest + octaves, highest + octaves}, wish.transpose.empty(), more)) {
+        reason =
+            "spans " + std::to_string(highest - lowest + 1) +
+            " half tones, the piano has 49: choose a part with --from and --to, or take it as it is with "
+            "--transpose 0";
+        return false;
     }
+    half_tones = octaves + more;
     if (lowest + half_tones >= kLowestPitch && highest + half_tones <= kHighestPitch) return true;
-    return Refuse(import.input, import.source + " lies outside what a SND file can hold");
+    reason = "lies outside what a SND file can hold";
+    return false;
 }
 
 /// "12 half tones up"
@@ -279,6 +87,25 @@ void TellSize(Report& report, const Tune& tune, const Fit& fit) {
     report.json["seconds_that_fit"] = Rounded(fit.seconds_written, 3);
 }
 
+/// Where the tune begins in its file, and what of it is silence or left out.
+void TellPart(Report& report, const Tune& tune, const Fit& fit) {
+    report.json["start"] = Rounded(tune.start, 3);
+    report.json["early_notes"] = fit.early_notes;
+    report.json["most_early_milliseconds"] = Rounded(1000.0 * fit.most_early, 2);
+    constexpr double told_from = 0.05; // seconds
+    if (tune.start > told_from) Tell(report, "begins", Decimal(tune.start, 1) + " s into the file");
+    if (fit.early_notes > 0) {
+        Tell(report, "silence",
+             "behind " + std::to_string(fit.early_notes) + (fit.early_notes == 1 ? " note" : " notes") +
+                 ", at most " + Decimal(1000.0 * fit.most_early, 0) +
+                 " ms: no entry has that length, so a rest follows");
+    }
+    if (!fit.whole) {
+        Tell(report, "left out",
+             "all behind " + Decimal(fit.seconds_written, 1) + " s of " + Decimal(LengthOf(tune), 1) + " s");
+    }
+}
+
 /// The entry with which an interval begins, -1 for none.
 int EntryOfInterval(const Candidate& melody, int interval) {
     const auto found = std::find(melody.interval_of.begin(), melody.interval_of.end(), interval);
@@ -299,6 +126,7 @@ void TellFit(Report& report, const Import& import, const Fit& fit, int half_tone
     if (half_tones != 0) Tell(report, "transposed", ShiftText(half_tones));
     report.json["half_tones"] = half_tones;
     TellSize(report, tune, fit);
+    TellPart(report, tune, fit);
     TellDeviation(report, fit.deviation, ListOfEntries(fit.melody),
                   EntryOfInterval(fit.melody, fit.deviation.worst));
     const auto [lowest, highest] = RangeOf(tune);
@@ -319,54 +147,59 @@ void TellHint(const TimingTables& tables, Report& report, const Tune& tune, cons
     report.json["exact_j"] = Rounded(exact.deviation.j, 3);
 }
 
+/// Where in the file what does not fit begins, seconds, as --from takes it. A little early: what begins
+/// there is taken.
+std::string RestOf(const Fit& fit, const Tune& tune, const ImportWish& wish) {
+    constexpr double hundredth = 100.0;
+    return Decimal(std::floor((tune.start + fit.seconds_written * wish.speed) * hundredth) / hundredth, 2);
+}
+
 /// Tells why a fit is refused; an empty text when it is not.
 std::string ReasonAgainst(const Fit& fit, const Tune& tune, const ImportWish& wish) {
     if (!IsWritten(fit.encoding.result)) return "no tempo of the list can be had for it";
     if (wish.strict && fit.deviation.j > 1.0) return "would be bent by J = " + Decimal(fit.deviation.j, 2);
     if (fit.whole || wish.fit) return {};
     return "is too long: " + Decimal(fit.seconds_written, 1) + " of " + Decimal(LengthOf(tune), 1) +
-           " s fit; take them with --fit, or choose others with --from and --to";
+           " s fit; take them with --fit, and what is behind them with --from " + RestOf(fit, tune, wish);
+}
+
+/// Moves and speeds up a tune as was asked for. False, with the reason, when it can not be.
+bool Prepare(Import& import, const ImportWish& wish, int& half_tones, std::string& reason) {
+    reason = "has no note in what was asked for";
+    if (CountNotes(import.tune) == 0 || !ChooseTransposition(import, wish, half_tones, reason)) return false;
+    TransposeTune(import.tune, half_tones);
+    SpeedUp(import.tune, wish.speed);
+    if (wish.speed != 1.0 || wish.exact) import.tune.as_written = false;
+    if (wish.as_written) import.tune.as_written = true;
+    return true;
 }
 
 /// Fits, writes and reports one tune.
 bool ImportOne(const TimingTables& tables, Import& import, const Job& job, const ImportWish& wish,
                std::vector<Report>& reports) {
-    Report report;
+    Report& report = reports.emplace_back();
     report.head = import.input + ": " + import.source + " -> " + job.output;
     report.json = {{"file", import.input}, {"source", import.source}, {"name", import.tune.name}};
     report.json.update(import.json);
     report.json["output"] = job.output;
     const auto refuse = [&](const std::string& reason) {
         report.json["error"] = reason;
-        reports.push_back(std::move(report));
         return Refuse(import.input, import.source + " " + reason);
     };
-    if (CountNotes(import.tune) == 0) return refuse("has no note in what was asked for");
     int half_tones = 0;
-    if (!ChooseTransposition(import, wish, half_tones)) {
-        report.json["error"] = "can not be transposed";
-        reports.push_back(std::move(report));
-        return false;
-    }
-    TransposeTune(import.tune, half_tones);
-    SpeedUp(import.tune, wish.speed);
-    if (wish.speed != 1.0) import.tune.as_written = false;
-    if (wish.as_written) import.tune.as_written = true;
+    std::string reason;
+    if (!Prepare(import, wish, half_tones, reason)) return refuse(reason);
     const Fit fit = FitTune(tables, import.tune, wish.exact);
-    if (const std::string reason = ReasonAgainst(fit, import.tune, wish); !reason.empty()) {
+    reason = ReasonAgainst(fit, import.tune, wish);
+    if (!reason.empty()) {
         report.json["seconds_that_fit"] = Rounded(fit.seconds_written, 3);
         return refuse(reason);
     }
     TellFit(report, import, fit, half_tones);
-    if (!fit.whole)
-        Tell(report, "left out",
-             "all behind " + Decimal(fit.seconds_written, 1) + " s of " + Decimal(LengthOf(import.tune), 1) +
-                 " s");
     TellHint(tables, report, import.tune, fit);
-    const bool written = WriteJobOutput(job, fit.encoding.bytes);
-    if (!written) report.json["error"] = "can not be written";
-    reports.push_back(std::move(report));
-    return written;
+    if (WriteJobOutput(job, fit.encoding.bytes)) return true;
+    report.json["error"] = "can not be written";
+    return false;
 }
 
 // Names of results.
@@ -389,25 +222,25 @@ std::string SmallLetters(std::string text) {
 }
 
 /// A name that no tune before it has, letter case aside.
-std::string UnusedName(const std::string& name, std::vector<std::string>& used) {
+std::string UnusedName(const std::string& name, std::set<std::string>& used) {
     std::string next = ShortName(name);
-    for (int number = 2; std::find(used.begin(), used.end(), SmallLetters(next)) != used.end(); ++number) {
+    for (int number = 2; !used.insert(SmallLetters(next)).second; ++number) {
         const std::string digits = std::to_string(number);
         next = ShortName(name).substr(0, kMostNameBytes - digits.size()) + digits;
     }
-    used.push_back(SmallLetters(next));
     return next;
 }
 
 /// The names from which the outputs are worked out: a file's own when it has one tune, else each tune's
 /// beside it.
 std::vector<std::string> NamesOf(const std::vector<Import>& imports) {
+    std::map<std::string, int> tunes; // by file
+    for (const Import& import : imports)
+        ++tunes[import.input];
     std::vector<std::string> names;
-    std::vector<std::string> used;
+    std::set<std::string> used;
     for (const Import& import : imports) {
-        const auto tunes = std::count_if(imports.begin(), imports.end(),
-                                         [&](const Import& other) { return other.input == import.input; });
-        if (tunes == 1) {
+        if (tunes[import.input] == 1) {
             names.push_back(import.input);
             continue;
         }
@@ -433,13 +266,29 @@ bool MakesSense(const ImportWish& wish) {
     return refuse("--transpose takes half tones or fit, not \"" + wish.transpose + "\"");
 }
 
+/// What a report has of a file that was refused before a tune of it was known.
+Report RefusalOf(const Gathering& gathering) {
+    Report report;
+    report.json = {{"file", gathering.input}, {"error", gathering.reason}};
+    return report;
+}
+
+/// Who reads the text has been told of what was refused.
+void LeaveOutRefused(std::vector<Report>& reports) {
+    std::erase_if(reports, [](const Report& report) { return report.json.contains("error"); });
+}
+
 int ListCommand(const Arguments& files, const ImportWish& wish) {
     std::vector<Report> reports;
     int status = kExitGood;
     for (const std::string& file : files) {
-        if (!List(file, wish, reports)) status = kExitBadInput;
+        Gathering gathering{file, {}, {}};
+        if (ListTunes(gathering, wish, reports)) continue;
+        reports.push_back(RefusalOf(gathering));
+        status = kExitBadInput;
     }
     if (wish.as_json) return EndReports(reports, true, status);
+    LeaveOutRefused(reports);
     std::string text;
     for (const Report& report : reports)
         text += TextOf(report);
@@ -448,33 +297,39 @@ int ListCommand(const Arguments& files, const ImportWish& wish) {
     return kExitBadInput;
 }
 
+/// Reads all files; what is wrong with one keeps no other back.
+std::vector<Import> GatherAll(const Arguments& files, const ImportWish& wish, std::vector<Report>& reports) {
+    std::vector<Import> imports;
+    for (const std::string& file : files) {
+        Gathering gathering{file, {}, {}};
+        if (!Gather(gathering, wish)) reports.push_back(RefusalOf(gathering));
+        std::move(gathering.imports.begin(), gathering.imports.end(), std::back_inserter(imports));
+    }
+    return imports;
+}
+
 } // namespace
 
 int ImportCommand(const Arguments& files, const std::string& output, const ImportWish& wish) {
     if (!MakesSense(wish) || !StandardInputOnce(files)) return kExitWrongUsage;
     if (wish.list) return ListCommand(files, wish);
-    std::vector<Job>
-        jobs; // as if each file had one tune: what is wrong with the words is told before any is read
+    // As if each file had one tune: what is wrong with the words is told before any is read.
+    std::vector<Job> jobs;
     if (!PlanJobs(files, output, ".snd", jobs)) return kExitWrongUsage;
     if (wish.as_json && GoesToStandardOutput(jobs)) {
         WriteErrorText("sndtool: --json and the result both want standard output\n");
         return kExitWrongUsage;
     }
     jobs.clear();
-    std::vector<Import> imports;
-    int status = kExitGood;
-    for (const std::string& file : files) {
-        if (!Gather(file, wish, imports)) status = kExitBadInput;
-    }
+    std::vector<Report> reports;
+    std::vector<Import> imports = GatherAll(files, wish, reports);
+    int status = reports.empty() ? kExitGood : kExitBadInput;
     if (!PlanJobs(NamesOf(imports), output, ".snd", jobs)) return kExitWrongUsage;
     const TimingTables tables = BuildTimingTables();
-    std::vector<Report> reports;
     for (std::size_t i = 0; i < jobs.size(); ++i) {
         if (!ImportOne(tables, imports[i], jobs[i], wish, reports)) status = kExitBadInput;
     }
-    // A refused tune has been told of; the others are reported.
-    if (!wish.as_json)
-        std::erase_if(reports, [](const Report& report) { return report.json.contains("error"); });
+    if (!wish.as_json) LeaveOutRefused(reports);
     return EndReports(reports, wish.as_json, status);
 }
 

@@ -56,10 +56,11 @@ bool StandardInputOnce(const std::vector<std::string>& arguments) {
     return false;
 }
 
-bool ReadInput(const std::string& argument, std::vector<std::uint8_t>& bytes) {
-    const std::string reason = TryReadInput(argument, bytes);
-    if (!reason.empty()) Complain(argument, reason);
-    return reason.empty();
+bool ReadInput(const std::string& argument, std::vector<std::uint8_t>& bytes, std::string* reason) {
+    const std::string found = TryReadInput(argument, bytes);
+    if (!found.empty()) Complain(argument, found);
+    if (reason != nullptr) *reason = found;
+    return found.empty();
 }
 
 bool ReadSnd(const std::string& argument, SndInput& snd, std::string& reason) {

@@ -25,8 +25,8 @@ void ComplainOfStandardOutput();
 bool StandardInputOnce(const std::vector<std::string>& arguments);
 
 /// Reads a file or standard input whole. False, with the user told, when it can not be read or is larger than
-/// any file of its kind.
-bool ReadInput(const std::string& argument, std::vector<std::uint8_t>& bytes);
+/// any file of its kind; `reason` then holds what the user was told.
+bool ReadInput(const std::string& argument, std::vector<std::uint8_t>& bytes, std::string* reason = nullptr);
 
 /// A SND file taken apart.
 struct SndInput {

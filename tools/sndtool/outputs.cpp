@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
+#include <set>
 
 namespace tonex {
 
@@ -59,6 +61,30 @@ bool OutputOf(const std::string& input, const std::string& output, bool into_fol
     return true;
 }
 
+/// Where an output is. False, with the user told, when it is a terminal.
+bool FindPlace(Job& job) {
+    if (job.output == kStandardStream) {
+        job.stream = true;
+        return !StandardOutputIsTerminal() || Refuse("the result is no text for a terminal: give -o");
+    }
+    job.path = PathOfArgument(job.output);
+    job.stream = IsStreamPath(job.path);
+    return true;
+}
+
+/// Whether no output would replace an input; tells which does.
+bool KeepsInputs(const std::vector<std::string>& inputs, const std::vector<Job>& jobs) {
+    std::set<std::wstring> paths;
+    for (const std::string& input : inputs) {
+        if (input != kStandardStream) paths.insert(PathOfArgument(input));
+    }
+    for (const Job& job : jobs) {
+        if (!job.stream && paths.contains(job.path))
+            return Refuse(job.output + " is an input and would be replaced");
+    }
+    return true;
+}
+
 /// Writes to a device, a pipe or standard output.
 bool WriteToStream(const Job& job, std::span<const std::uint8_t> bytes, std::string& reason) {
     const Stream stream = job.path.empty() ? StandardOutput() : OpenStream(job.path);
@@ -90,31 +116,19 @@ bool PlanJobs(const std::vector<std::string>& inputs, const std::string& output,
     if (!into_folder && !output.empty() && inputs.size() > 1) {
         return Refuse("several files need a folder behind -o, and " + output + " is none");
     }
+    std::map<std::wstring, std::string> inputs_of; // by the path that each becomes
     for (const std::string& input : inputs) {
         Job job;
         job.input = input;
         if (!OutputOf(input, output, into_folder, extension, job.output)) return false;
-        if (job.output == kStandardStream) {
-            job.stream = true;
-            if (StandardOutputIsTerminal()) return Refuse("the result is no text for a terminal: give -o");
-        } else {
-            job.path = PathOfArgument(job.output);
-            job.stream = IsStreamPath(job.path);
-        }
-        for (const Job& other : jobs) {
-            if (!job.stream && other.path == job.path) {
-                return Refuse(other.input + " and " + input + " would both become " + job.output);
-            }
+        if (!FindPlace(job)) return false;
+        if (!job.stream) {
+            const auto [other, is_new] = inputs_of.emplace(job.path, input);
+            if (!is_new) return Refuse(other->second + " and " + input + " would both become " + job.output);
         }
         jobs.push_back(job);
     }
-    for (const Job& job : jobs) {
-        for (const std::string& input : inputs) {
-            if (job.stream || input == kStandardStream || PathOfArgument(input) != job.path) continue;
-            return Refuse(job.output + " is an input and would be replaced");
-        }
-    }
-    return true;
+    return KeepsInputs(inputs, jobs);
 }
 
 bool WriteJobOutput(const Job& job, std::span<const std::uint8_t> bytes) {
