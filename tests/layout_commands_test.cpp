@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 #include <vector>
 
 namespace tonex {
@@ -73,6 +74,36 @@ TEST(Layout, TheSmallestWindowFitsAnOldScreen) {
     EXPECT_LE(kMinClientHeight / 15, 520);
     EXPECT_GE(kMinClientWidth / 15, 852);
     EXPECT_GE(kMinClientHeight / 15, 510);
+}
+
+std::vector<int> PlaceOf(const Rect& rect) {
+    return {rect.Left, rect.Top, rect.Width, rect.Height};
+}
+
+TEST(Layout, EveryPlaceInTheSmallestWindow) {
+    using Place = std::vector<int>;
+    const auto window = SetUpWindow();
+    EXPECT_EQ(PlaceOf(window->picStaff), (Place{180, 600, 12480, 2520}));
+    EXPECT_EQ(PlaceOf(window->grdScore.place), (Place{900, 3120, 11760, 645}));
+    EXPECT_EQ(PlaceOf(window->Label2.place), (Place{180, 4087, 705, 225}));
+    EXPECT_EQ(PlaceOf(window->TempoCombo.place), (Place{885, 4042, 975, 315}));
+    EXPECT_EQ(PlaceOf(window->lblTempo.place), (Place{1935, 4087, 975, 225}));
+    EXPECT_EQ(PlaceOf(window->Label3.place), (Place{180, 4627, 705, 225}));
+    EXPECT_EQ(PlaceOf(window->imgNow.place), (Place{885, 4485, 465, 510}));
+    EXPECT_EQ(PlaceOf(window->cbtNote[0].place), (Place{2910, 3945, 465, 510}));
+    EXPECT_EQ(PlaceOf(window->cbtNote[19].place), (Place{12195, 3945, 465, 510}));
+    EXPECT_EQ(PlaceOf(window->cbtNote[20].place), (Place{2910, 4485, 465, 510}));
+    EXPECT_EQ(PlaceOf(window->cbtNote[39].place), (Place{12195, 4485, 465, 510}));
+    EXPECT_EQ(PlaceOf(window->kenWhite[0].place), (Place{2287, 5400, 285, 2070}));
+    EXPECT_EQ(PlaceOf(window->kenBlack[0].place), (Place{2427, 5400, 225, 1283}));
+    EXPECT_EQ(PlaceOf(window->lblWNote[0].place), (Place{2287, 7200, 285, 225}));
+    EXPECT_EQ(PlaceOf(window->lblBNote[0].place), (Place{2397, 5175, 285, 225}));
+    for (const auto& [line, from, to] : {std::tuple{window->Line1[0], 720, 12420},
+                                         {window->linSub[0], 30, 720},
+                                         {window->linSub[9], 12420, 12450}}) {
+        EXPECT_EQ(line.X1, from);
+        EXPECT_EQ(line.X2, to);
+    }
 }
 
 TEST(Layout, ASizeBelowTheSmallestIsTakenAsTheSmallest) {
@@ -201,7 +232,7 @@ TEST(Layout, KeysAreHighEnoughAndBlackOnesShorter) {
     LayoutWindow(*window, kMinClientWidth, kMinClientHeight + 600);
     EXPECT_EQ(window->kenWhite[0].place.Height, smallest + 600) << "extra height goes to the keys";
     LayoutWindow(*window, kMinClientWidth, kMinClientHeight + 20000);
-    EXPECT_LE(window->kenWhite[0].place.Height, 2 * smallest) << "but only so much";
+    EXPECT_EQ(window->kenWhite[0].place.Height, 3600) << "but only so much";
 }
 
 TEST(Layout, LabelsStandAtTheirKeys) {
