@@ -661,6 +661,18 @@ TEST_F(Device, TheLibraryMayFillEveryBufferToItsLastCharacter) {
     EXPECT_TRUE(desktop::Asked("Cor_ConvPathCorvaneToCache " + std::string(200, 'b') + " 200"));
 }
 
+TEST_F(Device, SaveNeedsBothTheConversionAndTheUploadBeforeItDeletesTheCacheCopy) {
+    for (const char* name : {"Cor_ConvPathCacheToCorvane", "Cor_PutFile"}) {
+        desk.link.missing = {name};
+        window.link_library = LoadLinkLibrary(L"C:\\Link");
+        ComposeOnDevice();
+        desk.files[kCacheTune] = {EncodedScore()};
+        mnuFileOverWriteZ730_Click(window);
+        EXPECT_TRUE(desk.files.contains(kCacheTune)) << name;
+        ExpectUntouched(kCacheTune, 0);
+    }
+}
+
 TEST_F(Device, AMissingFunctionLeavesTheCommandWithoutEffect) {
     for (const char* name : {"Cor_ConvPathCacheToCorvane", "Cor_ConvPathCorvaneToCache",
                              "Cor_PIMOpenFileDialog", "Cor_PIMSaveFileDialog", "Cor_PutFile"}) {

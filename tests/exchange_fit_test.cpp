@@ -1,6 +1,7 @@
 #include "exchange/chains.h"
 #include "exchange/fit.h"
 #include "exchange/played.h"
+#include "score/melody_text.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -30,6 +31,17 @@ std::vector<double> Times(std::vector<double> lengths, int times) {
     for (int i = 0; i < times; ++i)
         all.insert(all.end(), lengths.begin(), lengths.end());
     return all;
+}
+
+/// The lengths of a melody's entries, as the melody text writes them.
+std::string LengthsOf(const Fit& fit) {
+    std::string text;
+    for (const FileEntry& entry : fit.melody.entries) {
+        text += text.empty() ? "" : " ";
+        text += KindOfFileCode(entry.code) == EntryKind::Rest ? "r" : "";
+        text += LengthTextOf(LengthCodeOfFileCode(entry.code));
+    }
+    return text;
 }
 
 TEST(Deviation, IsNoneForTheSameLengths) {
@@ -114,6 +126,27 @@ TEST(FitScore, KeepsWhatIsWrittenWhenToldTo) {
     EXPECT_EQ(FitTune(Tables(), tune, false).melody.tempo, 128);
 }
 
+TEST(FitScore, KeepsWhatIsWrittenWhereTheDifferenceIsHardlyHeard) {
+    const Tune tune = TuneOf(70.0, Times({1.0, 0.5, 0.5, 2.0}, 4));
+    Candidate nearer = WriteLengths(tune, 1.0);
+    nearer.tempo = 72;
+    EXPECT_NEAR(Evaluate(Tables(), tune, nearer).deviation.j, 0.52, 0.01);
+    const Fit fit = FitTune(Tables(), tune, false);
+    EXPECT_NEAR(fit.deviation.j, 0.69, 0.01);
+    EXPECT_EQ(fit.melody.tempo, 70);
+    EXPECT_EQ(fit.melody.scale, 1.0);
+}
+
+TEST(FitScore, OfNothingIsAnEmptyMelody) {
+    for (const bool exact : {false, true}) {
+        const Fit fit = FitTune(Tables(), TuneOf(120.0, {}), exact);
+        EXPECT_EQ(fit.encoding.result, kSndDone);
+        EXPECT_TRUE(fit.whole);
+        EXPECT_EQ(fit.intervals_written, 0);
+        EXPECT_TRUE(fit.melody.entries.empty());
+    }
+}
+
 TEST(FitScore, TellsHowMuchOfALongTuneFits) {
     const Fit fit = FitTune(Tables(), TuneOf(120.0, Times({0.5}, 600)), false);
     EXPECT_FALSE(fit.whole);
@@ -175,12 +208,36 @@ TEST(FitExact, MeetsAnySpeedWithWholeUnits) {
     }
 }
 
+TEST(FitExact, FillsEachIntervalWithANoteAndTheFewestRests) {
+    const Fit odd = FitTune(Tables(), TuneOf(137.0, {0.5, 0.25, 0.25, 1.0, -0.75, 1.5}), true);
+    EXPECT_EQ(odd.melody.tempo, 480);
+    EXPECT_EQ(LengthsOf(odd), "1/4.. 1/8.. 1/8.. 1/2.. r1/8.. r1/4.. 1/1 r1/16 r1/4");
+    const Fit rests = FitTune(Tables(), TuneOf(60.0, {1.0, -70.0, 1.0}), true);
+    EXPECT_EQ(rests.melody.tempo, 120);
+    std::string expected = "1/2";
+    for (int i = 0; i < 20; ++i)
+        expected += " r1/1..";
+    EXPECT_EQ(LengthsOf(rests), expected + " 1/2");
+}
+
+TEST(FitExact, OfALongTuneGivesWhatFits) {
+    const Fit plain = FitTune(Tables(), TuneOf(120.0, Times({0.5}, 600)), true);
+    EXPECT_TRUE(IsWritten(plain.encoding.result));
+    EXPECT_FALSE(plain.whole);
+    EXPECT_EQ(plain.intervals_written, 509);
+    const Fit odd = FitTune(Tables(), TuneOf(151.0, Times({0.5, 0.25, 0.25}, 250)), true);
+    EXPECT_TRUE(IsWritten(odd.encoding.result));
+    EXPECT_FALSE(odd.whole);
+    EXPECT_EQ(odd.intervals_written, 381);
+}
+
 TEST(FitExact, IsTakenByItselfForATuneThatIsOnNoGrid) {
     Tune tune = TuneOf(120.0, {0.93, 0.51, 0.47, 1.06, 0.22, 0.31, 0.49, 1.9});
     tune.on_grid = false;
     const Fit fit = FitTune(Tables(), tune, false);
     EXPECT_TRUE(fit.melody.exact);
     EXPECT_LE(fit.deviation.j, 1.1);
+    EXPECT_EQ(LengthsOf(fit), "1/2.. r1/16 1/2 1/4.. r1/32 1/1 r1/16 1/8.. 1/4 r1/16 1/2 1/1.. r1/4t");
 }
 
 TEST(FitExact, KeepsRestsAndPitches) {
