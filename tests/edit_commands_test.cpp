@@ -221,6 +221,18 @@ TEST(Delete, SpecialCaseAt508WhateverTheSelection) {
     }
 }
 
+TEST(Delete, OnTheEndColumnOf508EntriesChangesNothing) {
+    auto window = SetUpWindow();
+    FillScore(*window, 508);
+    window->score.changed = false;
+    const auto before = window->score.sound;
+    MoveCursor(*window, 508);
+    mnuDelete_Click(*window);
+    EXPECT_FALSE(window->score.changed);
+    EXPECT_EQ(window->score.sound, before);
+    EXPECT_EQ(window->score.end_count, 509);
+}
+
 TEST(Delete, ShowsTheStripFromTheFirstVisibleColumn) {
     auto window = SetUpWindow();
     FillScore(*window, 100);

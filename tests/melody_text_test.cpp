@@ -346,6 +346,8 @@ TEST(MelodyText, ACarriageReturnAloneEndsALineAlsoTheLast) {
     EXPECT_EQ(EntriesOf(Parsed("tempo 120\rc5 1/4\rd5 1/4\r")).size(), 2u);
     EXPECT_EQ(FaultOf("tempo 120\r\rwrong\r").line, 3);
     EXPECT_EQ(FaultOf("tempo 120\r\n\r\nwrong\r\n").line, 3);
+    EXPECT_EQ(FaultOf("# no tempo\r\n").line, 1);
+    EXPECT_EQ(FaultOf("# no tempo\r").line, 1);
 }
 
 } // namespace

@@ -114,10 +114,10 @@ TEST_F(Settings, AFixedSizeWindowThatIsTooFarOnOneSideOnlyIsCentredToo) {
 TEST_F(Settings, AFixedSizeWindowMovesToTheLargestAndTheSmallestNumber) {
     desk.border_style = kBorderFixedSingle;
     window.screen.twips_per_pixel_x = 1;
-    window.screen.twips_per_pixel_y = 1;
-    desk.settings[kPlacement] = L"1,600,2147483647,500,-2147483647";
+    window.screen.twips_per_pixel_y = 2;
+    desk.settings[kPlacement] = L"1,600,2147483647,500,-1073741824";
     EXPECT_FALSE(RestoreWindowPlacement(window, L"Tonex"));
-    EXPECT_TRUE(desktop::Asked("MoveMainWindow 2147483647 -2147483647"));
+    EXPECT_TRUE(desktop::Asked("MoveMainWindow 2147483647 -2147483648"));
 }
 
 TEST_F(Settings, AMissingOrEmptyPlacementCentresTheWindow) {

@@ -71,6 +71,8 @@ TEST(SingleInstance, TheSchedulersAlarmWindowIsNotItsMainWindow) {
     EXPECT_EQ(Search({alarm, main}, L"Veloxa Scheduler"),
               (Log{"ReadCaption 1", "ReadCaption 2", "BringToForeground 2"}));
     EXPECT_EQ(Search({alarm, shouted}, L"Veloxa Scheduler"), (Log{"ReadCaption 1", "ReadCaption 2"}));
+    const desktop::Window longer{L"Veloxa Scheduler - Matching with Schedule alarm! - Today", kOwner};
+    EXPECT_EQ(Search({longer}, L"Veloxa Scheduler"), (Log{"ReadCaption 1", "BringToForeground 1"}));
 }
 
 TEST(SingleInstance, WithAnyOtherTitleNoCaptionIsExcluded) {

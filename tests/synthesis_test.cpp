@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -328,6 +329,20 @@ TEST(Synthesis, ARefusedWriteEndsTheNote) {
             EXPECT_EQ(collected.writes, at + 1) << "it went on writing";
         }
     }
+}
+
+/// A block at tempo byte 1 with so many records of 16, 3 and 1 units: 5512, 1033 and 344 samples each.
+std::optional<std::uint32_t> DataSizeOfRecords(int of_16, int of_3, int of_1) {
+    Bytes records;
+    for (const auto& [count, length] : {std::pair{of_16, 48}, {of_3, 51}, {of_1, 49}})
+        records.insert(records.end(), 2 * static_cast<std::size_t>(count), static_cast<std::uint8_t>(length));
+    return DataSizeOf({.tempo_byte = 1, .records = records});
+}
+
+TEST(WavHeader, HasRoomForTheSizesOf4294967251SamplesAndNotOneMore) {
+    EXPECT_EQ(DataSizeOfRecords(779192, 59, 0), 4294967251U);
+    EXPECT_EQ(DataSizeOfRecords(779193, 52, 5), std::nullopt);
+    EXPECT_EQ(DataSizeOfRecords(0, 0, 0), 0U);
 }
 
 TEST(WavHeader, ByteForByte) {
