@@ -121,7 +121,8 @@ class User:
         try:
             wait_until(agrees, 10)
         except AssertionError:
-            raise AssertionError(f"after {self.done[-6:]}: {last[0]}") from None
+            raise AssertionError(f"after {self.done[-6:]}: {last[0]}; keyboard at {self.editor.focused_item()}, "
+                                 f"tempo {self.editor.tempo_box()['text']!r}") from None
 
     # --- what a user does
 
