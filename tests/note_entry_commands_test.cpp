@@ -440,6 +440,11 @@ TEST(GridEvents, AKeyFirstShowsACursorOutOfViewAndLeavesItThere) {
     EXPECT_EQ(window->grdScore.view.Col, 60);
     EXPECT_EQ(window->grdScore.view.ColSel, 60);
     EXPECT_FALSE(ShowHiddenCursor(*window));
+    grdScore_Scroll(*window, 70); // the cursor is out of view on the other side
+    EXPECT_TRUE(ShowHiddenCursor(*window));
+    EXPECT_EQ(window->grdScore.view.LeftCol, 60);
+    EXPECT_EQ(window->score.strip_cursor, 0);
+    EXPECT_EQ(window->grdScore.view.ColSel, 60);
 }
 
 TEST(GridEvents, OfARangeOutOfViewAKeyFirstShowsTheEndThatItMoves) {
