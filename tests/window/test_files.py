@@ -219,6 +219,7 @@ def test_close_asks_yes_saves_no_discards_cancel_stays(start, melody):
     editor = start(windows_path(path))
     editor.screen.key("end")
     editor.click_key("d4")
+    editor.wait_names(["c4, Quarter note", "d4, Quarter note", "End"])  # the window manager's message would overtake it
     editor.screen.key("alt+f4")
     editor.message(ASK, "Cancel")
     assert editor.caption() == "Sound Editor - PC:CLOSE.SND"
