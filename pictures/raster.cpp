@@ -137,6 +137,14 @@ bool IsEvenRun(const float* differences) {
     return (halves[0] | halves[1]) == 0;
 }
 
+/// Whether a run of pixels is not covered at all.
+bool IsEmptyRun(const std::uint8_t* coverage) {
+    std::uint32_t run;
+    static_assert(sizeof run == kRun);
+    std::memcpy(&run, coverage, sizeof run);
+    return run == 0;
+}
+
 } // namespace
 
 Raster MakeRaster(int width, int height) {
@@ -233,6 +241,27 @@ CoverageMask FinishMask(const Raster& raster) {
         }
     }
     return mask;
+}
+
+std::uint32_t MixPixels(std::uint32_t below, std::uint32_t above, unsigned share) {
+    std::uint32_t mixed = 0;
+    for (int shift = 0; shift <= 16; shift += 8) {
+        const unsigned sum = (below >> shift & 255) * (255 - share) + (above >> shift & 255) * share + 128;
+        mixed |= (sum + (sum >> 8)) >> 8 << shift; // sum / 255, to the nearest, without a division
+    }
+    return mixed;
+}
+
+void BlendRow(std::uint32_t* pixels, const std::uint8_t* coverage, int count, std::uint32_t colour) {
+    for (int x = 0; x < count; ++x) {
+        while (x + kRun <= count && IsEmptyRun(coverage + x))
+            x += kRun;
+        if (x == count) return;
+        if (coverage[x] == 255)
+            pixels[x] = colour;
+        else if (coverage[x] != 0)
+            pixels[x] = MixPixels(pixels[x], colour, coverage[x]);
+    }
 }
 
 void CutOut(CoverageMask& mask, const CoverageMask& hole) {

@@ -59,6 +59,12 @@ void AddStroke(Raster& raster, float x1, float y1, float x2, float y2, float wid
 /// The gathered coverage as bytes.
 CoverageMask FinishMask(const Raster& raster);
 
+/// Mixes two colours (0x00RRGGBB), `share` 0 to 255 of `above`, each channel rounded.
+std::uint32_t MixPixels(std::uint32_t below, std::uint32_t above, unsigned share);
+
+/// Puts a colour through `count` pixels of a mask's row into those at `pixels`, all 0x00RRGGBB.
+void BlendRow(std::uint32_t* pixels, const std::uint8_t* coverage, int count, std::uint32_t colour);
+
 /// `mask` minus what `hole` covers. Both have the same size.
 void CutOut(CoverageMask& mask, const CoverageMask& hole);
 

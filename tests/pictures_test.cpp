@@ -71,6 +71,31 @@ TEST(Raster, NoSizeGivesAnEmptyMask) {
     EXPECT_EQ(FinishMask(raster), CoverageMask{});
 }
 
+TEST(Raster, MixedPixelsAreRounded) {
+    for (unsigned below = 0; below < 256; ++below)
+        for (unsigned above = 0; above < 256; above += 5)
+            for (unsigned share = 0; share < 256; ++share) {
+                const unsigned each = (below * (255 - share) + above * share + 127) / 255;
+                ASSERT_EQ(MixPixels(below * 0x010101, above * 0x010101, share), each * 0x010101)
+                    << below << ", " << above << ", " << share;
+            }
+    EXPECT_EQ(MixPixels(0x102030, 0xFFFFFF, 0), 0x102030U);
+    EXPECT_EQ(MixPixels(0x102030, 0xA0B0C0, 255), 0xA0B0C0U);
+}
+
+TEST(Raster, ABlendedRowIsMixedPixelByPixel) {
+    const std::vector<std::uint8_t> coverage = {0, 0, 0, 0, 0, 255, 0, 0, 7, 0, 0, 0, 0, 255, 255, 128, 0};
+    const int most = static_cast<int>(coverage.size());
+    for (int from = 0; from <= most; ++from)
+        for (int count = 0; from + count <= most; ++count) {
+            std::vector<std::uint32_t> row(coverage.size(), 0x204060), expected = row;
+            for (int x = from; x < from + count; ++x)
+                At(expected, x) = MixPixels(0x204060, 0xF08010, At(coverage, x));
+            BlendRow(row.data() + from, coverage.data() + from, count, 0xF08010);
+            EXPECT_EQ(row, expected) << from << ", " << count;
+        }
+}
+
 TEST(Pictures, ButtonsShowTheirDotsAndTriplets) {
     for (const TestScale& scale : kScreenScales) {
         const int width = 31 * scale.percent / 100, height = 34 * scale.percent / 100;

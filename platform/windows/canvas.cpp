@@ -15,14 +15,6 @@ std::uint32_t ToPixel(COLORREF colour) {
            static_cast<std::uint32_t>(GetGValue(colour)) << 8 | GetBValue(colour);
 }
 
-std::uint32_t MixPixels(std::uint32_t below, std::uint32_t above, unsigned alpha) {
-    const auto channel = [&](int shift) {
-        const unsigned from = below >> shift & 0xFF, to = above >> shift & 0xFF;
-        return (from * (255 - alpha) + to * alpha + 127) / 255 << shift;
-    };
-    return channel(0) | channel(8) | channel(16);
-}
-
 RECT Clipped(const Canvas& canvas, const RECT& area) {
     return {std::max<LONG>(area.left, 0), std::max<LONG>(area.top, 0),
             std::min<LONG>(area.right, canvas.width), std::min<LONG>(area.bottom, canvas.height)};
@@ -117,8 +109,7 @@ void BlendMask(Canvas& canvas, const CoverageMask& mask, int x, int y, COLORREF 
     for (int row = top; row < bottom; ++row) {
         const std::uint8_t* alpha = &At(mask.alpha, row * mask.width);
         std::uint32_t* pixels = canvas.bits + (y + row) * canvas.width + x;
-        for (int column = left; column < right; ++column)
-            if (alpha[column] != 0) pixels[column] = MixPixels(pixels[column], pixel, alpha[column]);
+        BlendRow(pixels + left, alpha + left, right - left, pixel);
     }
 }
 
