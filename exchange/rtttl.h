@@ -31,11 +31,12 @@ inline constexpr int kMostTunes = 1000;      ///< of a file
 inline constexpr int kMostTuneItems = 20000; ///< of a tune
 inline constexpr int kMostRtttlName = 10;    ///< characters
 
-/// Whether a text may hold ring tones: there is a colon in it and no byte that texts do not have.
+/// Whether a text may hold ring tones: there is a colon in it and no byte that texts do not have. One or, with
+/// a byte order mark, two bytes a letter.
 bool LooksLikeRtttl(std::string_view bytes);
 
 /// All tunes of a text. Nothing, with the fault told, when one of them is wrong or there is none.
-std::optional<std::vector<Tune>> ReadRtttl(std::string_view text, RtttlFault& fault);
+std::optional<std::vector<Tune>> ReadRtttl(std::string_view bytes, RtttlFault& fault);
 
 /// What was written, and what it could not hold.
 struct RtttlText {

@@ -365,6 +365,20 @@ std::vector<Place> PlacesOf(std::string_view text) {
     return places;
 }
 
+/// Text of two bytes a letter, as some editors keep it, with a mark in front, as one byte a letter; what has
+/// none becomes a question mark. Other text stays as it is.
+std::string OneByteText(std::string_view bytes) {
+    const bool low_first = bytes.starts_with("\xFF\xFE");
+    if (!low_first && !bytes.starts_with("\xFE\xFF")) return std::string(bytes);
+    std::string text;
+    for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+        const char low = bytes[low_first ? i : i + 1];
+        const char high = bytes[low_first ? i + 1 : i];
+        text += high == 0 && static_cast<unsigned char>(low) < 128 ? low : '?';
+    }
+    return text;
+}
+
 RtttlFault FaultAt(std::string_view text, std::size_t at, std::string reason) {
     RtttlFault fault{1, 1, std::move(reason)};
     for (std::size_t i = 0; i < at && i < text.size(); ++i) {
@@ -380,15 +394,17 @@ RtttlFault FaultAt(std::string_view text, std::size_t at, std::string reason) {
 } // namespace
 
 bool LooksLikeRtttl(std::string_view bytes) {
+    const std::string text = OneByteText(bytes);
     const auto odd = [](char letter) {
         return static_cast<unsigned char>(letter) < ' ' && letter != '\t' && !IsLineEnd(letter) &&
                letter != '\x1a';
     };
-    return bytes.find(':') != std::string_view::npos && std::none_of(bytes.begin(), bytes.end(), odd);
+    return text.find(':') != std::string::npos && std::none_of(text.begin(), text.end(), odd);
 }
 
-std::optional<std::vector<Tune>> ReadRtttl(std::string_view text, RtttlFault& fault) {
+std::optional<std::vector<Tune>> ReadRtttl(std::string_view bytes, RtttlFault& fault) {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
+    const std::string text = OneByteText(bytes);
     std::string plain = WithoutComments(text);
     if (text.starts_with(mark)) plain.replace(0, mark.size(), mark.size(), ' ');
     std::replace(plain.begin(), plain.end(), '\x1a', ' ');

@@ -120,6 +120,26 @@ TEST(RtttlReader, UnknownControlsAndAByteOrderMarkAreNoFault) {
     EXPECT_EQ(ItemsOf(ReadOne("\xEF\xBB\xBFx:d=4,o=5,b=120,s=N,l=2:c")), "c5 1");
 }
 
+TEST(RtttlReader, TextOfTwoBytesALetterIsReadEitherWay) {
+    const std::string_view text = "Ann\xE9:d=4,o=5,b=120:c,\r\nx";
+    std::string low_first = "\xFF\xFE";
+    std::string high_first = "\xFE\xFF";
+    for (const char letter : text) {
+        low_first += {letter, '\0'};
+        high_first += {'\0', letter};
+    }
+    for (const std::string& bytes : {low_first, high_first}) {
+        EXPECT_TRUE(LooksLikeRtttl(bytes));
+        EXPECT_EQ(FaultOf(bytes).line, 2);
+        EXPECT_EQ(FaultOf(bytes).column, 1);
+        const Tune tune = ReadOne(std::string_view(bytes).substr(0, bytes.size() - 2));
+        EXPECT_EQ(ItemsOf(tune), "c5 1");
+        EXPECT_EQ(tune.name, "Ann?");
+    }
+    EXPECT_FALSE(LooksLikeRtttl(std::string_view("\xFF\xFE\0\0:\0", 6)));
+    EXPECT_FALSE(LooksLikeRtttl("\xFF\xFE"));
+}
+
 TEST(RtttlReader, NamesLineAndColumnOfWhatIsWrong) {
     struct Case {
         std::string_view text;

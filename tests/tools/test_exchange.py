@@ -77,14 +77,15 @@ def test_a_ring_tone_becomes_a_melody(sndtool, tmp_path):
 
 def test_several_tunes_get_names_that_the_organiser_takes(sndtool, tmp_path):
     (tmp_path / "rings").mkdir()
-    (tmp_path / "rings.txt").write_bytes(b"A long name:b=120:c\nA long name!:b=120:d\n:b=120:e\n")
+    (tmp_path / "rings.txt").write_bytes(b"A long name:b=120:c\nA long name!:b=120:d\n:b=120:e\nCon:b=120:f\n")
     told = report(sndtool, "import", "rings.txt", "-o", "rings")
     assert [one["output"].replace("\\", "/") for one in told] == [
-        "rings/Alongnam.snd", "rings/Alongna2.snd", "rings/TUNE.snd"]
-    assert sorted(path.name for path in (tmp_path / "rings").iterdir()) == ["Alongna2.snd", "Alongnam.snd", "TUNE.snd"]
-    assert len(report(sndtool, "import", "rings.txt", "--list")) == 3
+        "rings/Alongnam.snd", "rings/Alongna2.snd", "rings/TUNE.snd", "rings/Con_.snd"]
+    assert sorted(path.name for path in (tmp_path / "rings").iterdir()) == [
+        "Alongna2.snd", "Alongnam.snd", "Con_.snd", "TUNE.snd"]
+    assert len(report(sndtool, "import", "rings.txt", "--list")) == 4
     assert report(sndtool, "import", "rings.txt", "--track", "2", "-o", "two.snd")[0]["name"] == "A long name!"
-    assert sndtool.bad(1, "import", "rings.txt", "--track", "4").startswith("sndtool: rings.txt: there are only 3 tunes")
+    assert sndtool.bad(1, "import", "rings.txt", "--track", "5").startswith("sndtool: rings.txt: there are only 4 tunes")
 
 
 def test_a_wrong_ring_tone_is_refused_with_line_and_column(sndtool, tmp_path):

@@ -461,8 +461,8 @@ def test_names_in_brackets_are_no_lists(sndtool, tmp_path):
 def test_an_input_larger_than_any_melody(sndtool, tmp_path):
     with open(tmp_path / "large.mel", "wb") as large:
         large.truncate(17 * 1024 * 1024)
-    for command in ["info", "check", "wav", "text", "build"]:
-        assert sndtool.bad(1, command, "large.mel") == "sndtool: large.mel: is larger than any melody\n"
+    for command in [["info"], ["check"], ["wav"], ["text"], ["build"], ["import"], ["export", "--to", "mid"]]:
+        assert sndtool.bad(1, *command, "large.mel") == "sndtool: large.mel: is larger than any melody\n"
     assert sorted(p.name for p in tmp_path.iterdir()) == ["large.mel"]
 
 

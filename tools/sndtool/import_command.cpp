@@ -204,6 +204,18 @@ bool ImportOne(const TimingTables& tables, Import& import, const Job& job, const
 
 // Names of results.
 
+std::string SmallLetters(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return text;
+}
+
+/// Whether a system takes a file of that name for a device, whatever its extension.
+bool IsDeviceName(const std::string& small) {
+    if (small == "con" || small == "prn" || small == "aux" || small == "nul") return true;
+    return small.size() == 4 && (small.starts_with("com") || small.starts_with("lpt")) && IsDigit(small[3]);
+}
+
 /// A name that the organiser takes: at most eight letters, digits or signs.
 std::string ShortName(const std::string& name) {
     std::string plain;
@@ -212,13 +224,8 @@ std::string ShortName(const std::string& name) {
                           (letter >= 'A' && letter <= 'Z') || letter == '-' || letter == '_';
         if (kept && plain.size() < kMostNameBytes) plain += letter;
     }
+    if (IsDeviceName(SmallLetters(plain))) plain += '_';
     return plain.empty() ? "TUNE" : plain;
-}
-
-std::string SmallLetters(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
 }
 
 /// A name that no tune before it has, letter case aside.
