@@ -218,7 +218,7 @@ Fit TryExact(const TimingTables& tables, const Tune& tune, int mode, int index, 
     const int tempo_byte = At(At(tables.mode_tempo_bytes, mode), index);
     const std::vector<Interval> intervals = FirstOf(IntervalsOf(tune));
     const UnitTable table = UnitTableOf(tables, mode);
-    const std::vector<Step> steps = StepsOf(intervals, tempo_byte / 64.0);
+    const std::vector<Step> steps = StepsOf(intervals, SecondsOfUnits(1.0, tempo_byte));
     const std::vector<int> onsets = OnsetsOf(steps);
     Candidate candidate;
     candidate.tempo = At(tables.tempo_list, index);

@@ -43,7 +43,7 @@ void CountEarlyNotes(const std::vector<Interval>& intervals, const std::vector<i
         const bool first = interval != std::exchange(before, interval);
         if (!first || At(fit.melody.interval_of, i + 1) != interval || interval >= fit.intervals_written)
             continue;
-        const double lasts = At(units, i) * fit.tempo_byte / 64.0;
+        const double lasts = SecondsOfUnits(At(units, i), fit.tempo_byte);
         const double early = At(intervals, interval).sounding * fit.deviation.duration - lasts;
         if (early <= kEarly) continue;
         ++fit.early_notes;
@@ -66,7 +66,7 @@ void Measure(const TimingTables& tables, const Tune& tune, const FileList& list,
     for (int i = 0; i < fit.encoding.entries_written; ++i) {
         const int interval = At(fit.melody.interval_of, i);
         if (interval < fit.intervals_written)
-            At(fit.played, interval) += At(*units, i) * fit.tempo_byte / 64.0;
+            At(fit.played, interval) += SecondsOfUnits(At(*units, i), fit.tempo_byte);
     }
     std::vector<double> meant = SecondsMeant(tune);
     meant.resize(fit.played.size());

@@ -1,5 +1,8 @@
 #include "exchange/midi_nominal.h"
 
+#include "score/number_text.h"
+#include "score/snd_file.h"
+
 #include <algorithm>
 #include <string_view>
 #include <vector>
@@ -21,13 +24,9 @@ struct NominalEvent {
 
 int NominalTempoOf(const MidiFile& file) {
     for (const MidiText& text : file.texts) {
-        if (text.kind != 1 || text.tick != 0 || !text.text.starts_with(kNominalMark)) continue;
-        int tempo = 0;
-        for (const char digit : text.text.substr(kNominalMark.size())) {
-            if (digit < '0' || digit > '9' || tempo > 1000) return 0;
-            tempo = tempo * 10 + (digit - '0');
-        }
-        return tempo;
+        if (text.kind != kMidiText || text.tick != 0 || !text.text.starts_with(kNominalMark)) continue;
+        const std::string_view digits = std::string_view(text.text).substr(kNominalMark.size());
+        return NumberOfDigits(digits, kMaxTempo).value_or(0);
     }
     return 0;
 }
@@ -36,9 +35,8 @@ std::vector<NominalEvent> NominalEventsOf(const MidiFile& file) {
     std::vector<NominalEvent> events;
     for (const MidiNote& note : file.notes)
         events.push_back({note.order, note.start, TuneKind::Note, note.key - kMidiPitchDistance, note.end});
-    constexpr int kind_marker = 6;
     for (const MidiText& text : file.texts) {
-        if (text.kind != kind_marker) continue;
+        if (text.kind != kMidiMarker) continue;
         if (text.text == "|") events.push_back({text.order, text.tick, TuneKind::Separator});
         if (text.text == "r") events.push_back({text.order, text.tick, TuneKind::Rest});
     }

@@ -200,13 +200,14 @@ void KeepTempo(MidiFile& file, const Track& track, std::span<const std::uint8_t>
 }
 
 void TakeMeta(Bytes& bytes, MidiFile& file, Track& track, std::size_t order) {
-    constexpr int text = 1, name = 3, marker = 6, end = 0x2F, tempo = 0x51;
+    constexpr int end = 0x2F, tempo = 0x51;
     const int kind = TakeByte(bytes);
     const auto block = TakeBlock(bytes);
     if (!bytes.good) return;
     if (kind == end) track.ended = true;
     if (kind == tempo) KeepTempo(file, track, block);
-    if (kind == text || kind == name || kind == marker) KeepText(file, track, kind, block, order);
+    if (kind == kMidiText || kind == kMidiTrackName || kind == kMidiMarker)
+        KeepText(file, track, kind, block, order);
 }
 
 void TakeEvent(Bytes& bytes, MidiFile& file, Track& track, std::size_t order) {

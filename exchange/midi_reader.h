@@ -26,6 +26,11 @@ inline constexpr int kMidiDrums = 9;              ///< channel, counted from 0
 inline constexpr int kMidiPitchDistance = 33;     ///< MIDI's number minus the pitch: middle c is 60 and c4 27
 inline constexpr std::size_t kMostMidiName = 100; ///< bytes of a text that are kept
 
+/// Kinds of texts.
+inline constexpr int kMidiText = 1;
+inline constexpr int kMidiTrackName = 3;
+inline constexpr int kMidiMarker = 6;
+
 struct MidiNote {
     std::int64_t start = 0; ///< ticks
     std::int64_t end = 0;
@@ -44,7 +49,7 @@ struct MidiTempo {
 struct MidiText {
     std::int64_t tick = 0;
     int track = 0;
-    int kind = 0; ///< 1 text, 3 name of the track, 6 marker
+    int kind = 0;
     std::string text;
     std::size_t order = 0;
 };

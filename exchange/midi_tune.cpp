@@ -10,7 +10,6 @@ namespace tonex {
 
 namespace {
 
-constexpr double kMoment = 0.03; ///< seconds; what starts closer is a chord
 constexpr double kNoGap = 0.005; ///< seconds; silence that is none
 
 /// A note of the line, in ticks and seconds.
@@ -41,7 +40,7 @@ std::vector<Sound> SoundsOf(const MidiClock& clock, const MidiVoice& voice, doub
 
 /// Whether a note that starts at the same moment as the one before belongs to its chord.
 bool IsSameOnset(const Sound& first, const Sound& next) {
-    return next.start_seconds - first.start_seconds < kMoment &&
+    return next.start_seconds - first.start_seconds < kMidiMoment &&
            next.start_seconds < first.start_seconds + 0.5 * (first.end_seconds - first.start_seconds) &&
            next.start_seconds < first.start_seconds + 0.5 * (next.end_seconds - next.start_seconds);
 }
@@ -51,7 +50,7 @@ bool IsUnder(const Sound& held, const Sound& next) {
     if (next.key >= held.key) return false;
     const double length = next.end_seconds - next.start_seconds;
     const double common = std::min(held.end_seconds, next.end_seconds) - next.start_seconds;
-    return common > kMoment && common > 0.5 * length;
+    return common > kMidiMoment && common > 0.5 * length;
 }
 
 /// One sound at a time, each ending no later than the next begins.

@@ -1,6 +1,7 @@
 #include "exchange/midi_voices.h"
 
 #include "exchange/midi_clock.h"
+#include "score/number_text.h"
 #include "score/rows.h"
 
 #include <algorithm>
@@ -18,7 +19,6 @@ namespace tonex {
 
 namespace {
 
-constexpr double kMoment = 0.03; ///< seconds; what overlaps or follows closer is one
 constexpr int kFewNotes = 8;
 constexpr int kWidestStep = 4; ///< half tones; wider is a leap
 constexpr int kFirstBassProgram = 32;
@@ -36,7 +36,7 @@ constexpr std::array<std::string_view, 13> kOtherWords = {
 std::vector<std::string> WordsOf(std::string_view name) {
     std::vector<std::string> words(1);
     for (const char c : name) {
-        const char small = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        const char small = SmallLetter(c);
         if (small >= 'a' && small <= 'z') {
             words.back() += small;
         } else if (!words.back().empty()) {
@@ -66,10 +66,9 @@ struct Labels {
 };
 
 Labels LabelsOf(const MidiFile& file) {
-    constexpr int kind_name = 3;
     Labels labels;
     for (const MidiText& text : file.texts) {
-        if (text.kind == kind_name && !text.text.empty()) labels.names.emplace(text.track, text.text);
+        if (text.kind == kMidiTrackName && !text.text.empty()) labels.names.emplace(text.track, text.text);
     }
     for (const MidiProgram& program : file.programs)
         labels.programs.emplace(std::pair{program.track, program.channel}, program.program);
@@ -92,7 +91,7 @@ void Measure(const MidiClock& clock, MidiVoice& voice) {
     for (const MidiNote& note : voice.notes) {
         voice.lowest = std::min(voice.lowest, note.key - kMidiPitchDistance);
         voice.highest = std::max(voice.highest, note.key - kMidiPitchDistance);
-        if (SecondsAt(clock, static_cast<double>(note.start)) < last_end - kMoment) ++voice.overlapping;
+        if (SecondsAt(clock, static_cast<double>(note.start)) < last_end - kMidiMoment) ++voice.overlapping;
         last_end = std::max(last_end, SecondsAt(clock, static_cast<double>(note.end)));
     }
     voice.seconds = last_end - SecondsAt(clock, static_cast<double>(voice.notes.front().start));
@@ -108,7 +107,7 @@ std::vector<Onset> OnsetsOf(const MidiClock& clock, const MidiVoice& voice) {
     std::vector<Onset> onsets;
     for (const MidiNote& note : voice.notes) {
         const double seconds = SecondsAt(clock, static_cast<double>(note.start));
-        if (onsets.empty() || seconds - onsets.back().seconds >= kMoment) {
+        if (onsets.empty() || seconds - onsets.back().seconds >= kMidiMoment) {
             onsets.push_back({seconds, note.key});
         } else {
             onsets.back().key = std::max(onsets.back().key, note.key);

@@ -8,6 +8,8 @@
 
 namespace tonex {
 
+inline constexpr double kMidiMoment = 0.03; ///< seconds; what overlaps or follows closer is one
+
 /// The notes of a channel in a track.
 struct MidiVoice {
     int track = 0;   ///< counted from 0

@@ -124,10 +124,6 @@ void AddRecords(Writer& writer, const PlayBlock& block, std::size_t& record, int
     writer.tick = start + whole;
 }
 
-constexpr int kText = 1;
-constexpr int kTrackName = 3;
-constexpr int kMarker = 6;
-
 } // namespace
 
 MidiBytes WritePlayedMidi(const PlayBlock& block, const Melody& melody, int mode,
@@ -139,12 +135,12 @@ MidiBytes WritePlayedMidi(const PlayBlock& block, const Melody& melody, int mode
     }
     if (!refused.reason.empty()) return refused;
     Writer writer;
-    AddText(writer, kTrackName, name);
+    AddText(writer, kMidiTrackName, name);
     AddTempo(writer, At(kMicrosecondsOfQuarter, mode) * block.tempo_byte);
     std::size_t record = 0;
     for (int i = 0; i < static_cast<int>(units.size()); ++i) {
         if (At(melody.list, i).code == kFileSeparator) {
-            AddText(writer, kMarker, "|");
+            AddText(writer, kMidiMarker, "|");
         } else {
             AddRecords(writer, block, record, At(units, i), At(kTicksOfUnit, mode));
         }
@@ -157,20 +153,20 @@ MidiBytes WriteNominalMidi(const Melody& melody, std::string_view name) {
     refused.reason = ReasonAgainst(melody);
     if (!refused.reason.empty()) return refused;
     Writer writer;
-    AddText(writer, kTrackName, name);
-    AddText(writer, kText, "sndtool tempo " + std::to_string(melody.tempo));
+    AddText(writer, kMidiTrackName, name);
+    AddText(writer, kMidiText, "sndtool tempo " + std::to_string(melody.tempo));
     AddTempo(writer, static_cast<int>(std::lround(60e6 / melody.tempo)));
     const int count = CountEntries(melody.list);
     for (int i = 0; i < count; ++i) {
         const FileEntry& entry = At(melody.list, i);
         const EntryKind kind = KindOfFileCode(entry.code);
         if (kind == EntryKind::Separator) {
-            AddText(writer, kMarker, "|");
+            AddText(writer, kMidiMarker, "|");
             continue;
         }
         const double quarters = QuartersOf(LengthCodeOfFileCode(entry.code));
         const std::int64_t ticks = std::lround(quarters * kMidiTicksOfQuarter);
-        if (kind == EntryKind::Rest) AddText(writer, kMarker, "r");
+        if (kind == EntryKind::Rest) AddText(writer, kMidiMarker, "r");
         if (kind == EntryKind::Note) AddNote(writer, entry.pitch, ticks);
         writer.tick += ticks;
     }

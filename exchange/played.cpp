@@ -8,7 +8,6 @@ namespace {
 constexpr std::array<int, kTimingModes> kUnitsOfWhole = {32, 48, 24};
 constexpr double kDotted = 1.5;
 constexpr double kDoubleDotted = 1.75;
-constexpr double kUnitsASecond = 64.0; ///< at tempo byte 1
 
 TuneItem ItemOf(const FileEntry& entry, double tempo) {
     TuneItem item;
@@ -32,7 +31,7 @@ double QuartersOf(int length_code) {
 
 double TrueTempoOf(int mode, int tempo_byte) {
     const double units_of_quarter = At(kUnitsOfWhole, mode) / 4.0;
-    return 60.0 * kUnitsASecond / (units_of_quarter * tempo_byte);
+    return 60.0 / SecondsOfUnits(units_of_quarter, tempo_byte);
 }
 
 std::optional<std::vector<int>> UnitsPlayed(const TimingTables& tables, const PlayBlock& block,
@@ -75,7 +74,7 @@ std::vector<double> SecondsPlayed(const Tune& tune, std::span<const int> units, 
         int sum = 0;
         for (int i = 0; i < interval.items; ++i)
             sum += At(units, interval.first_item + i);
-        seconds.push_back(sum * tempo_byte / kUnitsASecond);
+        seconds.push_back(SecondsOfUnits(sum, tempo_byte));
     }
     return seconds;
 }

@@ -11,6 +11,12 @@
 
 namespace tonex {
 
+/// What so many time units last, seconds.
+constexpr double SecondsOfUnits(double units, int tempo_byte) {
+    constexpr double units_a_second = 64.0; // at tempo byte 1
+    return units * tempo_byte / units_a_second;
+}
+
 /// Length in quarter notes of a length code 0 to 19.
 double QuartersOf(int length_code);
 

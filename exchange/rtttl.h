@@ -31,8 +31,8 @@ inline constexpr int kMostTunes = 1000;      ///< of a file
 inline constexpr int kMostTuneItems = 20000; ///< of a tune
 inline constexpr int kMostRtttlName = 10;    ///< characters
 
-/// Whether a text may hold ring tones: there is a colon in it and no byte that texts do not have. One or, with
-/// a byte order mark, two bytes a letter.
+/// Whether a text may hold ring tones: there is a colon in it and no byte that texts do not have. One or,
+/// with a byte order mark, two bytes a letter.
 bool LooksLikeRtttl(std::string_view bytes);
 
 /// All tunes of a text. Nothing, with the fault told, when one of them is wrong or there is none.

@@ -26,10 +26,6 @@ struct Letter {
 };
 using Word = std::vector<Letter>;
 
-char LowerCase(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 bool IsLineEnd(char letter) {
     return letter == '\n' || letter == '\r';
 }
@@ -107,7 +103,7 @@ bool TakeWord(Words& words, Word& word) {
     if (words.ended) return false;
     while (words.at < words.end) {
         const std::size_t at = words.at++;
-        const char letter = LowerCase(words.text[at]);
+        const char letter = SmallLetter(words.text[at]);
         if (IsOfOtherVoice(words, letter)) continue;
         if (letter == ',' || letter == ';') return true;
         const bool means = !IsBlank(letter) && !IsLineEnd(letter) && letter != '\0';

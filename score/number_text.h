@@ -18,6 +18,11 @@ template <class Character> constexpr bool IsDigit(Character character) {
     return character >= '0' && character <= '9';
 }
 
+/// A capital letter A to Z as the small one; anything else as it is.
+constexpr char SmallLetter(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
 /// A text without the blanks and tabs in front of it.
 template <class Character>
 constexpr std::basic_string_view<Character> SkipBlanks(std::basic_string_view<Character> text) {

@@ -205,8 +205,7 @@ bool ImportOne(const TimingTables& tables, Import& import, const Job& job, const
 // Names of results.
 
 std::string SmallLetters(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    std::transform(text.begin(), text.end(), text.begin(), SmallLetter);
     return text;
 }
 

@@ -47,7 +47,7 @@ Facts FactsOf(const SndInput& snd) {
     for (std::size_t i = 0; i + 1 < block.records.size(); i += 2) {
         units += UnitsOfRecord(block.records[i + 1]);
     }
-    facts.seconds = units * static_cast<int>(block.tempo_byte) / 64.0; // a unit lasts tempo byte / 64 seconds
+    facts.seconds = SecondsOfUnits(units, block.tempo_byte);
     return facts;
 }
 
