@@ -61,6 +61,9 @@ def assert_heard(device, samples, silence=b"\x80"):
     assert heard[len(samples):].strip(silence) == b""
 
 
+HEARINGS = 6  # at the most
+
+
 def ran_dry(heard, samples, silence=b"\x80"):
     """Whether what was heard is the samples, whole and in their order, with nothing but pieces of silence between."""
     wanted = iter(samples)
@@ -73,10 +76,10 @@ def ran_dry(heard, samples, silence=b"\x80"):
     return next_one is None
 
 
-def assert_heard_in_one_of_three(device, samples, play, silence=b"\x80"):
+def assert_heard_at_last(device, samples, play, silence=b"\x80"):
     """Plays until the samples are heard exactly. On a loaded machine Wine's thread for sounds may come too late; then
     it fills the gap with silence, and only then there is another hearing."""
-    for _ in range(3):
+    for _ in range(HEARINGS):
         play()
         if not ran_dry(device.sound(), samples, silence) or device.sound()[:len(samples)] == samples:
             break

@@ -11,7 +11,7 @@ import pefile
 import pytest
 
 from building import PRODUCT
-from sound_device import Device, NoDevice, assert_heard, assert_heard_in_one_of_three, noise, wav_bytes
+from sound_device import Device, NoDevice, assert_heard, assert_heard_at_last, noise, wav_bytes
 from wine_paths import windows_path
 from xscreen import holds, wait_until
 
@@ -35,7 +35,7 @@ def assert_plays(device, path, samples, silence=b"\x80"):
     """Plays to the end, and every sample reaches the device."""
     def play_once():
         assert play(device, path) == PLAYED
-    assert_heard_in_one_of_three(device, samples, play_once, silence)
+    assert_heard_at_last(device, samples, play_once, silence)
 
 
 @pytest.fixture

@@ -15,7 +15,7 @@ from building import WINDOWS_BUILD, program
 from editor import WM_CLOSE
 from melody import Melody
 from prefix import PREVIEWS, SCREEN_SIZE
-from sound_device import NoDevice, assert_heard_in_one_of_three
+from sound_device import NoDevice, assert_heard_at_last
 from wine_paths import windows_path
 from words import ASK, NO_PLAYER, PREVIEW_ITEM, PREVIEW_TOOL, WRITE_ERROR
 from xscreen import holds, wait_until
@@ -155,7 +155,7 @@ def test_whole_melody_is_heard_sample_by_sample(sound, start, melody, way):
 
     samples = Melody.samples(path)
     assert len(samples) > 22050
-    assert_heard_in_one_of_three(sound, samples, play)
+    assert_heard_at_last(sound, samples, play)
     still_works(editor)
 
 
@@ -171,7 +171,7 @@ def test_selection_is_heard_sample_by_sample(sound, start, melody, tmp_path, bac
         wait_back(editor)
 
     part = Melody.build(tmp_path / "PART.SND", text_of(TUNE[1:7]))
-    assert_heard_in_one_of_three(sound, Melody.samples(part), play)
+    assert_heard_at_last(sound, Melody.samples(part), play)
     editor.wait_selected(list(range(1, 7)))
 
 
