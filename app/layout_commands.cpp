@@ -76,13 +76,16 @@ void PlaceGrid(sndmain& window, int left, int top, int scroll_bar_height) {
 
 // One row says the tempo and its name, the row below it the length that a key click gives: they stand beside
 // the rows of notes and rests.
-void PlaceTempo(sndmain& window, int left, int top) {
+void PlaceTempo(sndmain& window, int left, int top, int scroll_bar) {
     const int box_left = left + kCaptionWidth;
-    const int name_left = box_left + kTempoBoxWidth + kTempoNameGap;
+    // The box's arrow is as large as the scroll bar's and shrinks with nothing: what it takes more is shared
+    // by the number and the name.
+    const int box_width = kTempoBoxWidth + (scroll_bar - kScrollBarHeight) / 2;
+    const int name_left = box_left + box_width + kTempoNameGap;
     const int buttons_left = left + kStaffPanelWidth - kLengthButtonsWidth;
     const int label_top = top + (kButtonHeight - kTextHeight) / 2;
     window.Label2.place = {left, label_top, kCaptionWidth, kTextHeight};
-    window.TempoCombo.place = {box_left, top + (kButtonHeight - kTempoBoxHeight) / 2, kTempoBoxWidth,
+    window.TempoCombo.place = {box_left, top + (kButtonHeight - kTempoBoxHeight) / 2, box_width,
                                kTempoBoxHeight};
     window.lblTempo.place = {name_left, label_top, buttons_left - name_left, kTextHeight};
     const int second_row = top + kButtonHeight + kButtonRowGap;
@@ -181,7 +184,7 @@ void LayoutWindow(sndmain& window, int client_width, int client_height, int scro
     const int grid_top = staff_top + kStaffPanelHeight;
     PlaceGrid(window, left, grid_top, scroll_bar);
     const int lengths_top = grid_top + kGridRowHeight + scroll_bar + kGap;
-    PlaceTempo(window, left, lengths_top);
+    PlaceTempo(window, left, lengths_top, scroll_bar);
     PlaceLengthButtons(window, left + kStaffPanelWidth - kLengthButtonsWidth, lengths_top);
     const int keys_top = lengths_top + kLengthButtonsHeight + kGap + kKeyLabelHeight;
     PlaceKeys(window, keys_top, std::min(window.ClientHeight - kMargin - keys_top, kMaxKeyHeight));

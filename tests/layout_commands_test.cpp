@@ -315,6 +315,20 @@ TEST(Layout, ExtraWidthCentresTheContent) {
     EXPECT_LE(std::abs(left - right), 1);
 }
 
+TEST(Layout, WhatALargerArrowTakesOfTheTempoBoxIsSharedByNumberAndName) {
+    auto window = SetUpWindow();
+    const Rect box = window->TempoCombo.place, name = window->lblTempo.place;
+    constexpr int kUsual = 255, kMore = 200; // of a scroll bar, twips
+    LayoutWindow(*window, kMinClientWidth, kMinClientHeight, kUsual);
+    EXPECT_EQ(window->TempoCombo.place, box);
+    EXPECT_EQ(window->lblTempo.place, name);
+    LayoutWindow(*window, kMinClientWidth, kMinClientHeight, kUsual + kMore);
+    EXPECT_EQ(window->TempoCombo.place.Left, box.Left);
+    EXPECT_EQ(window->TempoCombo.place.Width, box.Width + kMore / 2);
+    EXPECT_EQ(window->lblTempo.place.Left, name.Left + kMore / 2);
+    EXPECT_EQ(window->lblTempo.place.Width, name.Width - kMore / 2);
+}
+
 // --- How large the content is drawn
 
 ScreenMeasures ScreenOf(int dpi) {

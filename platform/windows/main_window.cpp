@@ -177,10 +177,10 @@ void FitContent(MainWindow& main) {
     const PixelSize size = {static_cast<int>(client.right), static_cast<int>(client.bottom)};
     const float space = FittingStaffSpace(main.record.screen, size, ScrollBarHeight());
     const Scale fitting = ScaleWithSpace(main.screen_scale, space);
+    LayoutWindow(main.record, ToTwipsX(fitting, size.width), ToTwipsY(fitting, size.height),
+                 ToTwipsY(fitting, ScrollBarHeight())); // first: the fonts are fitted to the texts' places
     if (fitting.twips_per_pixel_y != main.theme.scale.twips_per_pixel_y) Magnify(main, fitting);
     SendMessageW(main.toolbar, TB_AUTOSIZE, 0, 0);
-    LayoutWindow(main.record, ToTwipsX(fitting, size.width), ToTwipsY(fitting, size.height),
-                 ToTwipsY(fitting, ScrollBarHeight()));
 }
 
 } // namespace tonex

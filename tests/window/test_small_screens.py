@@ -95,6 +95,21 @@ def test_a_window_made_smaller_shrinks_its_content_by_whole_staff_pixels(start, 
         expect_columns_under_strip(editor)
 
 
+def test_the_texts_of_the_tempo_can_be_read_in_a_small_window_of_a_large_scale(screen, tmp_path):
+    """Where the arrow of the box, which does not shrink, leaves the number little room."""
+    prefix = Prefix("small-window-144", dpi=144)
+    editor = Editor(prefix, screen, windows_path(Melody.build(tmp_path / "SHRINK.SND", SHOWCASE))).wait_ready()
+    try:
+        for width, height, text_height in ((800, 520, 11), (700, 480, 9)):
+            resize(editor, width, height)
+            for label in (child for child in editor.children() if child["class"] == "Static"):
+                assert prefix.ask("textsize", label["hwnd"])[1] >= text_height, f"{label['text']} at {width} x {height}"
+            expect_tidy_controls(editor)
+    finally:
+        editor.kill()
+        prefix.end()
+
+
 MARGINS = """<?xml version="1.0"?><openbox_config xmlns="http://openbox.org/3.4/rc">
 <margins><top>70</top><left>90</left><bottom>0</bottom><right>0</right></margins></openbox_config>
 """
