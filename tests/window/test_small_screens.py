@@ -62,8 +62,7 @@ def test_the_tempos_list_leaves_the_box_under_the_pointer_free(tmp_path, size, d
             assert inside(open_list, [0, 0, *size]) and not overlap(open_list, box)
             assert editor.tempo_box()["selected"] == editor.tempo_box()["items"].index(" 64")
             screen.click(*arrow)
-            wait_until(lambda: not any(w["class"] == "ComboLBox" and w["visible"] for w in editor.windows()), 5,
-                       "the closed list")
+            wait_until(lambda: not editor.list_dropped(), 5, "the closed list")
             assert editor.tempo_box()["text"] == " 64"
         finally:
             editor.kill()

@@ -115,8 +115,8 @@ def test_what_is_typed_over_the_open_list_stays_when_it_is_left(start, melody, l
     else:
         left, top, right, _ = editor.child("TonexPiano")["rect"]
         editor.screen.click(left - 10, top)
-        wait_until(lambda: not dropped(editor), 5, "the closed list")
-    wait_until(lambda: (shown_tempo(editor), tempo_name(editor)) == ("90", "Moderato"), 2,
+        wait_until(lambda: not editor.list_dropped(), 5, "the closed list")
+    wait_until(lambda: (shown_tempo(editor), tempo_name(editor)) == ("90", "Moderato"), 5,
                f"90, not {shown_tempo(editor)} {tempo_name(editor)}")
     assert is_changed(editor)
 
