@@ -57,6 +57,8 @@ TEST(Deviation, CountsSpeedAndUnevennessApart) {
     const std::vector<double> slower = {0.515, 0.515, 0.515, 0.515};
     EXPECT_NEAR(DeviationOf(meant, slower).j, std::log(1.03) / 0.03, 1e-9);
     EXPECT_EQ(DeviationOf(meant, slower).worst, -1);
+    const std::vector<double> late_first = {0.53, 0.5, 0.5, 0.5};
+    EXPECT_NEAR(DeviationOf(meant, late_first).duration, 2.03 / 2.0, 1e-9);
     const std::vector<double> uneven = {0.5, 0.5, 0.525, 0.475};
     const Deviation deviation = DeviationOf(meant, uneven);
     EXPECT_NEAR(deviation.j, std::sqrt((2.0 * 2.0 + 2.0 * 2.0) / 4.0), 1e-9);

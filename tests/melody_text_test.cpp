@@ -342,6 +342,11 @@ TEST(MelodyText, AWordOfContinuationBytesIsCutToNothing) {
               "\"...\" is no note, r or |");
 }
 
+TEST(MelodyText, ControlCharactersOfAWrongWordAreShownAsQuestionMarks) {
+    EXPECT_EQ(FaultOf("tempo 120\nx\x1F\x7Fy 1/4\n").reason, "\"x??y\" is no note, r or |");
+    EXPECT_EQ(FaultOf("tempo 120\nx~\xC2\x80y 1/4\n").reason, "\"x~\xC2\x80y\" is no note, r or |");
+}
+
 TEST(MelodyText, ACarriageReturnAloneEndsALineAlsoTheLast) {
     EXPECT_EQ(EntriesOf(Parsed("tempo 120\rc5 1/4\rd5 1/4\r")).size(), 2u);
     EXPECT_EQ(FaultOf("tempo 120\r\rwrong\r").line, 3);
