@@ -124,7 +124,7 @@ int DotGap(float unit) {
 }
 
 int DotsApart(float unit) {
-    return std::max(1, static_cast<int>(0.2F * unit + 0.5F));
+    return std::max(1, static_cast<int>(std::floor(0.2F * unit + 0.5F)));
 }
 
 float WidthOf(const Dots& dots) {

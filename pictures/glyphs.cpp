@@ -300,11 +300,11 @@ Note ButtonNote(const Pen& pen, const NoteLength& form, float width, float heigh
 } // namespace
 
 int StaffLinePixels(float pixels_per_twip) {
-    return std::max(1, static_cast<int>(pixels_per_twip * 0.115F * kStaffSpace + 0.5F));
+    return std::max(1, static_cast<int>(std::floor(pixels_per_twip * 0.115F * kStaffSpace + 0.5F)));
 }
 
 int BarLinePixels(float pixels_per_twip) {
-    const int thick = static_cast<int>(pixels_per_twip * 0.16F * kStaffSpace + 0.5F);
+    const int thick = static_cast<int>(std::floor(pixels_per_twip * 0.16F * kStaffSpace + 0.5F));
     return thick < 2 ? 1 : std::max(thick, StaffLinePixels(pixels_per_twip) + 1);
 }
 
