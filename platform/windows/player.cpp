@@ -78,9 +78,9 @@ std::uint32_t ExitCodeOf(ProcessHandle process) {
     DWORD code = 0;
     // A process that can not be asked any more counts as ended, or the editor would wait for ever.
     if (!GetExitCodeProcess(AsHandle(process), &code)) return 0;
-    // A program may end with the very number that stands for running.
-    if (code == kStillActive && WaitForSingleObject(AsHandle(process), 0) == WAIT_OBJECT_0) return 0;
-    return code;
+    if (code != kStillActive || WaitForSingleObject(AsHandle(process), 0) != WAIT_OBJECT_0) return code;
+    // It has ended since it was asked, or with the very number that stands for running.
+    return GetExitCodeProcess(AsHandle(process), &code) && code != kStillActive ? code : 0;
 }
 
 void CloseProcess(ProcessHandle process) {

@@ -80,18 +80,26 @@ TEST(Player, AProgramIsToldTheSoundsNameAndTheNextOneIsNot) {
 }
 
 TEST(Player, AProgramIsAskedToShowItselfAsUsual) {
+    const HANDLE opened = CreateEventW(nullptr, TRUE, FALSE, kChildOpened);
     const ProcessHandle process =
         OpenProcessForQuery(StartCommandLine(Quoted(TestProgram()) + L" child-show-state"));
+    ASSERT_NE(process, 0u);
+    SetEvent(opened);
     EXPECT_EQ(WaitForEnd(process), static_cast<std::uint32_t>(SW_SHOWNORMAL));
     CloseProcess(process);
+    CloseHandle(opened);
 }
 
 TEST(Player, ADocumentsProgramIsAskedToShowItselfAsUsual) {
     const PlayableKind kind(Quoted(TestProgram()) + L" child-show-state");
     const TestFolder folder;
     WriteBytes(folder / L"a.tnxtest", "x");
+    const HANDLE opened = CreateEventW(nullptr, TRUE, FALSE, kChildOpened);
     ProcessHandle process = 0;
     ASSERT_TRUE(StartDocument(folder / L"a.tnxtest", L"Play", process));
+    ASSERT_NE(process, 0u);
+    SetEvent(opened);
+    CloseHandle(opened);
     EXPECT_EQ(WaitForEnd(process), static_cast<std::uint32_t>(SW_SHOWNORMAL));
     CloseProcess(process);
 }

@@ -150,8 +150,12 @@ DWORD Child::ExitCode() {
     return code;
 }
 
-/// How the program was asked to show itself; 97 when it was not asked.
+/// How the program was asked to show itself; 97 when it was not asked. It lives until the test has opened it.
 int ShowStateAskedFor() {
+    if (const HANDLE opened = OpenEventW(SYNCHRONIZE, FALSE, kChildOpened)) {
+        WaitForSingleObject(opened, kPatience * 3);
+        CloseHandle(opened);
+    }
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     GetStartupInfoW(&startup);

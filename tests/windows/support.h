@@ -46,6 +46,9 @@ struct Child {
     DWORD ExitCode();
 };
 
+/// The event that a child waits for which tells its show state.
+inline constexpr wchar_t kChildOpened[] = L"Tonex.Test.ChildOpened";
+
 /// What a process does whose first argument begins with "child-"; its exit code.
 int RunAsChild(int count, wchar_t** arguments);
 
