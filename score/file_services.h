@@ -11,7 +11,7 @@
 namespace tonex {
 
 /// Age in seconds from which a temporary file of a save or an upload counts as left behind; none takes a day.
-inline constexpr std::uint64_t kAbandonedAge = 24 * 60 * 60;
+inline constexpr std::uint64_t kAbandonedAge = std::uint64_t{24} * 60 * 60;
 
 /// Writes bytes to a path through a checked temporary file in the same folder, renamed over the target. A
 /// read-only, hidden or system file at the path is replaced. False when anything failed: the old file is then

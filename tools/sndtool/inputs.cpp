@@ -12,7 +12,7 @@ namespace tonex {
 namespace {
 
 /// Far above any melody, as a file or as text with comments.
-constexpr std::size_t kLargestInput = 16 * 1024 * 1024;
+constexpr std::size_t kLargestInput = std::size_t{16} * 1024 * 1024;
 
 std::string NameOf(const std::string& argument) {
     return argument == kStandardStream ? "standard input" : argument;
