@@ -43,12 +43,12 @@ struct FileDialogs : testing::TestWithParam<Kind> {
         const Hands hands([&] {
             const HWND box = Wait(dialog.Title.c_str());
             TypeName(box, name);
-            Press(box, IDOK);
+            PressAway(box, IDOK);
         });
         return GetParam().show(dialog, DialogTask::Open);
     }
     static DialogAnswer Cancel(FileDialog& dialog) {
-        const Hands hands([&] { Press(Wait(dialog.Title.c_str()), IDCANCEL); });
+        const Hands hands([&] { PressAway(Wait(dialog.Title.c_str()), IDCANCEL); });
         return GetParam().show(dialog, DialogTask::Open);
     }
 };
@@ -74,7 +74,7 @@ TEST_P(FileDialogs, GiveTheFullPathOfAFileInTheFolderOffered) {
             EXPECT_EQ(ControlText(box, kFileTypes), L"Sound Files(*.snd)");
             EXPECT_EQ(NameIn(box), L"");
             TypeName(box, L"tune.snd");
-            Press(box, IDOK);
+            PressAway(box, IDOK);
         });
         ASSERT_EQ(GetParam().show(dialog, DialogTask::Open), DialogAnswer::Chosen);
     }
@@ -122,7 +122,7 @@ TEST_P(FileDialogs, OfferTheNameAndAddTheExtension) {
             const HWND box = Wait(L"Save to PC");
             EXPECT_EQ(NameIn(box), L"melody");
             EXPECT_EQ(ControlText(box, kFileTypes), L"Sound File(*.snd)");
-            Press(box, IDOK);
+            PressAway(box, IDOK);
         });
         ASSERT_EQ(GetParam().show(dialog, DialogTask::Save), DialogAnswer::Chosen);
     }
@@ -136,12 +136,11 @@ TEST_P(FileDialogs, AskBeforeAnExistingFileIsChosen) {
     {
         const Hands hands([] {
             const HWND box = Wait(L"Save to PC");
-            Press(box, IDOK);
-            const HWND question = WaitForDialog(L"Save to PC", IDNO);
-            Press(question, IDNO);
-            WaitUntilGone(question);
-            Press(box, IDOK);
-            Press(WaitForDialog(L"Save to PC", IDYES), IDYES);
+            const auto asked = [] { return FindDialog(L"Save to PC", IDYES) != nullptr; };
+            PressUntil(box, IDOK, asked);
+            PressAway(FindDialog(L"Save to PC", IDNO), IDNO);
+            PressUntil(box, IDOK, asked);
+            PressAway(FindDialog(L"Save to PC", IDYES), IDYES);
         });
         ASSERT_EQ(GetParam().show(dialog, DialogTask::Save), DialogAnswer::Chosen);
     }
@@ -160,7 +159,7 @@ TEST(FileDialogChoice, LeavesTheCurrentFolderAlone) {
         const Hands hands([&] {
             const HWND box = WaitForDialog(L"Open on PC", file_name);
             SendDlgItemMessageW(box, file_name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"tune.snd"));
-            Press(box, IDOK);
+            PressAway(box, IDOK);
         });
         ASSERT_TRUE(ShowOpenDialog(dialog));
     }

@@ -186,11 +186,15 @@ Hands::~Hands() {
     CloseHandle(thread);
 }
 
+HWND FindDialog(const std::wstring& caption, int control) {
+    DialogSearch search = {caption, control, nullptr};
+    EnumWindows(LookAtWindow, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
 HWND WaitForDialog(const std::wstring& caption, int control) {
     for (DWORD waited = 0; waited < kPatience; waited += kPoll) {
-        DialogSearch search = {caption, control, nullptr};
-        EnumWindows(LookAtWindow, reinterpret_cast<LPARAM>(&search));
-        if (search.found) return search.found;
+        if (const HWND found = FindDialog(caption, control)) return found;
         Sleep(kPoll);
     }
     ADD_FAILURE() << "no dialog came: " << std::string(caption.begin(), caption.end());
@@ -218,6 +222,20 @@ std::wstring ControlText(HWND dialog, int control) {
 void Press(HWND dialog, int control) {
     PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(control),
                  reinterpret_cast<LPARAM>(GetDlgItem(dialog, control)));
+}
+
+void PressUntil(HWND dialog, int control, const std::function<bool()>& done) {
+    constexpr DWORD again = 1000;
+    for (DWORD waited = 0; waited < kPatience; waited += kPoll) {
+        if (waited % again == 0) Press(dialog, control);
+        Sleep(kPoll);
+        if (done()) return;
+    }
+    ADD_FAILURE() << "a button did nothing";
+}
+
+void PressAway(HWND dialog, int control) {
+    PressUntil(dialog, control, [=] { return !IsWindow(dialog) || !IsWindowVisible(dialog); });
 }
 
 Environment::Environment(const wchar_t* variable, const std::wstring& value) : name(variable) {

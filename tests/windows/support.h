@@ -67,6 +67,9 @@ struct Hands {
 /// when none comes. With a control number, only a dialog that has such a control.
 HWND WaitForDialog(const std::wstring& caption, int control = 0);
 
+/// The same without waiting and without failing.
+HWND FindDialog(const std::wstring& caption, int control = 0);
+
 /// Waits until the window is gone; fails the test after ten seconds.
 void WaitUntilGone(HWND window);
 
@@ -74,6 +77,11 @@ std::wstring TextOf(HWND window);
 std::wstring ControlText(HWND dialog, int control);
 /// Presses a button without waiting for what it does.
 void Press(HWND dialog, int control);
+/// Presses a button, once a second, until it has done its work; fails the test after ten seconds. A system's
+/// dialog that has just come may not listen yet.
+void PressUntil(HWND dialog, int control, const std::function<bool()>& done);
+/// The same for a button that ends the dialog.
+void PressAway(HWND dialog, int control);
 
 /// Sets an environment variable for as long as it lives.
 struct Environment {
