@@ -36,10 +36,10 @@ class Plug:
 def device(prefix, tmp_path):
     """The stand-in sound library in the place of Wine's own, which looks for devices once a process."""
     library = prefix.path / "drive_c" / "windows" / "system32" / "winmm.dll"
-    own = library.read_bytes()
+    own = library.rename(library.with_name("winmm.own"))  # never written to: all prefixes share this file
     library.write_bytes(program(WINDOWS_BUILD, "stand_in_winmm.dll").read_bytes())
     yield Plug(tmp_path)
-    library.write_bytes(own)
+    own.rename(library)
 
 
 def test_the_tooltip_of_a_grey_preview_says_why(start, melody, sound):
