@@ -280,6 +280,8 @@ class Editor:
         wait_until(lambda: all(window["hwnd"] != dialog["hwnd"] for window in self.dialogs()) or
                    len(self.dialogs()) > 1, 8, f"the end of {title!r}")
         self.wait_keyboard_leaves(dialog["x"])
+        if not self.dialogs() and self.process.poll() is None:
+            self.wait_keyboard_at(self.main())
 
     def file_name_field(self, dialog):
         """The edit field for the file name of a common dialog."""

@@ -7,15 +7,17 @@ import xml.etree.ElementTree
 import pefile
 import pytest
 
-from building import PRODUCT, ROOT, WINDOWS_BUILD
+from building import BUILD, ROOT
 
 HERE = pathlib.Path(__file__).parent
 KNOWN_IMPORTS = HERE / "imports_of_windows_xp.txt"
 LARGEST = 560 * 1024
 DESCRIPTIONS = {"Tonex": "Sound Editor", "sndrec32": "Sound Player", "LinkSetup": "Sound Editor Link Setup",
                 "sndtool": "Sound Editor's command line"}
+# What a user gets, whatever build the other tests are about.
+PRODUCT = BUILD / "windows" / "sound-editor"
 PROGRAMS = [PRODUCT / f"{name}.exe" for name in DESCRIPTIONS]
-LIBRARIES = [WINDOWS_BUILD / "link" / name for name in ("CorCalen.dll", "Corfldlg.dll")]
+LIBRARIES = [BUILD / "windows" / "link" / name for name in ("CorCalen.dll", "Corfldlg.dll")]
 WINDOWED, CONSOLE = 2, 3
 NX, RELOCATABLE, TERMINAL_SERVER_AWARE = 0x100, 0x40, 0x8000
 LINES_STRIPPED, SYMBOLS_STRIPPED, DEBUG_STRIPPED = 0x4, 0x8, 0x200

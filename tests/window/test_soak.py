@@ -228,6 +228,8 @@ class User:
     def choose_tempo(self):
         self.tempo = self.random.choice(TEMPOS)
         self.editor.type_tempo(str(self.tempo))
+        wait_until(lambda: self.editor.focus()["class"] == "Edit", 8, "the keyboard in the tempo box")
+        wait_until(lambda: self.editor.tempo_box()["text"] == str(self.tempo), 8, "the typed tempo")
         self.editor.screen.key("enter")
         wait_until(lambda: self.editor.focus()["class"] == "TonexGrid", 8, "the keyboard on the grid")
 
