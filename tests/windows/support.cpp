@@ -227,11 +227,14 @@ void Press(HWND dialog, int control) {
 void PressUntil(HWND dialog, int control, const std::function<bool()>& done) {
     constexpr DWORD again = 1000;
     for (DWORD waited = 0; waited < kPatience; waited += kPoll) {
-        if (waited % again == 0) Press(dialog, control);
+        if (waited % again == 0 && waited / again % 2 == 0) Press(dialog, control);
+        if (waited % again == 0 && waited / again % 2 == 1)
+            PostMessageW(GetDlgItem(dialog, control), BM_CLICK, 0, 0);
         Sleep(kPoll);
         if (done()) return;
     }
     ADD_FAILURE() << "a button did nothing";
+    PostMessageW(dialog, WM_CLOSE, 0, 0); // so that the others get their turn
 }
 
 void PressAway(HWND dialog, int control) {

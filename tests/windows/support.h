@@ -77,8 +77,9 @@ std::wstring TextOf(HWND window);
 std::wstring ControlText(HWND dialog, int control);
 /// Presses a button without waiting for what it does.
 void Press(HWND dialog, int control);
-/// Presses a button, once a second, until it has done its work; fails the test after ten seconds. A system's
-/// dialog that has just come may not listen yet.
+/// Presses a button, once a second, until it has done its work; fails the test and closes the dialog after
+/// ten seconds. Now and then Wine's item dialog does nothing for the message alone; every other time the
+/// button itself is clicked.
 void PressUntil(HWND dialog, int control, const std::function<bool()>& done);
 /// The same for a button that ends the dialog.
 void PressAway(HWND dialog, int control);
