@@ -175,15 +175,3 @@ TEST(FileDialogChoice, LeavesTheCurrentFolderAlone) {
     EXPECT_TRUE(SamePath(current, L"C:\\windows"));
     SetCurrentDirectoryW(L"C:\\");
 }
-
-TEST(FileDialogChoice, ItemDialogsThatCanNotBeMadeShowNothing) {
-    const TestFolder folder;
-    FileDialog dialog = {L"Save to PC", L"Sound File(*.snd)|*.snd", L"SND", folder.path, L"melody"};
-    DialogAnswer answer = DialogAnswer::Chosen;
-    {
-        // On a thread that is no apartment no object of the shell is made.
-        const Hands user([&] { answer = ShowItemDialog(dialog, DialogTask::Save); });
-    }
-    EXPECT_EQ(answer, DialogAnswer::Missing);
-    EXPECT_EQ(dialog.FileName, L"melody");
-}
