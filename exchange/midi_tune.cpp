@@ -86,16 +86,25 @@ std::vector<Sound> LineOf(const std::vector<Sound>& sounds, Remarks& remarks) {
 
 constexpr double kGridNear = 0.0125; ///< quarter notes that an onset may be off
 
-/// The nearest multiple of an eighth or a twelfth of a quarter note.
-double NearestPlace(double quarters) {
+/// The nearest multiple of an eighth of a quarter note, or of a part of it that triplets have: 12 or 6 a
+/// quarter.
+double NearestOf(double quarters, double triplet_parts) {
     const double straight = std::round(quarters * 8.0) / 8.0;
-    const double triplet = std::round(quarters * 12.0) / 12.0;
+    const double triplet = std::round(quarters * triplet_parts) / triplet_parts;
     return std::abs(straight - quarters) <= std::abs(triplet - quarters) + 1e-9 ? straight : triplet;
 }
 
+/// Whether a place is as good as written: off by half a tick or what a hand does not mean.
+bool IsNear(double place, double quarters, int ticks_of_quarter) {
+    return std::abs(place - quarters) <= std::max(kGridNear, 0.5 / ticks_of_quarter);
+}
+
+double NearestPlace(double quarters) {
+    return NearestOf(quarters, 12.0);
+}
+
 bool IsOnPlace(double quarters, int ticks_of_quarter) {
-    const double near = std::max(kGridNear, 0.5 / ticks_of_quarter);
-    return std::abs(NearestPlace(quarters) - quarters) <= near;
+    return IsNear(NearestPlace(quarters), quarters, ticks_of_quarter);
 }
 
 /// Where a tick is written.
@@ -107,14 +116,11 @@ double PlaceOf(double tick, int ticks_of_quarter) {
 
 /// Where a score would end a note: at a multiple of an eighth or a sixth of a quarter note.
 double EndPlaceOf(double quarters) {
-    const double straight = std::round(quarters * 8.0) / 8.0;
-    const double triplet = std::round(quarters * 6.0) / 6.0;
-    return std::abs(straight - quarters) <= std::abs(triplet - quarters) + 1e-9 ? straight : triplet;
+    return NearestOf(quarters, 6.0);
 }
 
 bool IsOnEndPlace(double quarters, int ticks_of_quarter) {
-    const double near = std::max(kGridNear, 0.5 / ticks_of_quarter);
-    return std::abs(EndPlaceOf(quarters) - quarters) <= near;
+    return IsNear(EndPlaceOf(quarters), quarters, ticks_of_quarter);
 }
 
 /// Nine onsets of ten lie where a score has them.
