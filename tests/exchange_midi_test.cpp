@@ -4,12 +4,15 @@
 #include "exchange/midi_tune.h"
 #include "exchange/midi_writer.h"
 #include "exchange/played.h"
+#include "tests/tune_items.h"
 
 #include <gtest/gtest.h>
 #include <random>
 
 namespace tonex {
 namespace {
+
+using testing::ItemsOf;
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -68,17 +71,6 @@ bool HasRemark(const Remarks& remarks, std::string_view what) {
         if (remark.find(what) != std::string::npos && times > 0) return true;
     }
     return false;
-}
-
-std::string ItemsOf(const Tune& tune) {
-    std::string text;
-    for (const TuneItem& item : tune.items) {
-        char length[32];
-        std::snprintf(length, sizeof length, "%.4g", item.quarters);
-        text += (text.empty() ? "" : ", ") + (item.kind == TuneKind::Note ? PitchTextOf(item.pitch) : "r") +
-                " " + length;
-    }
-    return text;
 }
 
 Tune Melody0(const Bytes& bytes) {

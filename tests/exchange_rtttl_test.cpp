@@ -1,12 +1,15 @@
 #include "exchange/fit.h"
 #include "exchange/played.h"
 #include "exchange/rtttl.h"
+#include "tests/tune_items.h"
 
 #include <gtest/gtest.h>
 #include <random>
 
 namespace tonex {
 namespace {
+
+using testing::ItemsOf;
 
 const TimingTables& Tables() {
     static const TimingTables tables = BuildTimingTables();
@@ -38,18 +41,6 @@ bool HasRemark(const Tune& tune, std::string_view what) {
         if (remark.find(what) != std::string::npos && times > 0) return true;
     }
     return false;
-}
-
-/// "c5 0.5" an item, in one line; rests are r.
-std::string ItemsOf(const Tune& tune) {
-    std::string text;
-    for (const TuneItem& item : tune.items) {
-        char length[32];
-        std::snprintf(length, sizeof length, "%.4g", item.quarters);
-        text += (text.empty() ? "" : ", ") + (item.kind == TuneKind::Note ? PitchTextOf(item.pitch) : "r") +
-                " " + length;
-    }
-    return text;
 }
 
 TEST(RtttlReader, DefaultsStandInForWhatIsLeftOut) {
