@@ -1,4 +1,5 @@
 // Any bytes as a melody to convert: every sample equals the plain model's, whatever the records say.
+#include "fuzz/share.h"
 #include "preview/synthesis.h"
 #include "tests/plain_synthesis.h"
 
@@ -9,8 +10,11 @@ namespace {
 
 using namespace tonex;
 
-/// Samples a try may last, so that the fuzzer tries many.
-constexpr std::uint64_t kMostSamples = 400000;
+/// Samples a try may last. One of so many tries is a long one at its own tempo; the others are short and at
+/// the fastest tempo, so that the fuzzer tries many.
+constexpr std::uint64_t kMostSamples = 400000, kMostOfShort = 3000;
+constexpr std::uint32_t kLongShare = 512;
+constexpr std::uint8_t kFastest = 1;
 
 void Require(bool condition) {
     if (!condition) std::abort();
@@ -51,12 +55,15 @@ void Try(std::span<const std::uint8_t> file) {
     if (!ReadPlayBlock(file, block)) return;
     Require(block.tempo_byte >= 1 && block.tempo_byte <= 32);
     Require(block.records.size() % 2 == 0 && block.records.size() + 6 <= file.size());
+    const bool is_long = IsOneOf(kLongShare, file);
+    const std::uint64_t most = is_long ? kMostSamples : kMostOfShort;
+    const std::uint8_t tempo = is_long ? block.tempo_byte : kFastest;
     std::uint64_t samples = 0;
     for (std::size_t i = 0; i < block.records.size(); i += 2) {
         Require(block.records[i] != 255 || block.records[i + 1] != 255);
-        samples += NoteSampleCount(block.records[i + 1], block.tempo_byte);
-        if (samples > kMostSamples) return;
-        TryNote(block.records[i], block.records[i + 1], block.tempo_byte);
+        samples += NoteSampleCount(block.records[i + 1], tempo);
+        if (samples > most) return;
+        TryNote(block.records[i], block.records[i + 1], tempo);
     }
 }
 

@@ -1,4 +1,5 @@
 // Any bytes as what a link library writes: the list of the organiser's sounds, paths and their counts.
+#include "fuzz/share.h"
 #include "link/device_commands.h"
 #include "link/discovery_commands.h"
 #include "tests/set_up_window.h"
@@ -13,6 +14,8 @@ void Require(bool condition) {
     if (!condition) std::abort();
 }
 
+/// Opening a melody fills the whole score: one of so many tries does.
+constexpr std::uint32_t kOpenShare = 64;
 constexpr std::size_t kListSize = 8192, kCacheRoom = 200;
 
 std::int16_t Count(const std::uint8_t* bytes) {
@@ -55,6 +58,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     desktop::Current().messages.clear();
     const std::string text(bytes + 2, bytes + size);
     TryListing(*window, text, Count(bytes));
-    TryPaths(*window, text, Count(bytes));
+    if (IsOneOf(kOpenShare, {bytes, size})) TryPaths(*window, text, Count(bytes));
     return 0;
 }
