@@ -15,6 +15,7 @@
 #include <cmath>
 #include <map>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -486,6 +487,21 @@ TEST(Engraving, DotsHaveOneSize) {
     };
     ForEveryNote(check);
     ForEveryRest(check);
+}
+
+TEST(Engraving, DotsAndTheirGapsGrowByWholePixels) {
+    for (const auto& [space, size, gap, apart] : {std::tuple{8.0F, 3, 2, 2},
+                                                  {9.5F, 3, 2, 2},
+                                                  {9.9F, 4, 2, 2},
+                                                  {10.0F, 4, 3, 2},
+                                                  {12.0F, 5, 3, 2},
+                                                  {12.4F, 5, 3, 2},
+                                                  {12.6F, 5, 3, 3},
+                                                  {16.0F, 6, 4, 3}}) {
+        EXPECT_EQ(DotSize(space), size) << space;
+        EXPECT_EQ(DotGap(space), gap) << space;
+        EXPECT_EQ(DotsApart(space), apart) << space;
+    }
 }
 
 /// Rests leave more room than heads.

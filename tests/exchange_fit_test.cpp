@@ -86,6 +86,12 @@ TEST(Chains, OthersAreTheFewestEntriesThatComeNearest) {
     EXPECT_NEAR(QuartersOfChain(ChainOf(100.0)), 100.0, 0.05);
 }
 
+TEST(Chains, AnEntryMoreIsTakenWhereItComesNearerByHalfOfTheShortest) {
+    constexpr double part = 1.0 / 48.0;                          // quarter notes; the shortest entry has 4
+    EXPECT_EQ(ChainOf(9.95 * part), std::vector<int>{5});        // 8; 6 and 4 are 1.9 nearer
+    EXPECT_EQ(ChainOf(51.05 * part), (std::vector<int>{10, 1})); // 48 and 4, which are 2.1 nearer than 48
+}
+
 TEST(Played, TempoBytesGiveTheirTrueTempo) {
     EXPECT_DOUBLE_EQ(TrueTempoOf(0, 4), 120.0);
     EXPECT_DOUBLE_EQ(TrueTempoOf(1, 4), 80.0);
@@ -98,6 +104,7 @@ TEST(FitScore, KeepsATempoOfTheListAndItsLengths) {
     EXPECT_EQ(fit.melody.scale, 1.0);
     EXPECT_EQ(fit.deviation.j, 0.0);
     EXPECT_TRUE(fit.whole);
+    EXPECT_EQ(fit.records, 7); // the last note has two
 }
 
 TEST(FitScore, HalvesOrDoublesLengthsWhereThatComesNearer) {
@@ -137,6 +144,12 @@ TEST(FitScore, KeepsWhatIsWrittenWhereTheDifferenceIsHardlyHeard) {
     EXPECT_NEAR(fit.deviation.j, 0.69, 0.01);
     EXPECT_EQ(fit.melody.tempo, 70);
     EXPECT_EQ(fit.melody.scale, 1.0);
+}
+
+TEST(FitScore, ATempoIsAsWrittenWithinAThousandth) {
+    for (const auto& [tempo, fitted] : {std::pair{70.065, 70}, {70.075, 72}})
+        EXPECT_EQ(FitTune(Tables(), TuneOf(tempo, Times({1.0, 0.5, 0.5, 2.0}, 4)), false).melody.tempo,
+                  fitted);
 }
 
 TEST(FitScore, OfNothingIsAnEmptyMelody) {
@@ -207,6 +220,19 @@ TEST(FitExact, MeetsAnySpeedWithWholeUnits) {
         EXPECT_LE(exact.deviation.unevenness, 1.1) << tempo;
         EXPECT_LE(exact.deviation.j, score.deviation.j + 0.2) << tempo;
         EXPECT_LE(exact.melody.entries.size(), tune.items.size() * 2) << tempo;
+    }
+}
+
+TEST(FitExact, NoOnsetIsMoreThan3UnitsOffItsPlace) {
+    for (const double tempo : {137.0, 151.3, 187.0, 233.0, 285.0}) {
+        const Tune tune = TuneOf(tempo, Times({0.5}, 60));
+        const Fit fit = FitTune(Tables(), tune, true);
+        double meant = 0.0, played = 0.0;
+        for (std::size_t i = 0; i < fit.played.size(); ++i) {
+            meant += tune.items[i].seconds;
+            played += fit.played[i];
+            EXPECT_LE(std::abs(played - meant), SecondsOfUnits(3.5, fit.tempo_byte) + 1e-9) << tempo;
+        }
     }
 }
 

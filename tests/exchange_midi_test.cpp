@@ -192,6 +192,7 @@ TEST(MidiReader, RefusesWithTheOffset) {
         {header(0xFFFFFFFF), 4, "length is 4294967295"},
         {with(3, 96), 8, "format is 3"},
         {with(0, 0), 12, "division is 0"},
+        {with(0, 0x8000), 12, "division"},
         {with(0, 0xE800), 12, "division"},
         {with(0, 0xE128), 12, "division"},
         {Header(0, 1, 96), 14, "no track"},
@@ -272,6 +273,16 @@ TEST(MidiClock, IsAt120UntilTheFirstTempoAndFollowsAllTracks) {
     EXPECT_DOUBLE_EQ(SecondsAt(ClockOf(Read(own), 1), 192), 1.0);
 }
 
+TEST(MidiClock, TemposCountUnlessTicksArePartsOfASecond) {
+    MidiFile file;
+    file.tempos.push_back({0, 0, 1000000});
+    file.ticks_of_quarter = 1;
+    EXPECT_DOUBLE_EQ(SecondsAt(ClockOf(file, 0), 3.0), 3.0);
+    file.ticks_of_quarter = 0;
+    file.seconds_of_tick = 0.01;
+    EXPECT_DOUBLE_EQ(SecondsAt(ClockOf(file, 0), 3.0), 0.03);
+}
+
 // Voices.
 
 TEST(MidiVoices, FormatZeroIsSplitByChannelAndDrumsAreLeftOut) {
@@ -321,12 +332,26 @@ double PointsOfName(std::string_view name, int interval = 2, std::uint8_t ticks 
 TEST(MidiVoices, NamesAreReadByWholeWords) {
     const double plain = PointsOfName("x");
     for (const char* name :
-         {"Lead 1", "LeadVocals", "main melody", "Melodie", "Singstimme", "SOLO", "voice-2"})
+         {"Lead 1", "LeadVocals", "main melody", "Melodie", "Singstimme", "SOLO", "voice-2", "Vocals",
+          "Sing along", "Singers", "Gesangsstimme", "Canto", "Tune", "Theme"})
         EXPECT_NEAR(PointsOfName(name), plain + 30.0, 1e-6) << name;
-    for (const char* name : {"Bass", "E-Bass (finger)", "Drums", "Piano chords", "Pad", "percussion"})
+    for (const char* name :
+         {"Bass", "Bassline", "Contrabass", "E-Bass (finger)", "Drums", "percussion", "Accompaniment",
+          "a chord", "Piano chords", "Rhythm", "Harmony", "backing 2", "Pad", "Pads"})
         EXPECT_NEAR(PointsOfName(name), plain - 30.0, 1e-6) << name;
     for (const char* name : {"Paddy Whack", "Harpsichord", "Bassoon", "Fortune", "Single coil", "Resolution"})
         EXPECT_NEAR(PointsOfName(name), plain, 1e-6) << name;
+}
+
+TEST(MidiVoices, ABassByItsFirstProgramLosesPoints) {
+    const auto points = [](std::uint8_t program) {
+        Bytes events = {0, 0xC0, program, 0, 0xC0, 33, 0, 0xB0, 7, 33};
+        for (int i = 0; i < 10; ++i)
+            events.insert(events.end(), {0, 0x90, 60, 100, 48, 60, 0});
+        return VoicesOf(Read(OneTrack(events))).front().points;
+    };
+    for (const auto& [program, less] : {std::pair{31, 0.0}, {32, 30.0}, {39, 30.0}, {40, 0.0}})
+        EXPECT_NEAR(points(static_cast<std::uint8_t>(program)), points(0) - less, 1e-6) << program;
 }
 
 TEST(MidiVoices, StepsGivePointsAndLeapsAndHeldNotesTakeThem) {
@@ -383,6 +408,18 @@ TEST(MidiVoices, ShortGapsAreAbsorbedAndRestsAreKept) {
     EXPECT_TRUE(tune.on_grid);
 }
 
+TEST(MidiVoices, ASilenceIsPlayedBelow40PartsOf100BehindAPlaceAndBelow60BehindNone) {
+    const auto played = [](int sounding, int all) {
+        const auto silent = static_cast<std::uint8_t>(all - sounding);
+        return ItemsOf(Melody0(OneTrack(
+            {0, 0x90, 60, 100, static_cast<std::uint8_t>(sounding), 60, 0, silent, 62, 100, 96, 62, 0})));
+    };
+    EXPECT_EQ(played(120, 192), "c4 2, d4 1");
+    EXPECT_EQ(played(112, 192), "c4 1.167, r 0.8333, d4 1");
+    EXPECT_EQ(played(39, 96), "c4 1, d4 1");
+    EXPECT_EQ(played(38, 96), "c4 0.375, r 0.625, d4 1");
+}
+
 TEST(MidiVoices, SilenceInFrontIsLeftOutAndAPartCanBeTaken) {
     const Bytes bytes =
         OneTrack({96, 0x90, 60, 100, 96, 60, 0, 0, 62, 100, 96, 62, 0, 0, 64, 100, 96, 64, 0});
@@ -411,6 +448,12 @@ TEST(MidiTune, TheLastNoteIsAsLongAsTheOthersGapsLetExpect) {
     EXPECT_DOUBLE_EQ(played(72, 96), 1.0); // held where the others were not
     EXPECT_DOUBLE_EQ(played(96, 102), 1.0);
     EXPECT_NEAR(played(86, 29), 1.0 / 3.0, 1e-9);
+}
+
+TEST(MidiTune, ALastNoteTooShortForAnyPlaceKeepsItsTime) {
+    const Tune tune = Melody0(OneTrack({0, 0x90, 60, 100, 96, 60, 0, 0, 62, 100, 1, 62, 0}));
+    ASSERT_EQ(tune.items.size(), 2u);
+    EXPECT_NEAR(tune.items[1].seconds, 0.5 / 96.0, 1e-9);
 }
 
 TEST(MidiTune, SecondsAreThoseOfTheFileAndNotOfThePlacesWhereNotesAreWritten) {
@@ -446,12 +489,38 @@ TEST(MidiVoices, OnsetsOffThePlacesOfAScoreAreOnNoGrid) {
     EXPECT_FALSE(Melody0(OneTrack(events)).on_grid);
 }
 
+TEST(MidiVoices, OnNoGridANoteInFrontOfARestEndsWhereItDoes) {
+    Bytes events;
+    for (int i = 0; i < 20; ++i) {
+        const auto silent = static_cast<std::uint8_t>(70 + 7 * (i % 4));
+        events.insert(events.end(), {0, 0x90, 60, 100, 20, 60, 0, silent, 0xB0, 7, 100});
+    }
+    const Tune tune = Melody0(OneTrack(events));
+    EXPECT_FALSE(tune.on_grid);
+    EXPECT_NEAR(tune.items[0].quarters, 20.0 / 96.0, 1e-9);
+    EXPECT_NEAR(tune.items[1].quarters, 70.0 / 96.0, 1e-9);
+}
+
 TEST(MidiVoices, ChangingTemposAreTold) {
     const Tune tune = Melody0(OneTrack({0,    0x90, 60, 100,  96,   60,   0, 0,    62, 100, 96, 62, 0, 0,
                                         0xFF, 0x51, 3,  0x0F, 0x42, 0x40, 0, 0x90, 64, 100, 96, 64, 0}));
     EXPECT_TRUE(tune.bends);
     EXPECT_TRUE(HasRemark(tune.remarks, "between 60 and 120"));
     EXPECT_NEAR(LengthOf(tune), 2.0, 1e-9);
+    EXPECT_EQ(tune.tempo, 60.0); // either lasts for a second: the slower one counts
+}
+
+TEST(MidiVoices, TemposWithinAHundredthOfEachOtherAreOne) {
+    for (const auto& [microseconds, bends] :
+         {std::pair{495000, true}, {495100, false}, {505000, false}, {506000, true}}) {
+        const auto byte = [&, all = microseconds](int shift) {
+            return static_cast<std::uint8_t>(all >> shift);
+        };
+        const Tune tune = Melody0(OneTrack({0,        0x90,    60,      100, 96,   60, 0,   0,  0xFF, 0x51, 3,
+                                            byte(16), byte(8), byte(0), 0,   0x90, 64, 100, 48, 64,   0}));
+        EXPECT_EQ(tune.tempo, 120.0);
+        EXPECT_EQ(tune.bends, bends) << microseconds;
+    }
 }
 
 // The writer.
@@ -499,6 +568,15 @@ TEST(MidiRoundTrip, AChangedNominalFileIsReadLikeAnyOther) {
     MidiFile longer = Read(made.bytes);
     longer.ends[0] += 10;
     EXPECT_FALSE(TuneOfNominal(longer).has_value());
+    MidiFile unmarked = Read(made.bytes);
+    unmarked.texts.clear();
+    EXPECT_FALSE(TuneOfNominal(unmarked).has_value());
+    MidiFile in_seconds = Read(made.bytes);
+    in_seconds.ticks_of_quarter = 0;
+    EXPECT_FALSE(TuneOfNominal(in_seconds).has_value());
+    MidiFile of_two_tracks = Read(made.bytes);
+    of_two_tracks.tracks = 2;
+    EXPECT_FALSE(TuneOfNominal(of_two_tracks).has_value());
 }
 
 TEST(MidiWriter, WritesWhatThePlayBlockPlaysToTheTick) {
@@ -512,7 +590,9 @@ TEST(MidiWriter, WritesWhatThePlayBlockPlaysToTheTick) {
         ASSERT_TRUE(ReadPlayBlock(encoding.bytes, block));
         const auto units = UnitsPlayed(Tables(), block, melody.list, mode);
         ASSERT_TRUE(units.has_value());
-        const MidiFile file = Read(WritePlayedMidi(block, melody, mode, *units, "x").bytes);
+        const MidiBytes made = WritePlayedMidi(block, melody, mode, *units, "x");
+        const MidiFile file = Read(made.bytes);
+        EXPECT_EQ(made.ticks, file.ends[0]);
         const MidiClock clock = ClockOf(file, 0);
         std::size_t note = 0;
         double seconds = 0.0;
@@ -544,6 +624,34 @@ TEST(MidiWriter, RefusesWhatMidiDoesNotHave) {
     EXPECT_EQ(WriteNominalMidi(melody, "x").reason, "entry 2 is g9#; MIDI ends at g9");
     melody.list[1] = {50, 20};
     EXPECT_EQ(WriteNominalMidi(melody, "x").reason, "entry 2 has the unknown code 50");
+}
+
+TEST(MidiWriter, SoundsTheQuartersOfARecordAllFromFourOn) {
+    Melody melody;
+    melody.tempo = 120;
+    melody.list[0] = {10, 26};
+    for (const auto& [length_byte, ticks] :
+         {std::pair{0x18, 120}, {0x28, 240}, {0x38, 360}, {0x48, 480}, {0x88, 480}}) {
+        const std::vector<std::uint8_t> records = {26, static_cast<std::uint8_t>(length_byte)};
+        const MidiFile file = Read(WritePlayedMidi({4, records}, melody, 0, {8}, "x").bytes);
+        ASSERT_EQ(file.notes.size(), 1u);
+        EXPECT_EQ(file.notes[0].end, ticks);
+        EXPECT_EQ(file.ends[0], 480);
+    }
+}
+
+TEST(MidiWriter, RefusesARecordAboveMidiFromTheShortestThatSounds) {
+    Melody melody;
+    melody.tempo = 120;
+    melody.list[0] = melody.list[1] = {10, 26};
+    const auto written = [&](std::uint8_t pitch_byte, std::uint8_t length_byte) {
+        const std::vector<std::uint8_t> records = {26, 24, pitch_byte, length_byte};
+        return WritePlayedMidi({4, records}, melody, 0, {8, UnitsOfRecord(length_byte)}, "x");
+    };
+    EXPECT_EQ(written(93, 16).reason, "");
+    EXPECT_EQ(written(94, 16).reason, "record 2 is higher than MIDI goes");
+    EXPECT_EQ(written(94, 15).reason, ""); // silent
+    EXPECT_EQ(Read(written(94, 15).bytes).notes.size(), 1u);
 }
 
 } // namespace

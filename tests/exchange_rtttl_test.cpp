@@ -70,7 +70,10 @@ TEST(RtttlReader, CaseBlanksLineEndsOrderOfControlsAndTrailingCommasMeanNothing)
 }
 
 TEST(RtttlReader, HIsBAndFlatsAreTheSharpBelow) {
-    EXPECT_EQ(ItemsOf(ReadOne("x:o=5,b=120:h,b,eb,bb6,b5")), "b5 1, b5 1, d5# 1, a6# 1, b5 1");
+    const Tune tune = ReadOne("x:o=5,b=120:h,b,eb,bb6,b5");
+    EXPECT_EQ(ItemsOf(tune), "b5 1, b5 1, d5# 1, a6# 1, b5 1");
+    EXPECT_TRUE(HasRemark(tune, "read h as b"));
+    EXPECT_TRUE(HasRemark(tune, "read a flat"));
 }
 
 TEST(RtttlReader, BIsAControlOnlyInFrontOfAnEqualsSign) {
@@ -80,6 +83,12 @@ TEST(RtttlReader, BIsAControlOnlyInFrontOfAnEqualsSign) {
     EXPECT_DOUBLE_EQ(tune.items[1].seconds, 0.5);
     EXPECT_TRUE(tune.bends);
     EXPECT_NEAR(tune.tempo, 90.0, 1e-9);
+}
+
+TEST(RtttlReader, ATempoThatIsGivenAgainBendsNothing) {
+    EXPECT_FALSE(ReadOne("x:b=60:c,d").bends);
+    EXPECT_FALSE(ReadOne("x:b=90,b=60:c,b=60,d").bends);
+    EXPECT_TRUE(ReadOne("x:b=60:c,b=61,d").bends);
 }
 
 TEST(RtttlReader, LengthsOf12And24AreTriplets) {
@@ -108,7 +117,9 @@ TEST(RtttlReader, OfSeveralVoicesTheFirstIsTaken) {
 }
 
 TEST(RtttlReader, UnknownControlsAndAByteOrderMarkAreNoFault) {
-    EXPECT_EQ(ItemsOf(ReadOne("\xEF\xBB\xBFx:d=4,o=5,b=120,s=N,l=2:c")), "c5 1");
+    const Tune tune = ReadOne("\xEF\xBB\xBFx:d=4,o=5,b=120,s=N,l=2:c");
+    EXPECT_EQ(ItemsOf(tune), "c5 1");
+    EXPECT_TRUE(HasRemark(tune, "unknown control"));
 }
 
 TEST(RtttlReader, TextOfTwoBytesALetterIsReadEitherWay) {
@@ -162,6 +173,12 @@ TEST(RtttlReader, NamesLineAndColumnOfWhatIsWrong) {
         EXPECT_EQ(fault.column, wrong.column) << wrong.text;
         EXPECT_NE(fault.reason.find(wrong.reason), std::string::npos) << wrong.text << ": " << fault.reason;
     }
+}
+
+TEST(RtttlReader, AReasonShowsTheFront16LettersOfWhatIsWrong) {
+    EXPECT_EQ(FaultOf("x:b=90:q234567890123456").reason, "\"q234567890123456\" is no note or rest");
+    EXPECT_EQ(FaultOf("x:b=90:q2345678901234567").reason, "\"q234567890123456...\" is no note or rest");
+    EXPECT_EQ(FaultOf("x:b=90:q~\x7F\x01\xC3").reason, "\"q~???\" is no note or rest");
 }
 
 TEST(RtttlReader, CountsOfTunesAndItemsAreLimited) {
@@ -244,11 +261,29 @@ TEST(RtttlWriter, ADoubleDotBecomesADotAndARest) {
     EXPECT_EQ(made.remarks.size(), 1u);
 }
 
+TEST(RtttlWriter, WhatOneLengthCanNotHoldTheNextMakesUpFor) {
+    // A triplet sixteenth is 8 parts of 48 of a quarter note; the text has 9, then 6.
+    EXPECT_EQ(Written("tempo 320\nc5 1/4.\nc5 1/4\nc5 1/16t\nd5 1/16t\ne5 1/4\n").text,
+              "x:d=4,o=5,b=320:c.,c,32c.,32d,e\n");
+}
+
 TEST(RtttlWriter, WritesTheTempoThatIsReallyPlayedWhereTheOtherIsHeard) {
     // The triplets force tempo 44 into mode 2, where it plays at 42.67.
     const RtttlText made = Written("tempo 44\nc5 1/4\nd5 1/4\ne5 1/4\nf5 1/4\nc5 1/8t\nd5 1/8t\ne5 1/8t\n");
     EXPECT_NEAR(made.beats / made.scale, 42.67, 0.7);
     EXPECT_EQ(Written("tempo 44\nc5 1/4\nd5 1/4\n").beats, 44);
+}
+
+TEST(RtttlWriter, KeepsTheWrittenTempoUntilTheOtherIsHeard) {
+    // 108 plays at 106.67, and the 1/32 a third too long; the more quarter notes, the less that weighs.
+    const auto beats_of = [](int quarters) {
+        std::string text = "tempo 108\nc5 1/32\n";
+        for (int i = 0; i < quarters; ++i)
+            text += "c5 1/4\n";
+        return Written(text).beats;
+    };
+    EXPECT_EQ(beats_of(17), 107); // J 1.04
+    EXPECT_EQ(beats_of(20), 108); // J 0.98
 }
 
 TEST(RtttlWriter, TripletsOnlyArePlainLengthsAtAnotherTempo) {

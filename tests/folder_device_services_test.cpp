@@ -98,12 +98,12 @@ TEST(FolderDevice, FilesExistHiddenOnesTooButNoFolders) {
 
 TEST(FolderDevice, ListsNamesInOrderThatTheCodePageCanSpell) {
     desktop::Desktop& desk = FreshDesktop();
-    for (const wchar_t* name : {L"b.snd", L"A.SND", L"c.wav", L"\u0416.snd", L"\u0E01.snd"})
+    for (const wchar_t* name : {L"B.snd", L"a.SND", L"c.wav", L"\u0416.snd", L"\u0E01.snd"})
         AddFile(desk, kSound + name, "x");
     // Code page 932 has Cyrillic letters and no Thai ones.
     ASSERT_EQ(desk.code_page, 932u);
     ASSERT_FALSE(FitsAnsi(L"\u0E01.snd"));
-    std::vector<std::wstring> expected = {L"A.SND", L"b.snd"};
+    std::vector<std::wstring> expected = {L"a.SND", L"B.snd"};
     if (FitsAnsi(L"\u0416.snd")) expected.push_back(L"\u0416.snd");
     EXPECT_EQ(DeviceFiles(kDevice, L"\\System\\sound", L"snd"), expected);
     EXPECT_TRUE(DeviceFiles(kDevice, L"\\missing", L"snd").empty());
@@ -115,6 +115,14 @@ TEST(FolderDevice, AFileIsPutThereWhole) {
     EXPECT_TRUE(PutDeviceFile(kDevice, L"\\System\\sound\\A.SND", L"C:\\Temp\\Snd1.tmp"));
     EXPECT_EQ(BytesOf(desk, kSound + L"A.SND"), "melody");
     EXPECT_EQ(BytesOf(desk, L"C:\\Temp\\Snd1.tmp"), "melody");
+}
+
+TEST(FolderDevice, AFileAboveAMegabyteIsNotPut) {
+    desktop::Desktop& desk = FreshDesktop();
+    for (const std::size_t more : {0u, 1u}) {
+        AddFile(desk, L"C:\\Temp\\Snd1.tmp", std::string(1024 * 1024 + more, 'x'));
+        EXPECT_EQ(PutDeviceFile(kDevice, L"\\System\\sound\\A.SND", L"C:\\Temp\\Snd1.tmp"), more == 0);
+    }
 }
 
 TEST(FolderDevice, NothingIsPutWhenTheSourceIsMissingOrTheTargetIsNoFile) {
@@ -219,6 +227,19 @@ TEST(FolderDeviceBorder, FetchingAMissingFileFails) {
     EXPECT_NE(FolderGetFile(kDevice, buffer, "\\System\\sound\\A.SND"), 0);
     EXPECT_NE(FolderGetFile(kDevice, buffer, nullptr), 0);
     EXPECT_STREQ(buffer, "");
+}
+
+TEST(FolderDeviceBorder, FetchingFailsWhereThePathDoesNotFit) {
+    desktop::Desktop& desk = FreshDesktop();
+    char buffer[kLinkBufferSize];
+    for (const bool fits : {true, false}) {
+        const std::size_t length = kLinkBufferSize - (fits ? 1 : 0) - kSound.size();
+        const std::wstring name(length, L'A');
+        AddFile(desk, kSound + name, "x");
+        const std::string path = ToAnsi(L"\\System\\sound\\" + name);
+        EXPECT_EQ(FolderGetFile(kDevice, buffer, path.c_str()), fits ? 0 : 1);
+        EXPECT_EQ(FromAnsi(buffer), fits ? kSound + name : L"");
+    }
 }
 
 TEST(FolderDeviceBorder, AListThatDoesNotFitIsCutAfterAWholeName) {

@@ -141,6 +141,15 @@ TEST(Pictures, SmallButtonsStillShowTheirPicture) {
     EXPECT_EQ(ButtonPictureMask(1, 0, 10, 1 / 15.0F), CoverageMask{});
 }
 
+TEST(Pictures, OnLargeButtonsTheyAreAsLargeAsOnTheStaff) {
+    for (const TestScale& scale : kScreenScales) {
+        const std::vector<PixelBox> pieces = PiecesOf(ButtonPictureMask(18, 400, 400, scale.pixels_per_twip));
+        ASSERT_EQ(pieces.size(), 1u); // a whole note is its head
+        EXPECT_NEAR(pieces[0].bottom - pieces[0].top, kStaffSpace * scale.pixels_per_twip, 1.5)
+            << scale.percent;
+    }
+}
+
 TEST(Pictures, TheClefHasAnEightAboveItAndStaysInItsBox) {
     for (const TestScale& scale : kScreenScales) {
         const float s = scale.pixels_per_twip;

@@ -59,9 +59,10 @@ void End(void* context) {
     told.numbers.push_back(-1);
     const auto& files = desktop::Current().files;
     if (const auto found = files.find(kWav); found != files.end() && found->second.bytes.size() >= 44) {
-        const Bytes& wav = found->second.bytes;
-        told.sizes_open_at_end = std::string(wav.begin() + 4, wav.begin() + 8) == "SIZE" &&
-                                 std::string(wav.begin() + 40, wav.begin() + 44) == "size";
+        auto header = WavHeader(0);
+        std::copy_n("SIZE", 4, header.begin() + 4);
+        std::copy_n("size", 4, header.begin() + 40);
+        told.sizes_open_at_end = std::equal(header.begin(), header.end(), found->second.bytes.begin());
     }
 }
 
@@ -332,6 +333,23 @@ TEST(WavFile, WhateverOperationFailsOnceAnOldFileIsNeverMixedWithTheNew) {
                               failed.starts_with("RemoveFile");
         EXPECT_TRUE(result != 0 || harmless) << failed;
     }
+}
+
+TEST(WavFile, TheSystemsReasonIsThatOfTheFirstCallThatFailed) {
+    const int operations = OperationsOfAConversion(false);
+    int told = 0;
+    for (int at = 0; at <= operations; ++at) {
+        auto& desk = desktop::Reset();
+        desk.files[kSnd].bytes = Melody();
+        desk.file_operations = 0;
+        desk.fail_at = at;
+        std::string reason;
+        const std::int16_t result = sndfile2wavfile(Table(), kSnd, kWav, {}, &reason);
+        const std::string failed = FailedOperation(at);
+        EXPECT_EQ(reason, result == -4 ? "refused: " + failed : "") << failed;
+        told += reason.empty() ? 0 : 1;
+    }
+    EXPECT_GE(told, 5);
 }
 
 TEST(WavFile, ItsHeaderTellsTheSecondsOfItsSound) {
