@@ -105,7 +105,7 @@ void Note(Easel& easel, std::uint32_t rgb, float x, float y, float high) {
     Placement placement;
     placement.xx = space / kOutlineUnits;
     placement.yy = -placement.xx;
-    const float thin = std::max(Thin(easel), std::floor(0.17F * space + 0.5F));
+    const float thin = Thin(easel);
     const float stem = std::floor((x * easel.unit + 0.59F * space) + 0.5F) - thin;
     placement.dx = stem + thin - 0.59F * space;
     placement.dy = y * easel.unit;

@@ -298,6 +298,16 @@ TEST(MidiVoices, FormatZeroIsSplitByChannelAndDrumsAreLeftOut) {
     EXPECT_EQ(MelodyOf(voices, 1, -1), -1);
 }
 
+TEST(MidiVoices, InFormatTwoATrackGoesByItsOwnTempos) {
+    Bytes bytes = Header(2, 2, 96);
+    AddTrack(bytes, {0, 0xFF, 0x51, 3, 0x0F, 0x42, 0x40, 0, 0x90, 60, 100, 96, 60, 0});
+    AddTrack(bytes, {0, 0x90, 60, 100, 96, 60, 0});
+    const auto voices = VoicesOf(Read(bytes));
+    ASSERT_EQ(voices.size(), 2u);
+    EXPECT_DOUBLE_EQ(voices[0].seconds, 1.0);
+    EXPECT_DOUBLE_EQ(voices[1].seconds, 0.5);
+}
+
 TEST(MidiVoices, ANameMakesAMelody) {
     Bytes bytes = Header(1, 2, 96);
     Bytes high, low = {0, 0xFF, 3, 4, 'L', 'e', 'a', 'd'};

@@ -259,6 +259,7 @@ TEST(RtttlWriter, ADoubleDotBecomesADotAndARest) {
     const RtttlText made = Written("tempo 120\nc5 1/4..\nd5 1/4\n");
     EXPECT_EQ(made.text, "x:d=4,o=5,b=120:c.,16p,d\n");
     EXPECT_EQ(made.remarks.size(), 1u);
+    EXPECT_EQ(Written("tempo 120\nc5 1/8..\nd5 1/8\n").text, "x:d=8,o=5,b=120:c.,32p,d\n");
 }
 
 TEST(RtttlWriter, WhatOneLengthCanNotHoldTheNextMakesUpFor) {
