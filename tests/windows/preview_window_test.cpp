@@ -114,7 +114,7 @@ TEST(PreviewWindow, SoundStartsOnLoadAndAgainOnPlay) {
 
 TEST(PreviewWindow, StopCutsTheSoundShort) {
     const TestFolder folder;
-    Show(WriteSound(folder, 8), [](HWND dialog) {
+    Show(WriteSound(folder, 30), [](HWND dialog) {
         Sleep(2500);
         SendMessageW(dialog, WM_COMMAND, kPreviewStopButton, 0);
         Sleep(2500);
