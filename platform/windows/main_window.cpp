@@ -153,13 +153,12 @@ bool CreateMainWindow(HINSTANCE instance) {
     const SIZE size = FirstWindowSize(main);
     // No caption before start-up gives it one: a second copy looks for the first by caption and must not find
     // itself.
-    main.window =
-        CreateWindowExW(WS_EX_APPWINDOW, kMainClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
-                        CW_USEDEFAULT, 0, size.cx, size.cy, main.owner, main.menu, instance, nullptr);
+    main.window = CreateWindowExW(WS_EX_APPWINDOW | WS_EX_ACCEPTFILES, kMainClass, L"",
+                                  WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, 0, size.cx, size.cy,
+                                  main.owner, main.menu, instance, nullptr);
     if (!main.window) return false;
     Hooks() = {instance, main.window, ShowForLoops, BringMainWindowToForeground, TranslateForLoops};
     CreateControls(main, instance);
-    DragAcceptFiles(main.window, TRUE);
     return true;
 }
 

@@ -102,10 +102,16 @@ void Destroyed(MainWindow& main) {
 }
 
 void Dropped(MainWindow& main, HDROP drop) {
-    const UINT length = DragQueryFileW(drop, 0, nullptr, 0);
+    // The shell's library is loaded with the first file that is dropped: loading it takes a part of the
+    // start.
+    const HMODULE shell = SystemLibrary(L"shell32.dll");
+    const auto query = LibraryFunction<decltype(&DragQueryFileW)>(shell, "DragQueryFileW");
+    const auto finish = LibraryFunction<decltype(&DragFinish)>(shell, "DragFinish");
+    if (!query || !finish) return;
+    const UINT length = query(drop, 0, nullptr, 0);
     std::wstring path(length, L'\0');
-    if (length > 0) DragQueryFileW(drop, 0, path.data(), length + 1);
-    DragFinish(drop);
+    if (length > 0) query(drop, 0, path.data(), length + 1);
+    finish(drop);
     if (path.empty() || BoxOpen(main)) return;
     SetForegroundWindow(main.window);
     OpenDroppedFile(main.record, path);

@@ -52,54 +52,63 @@ std::vector<std::uint32_t> IconPixels(ToolIcon icon, int size, bool grey, COLORR
     return FlattenLayers(layers, size);
 }
 
-/// Image lists want straight alpha: they take a picture that was multiplied by it for a darker one.
-void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size, int picture) {
+/// A bitmap as wide as all pictures of the toolbar side by side, clear; its pixels in `bits`.
+HBITMAP MakePictureRow(int picture, std::uint32_t*& bits) {
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = picture;
+    info.bmiHeader.biWidth = picture * kToolButtons;
     info.bmiHeader.biHeight = -picture;
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
-    void* bits = nullptr;
-    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    if (!bitmap) return;
-    const int edge = (picture - size) / 2;
-    for (int row = 0; row < size; ++row)
-        std::copy_n(&At(pixels, row * size), size,
-                    static_cast<std::uint32_t*>(bits) + (row + edge) * picture + edge);
-    ImageList_Add(list, bitmap, nullptr);
-    DeleteObject(bitmap);
+    void* made = nullptr;
+    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &made, nullptr, 0);
+    bits = static_cast<std::uint32_t*>(made);
+    return bitmap;
 }
 
-/// The list `imlIcons` of the toolbar's pictures, and its grey twin for buttons that can not act.
+/// The list `imlIcons` of the toolbar's pictures, and its grey twin for buttons that can not act. Image lists
+/// want straight alpha: they take a picture that was multiplied by it for a darker one.
 HIMAGELIST MakeImlIcons(const MainWindow& main, bool grey) {
     const int size = Scaled(main.theme.scale, kIconSize), picture = ToolPictureSize(main.theme.scale);
     HIMAGELIST list = ImageList_Create(picture, picture, ILC_COLOR32, kToolButtons, 0);
-    for (int i = 0; i < kToolButtons; ++i)
-        AddIcon(list, IconPixels(static_cast<ToolIcon>(i), size, grey, main.theme.colours.face), size,
-                picture);
+    std::uint32_t* bits = nullptr;
+    HBITMAP bitmap = MakePictureRow(picture, bits);
+    if (!bitmap) return list;
+    const int edge = (picture - size) / 2;
+    for (int i = 0; i < kToolButtons; ++i) {
+        const auto pixels = IconPixels(static_cast<ToolIcon>(i), size, grey, main.theme.colours.face);
+        for (int row = 0; row < size; ++row)
+            std::copy_n(&At(pixels, row * size), size,
+                        bits + ((row + edge) * kToolButtons + i) * picture + edge);
+    }
+    ImageList_Add(list, bitmap, nullptr);
+    DeleteObject(bitmap);
     return list;
 }
 
 /// Groups are set apart by a thin line in front of these buttons.
+constexpr int kGroups = 4;
 constexpr bool BeginsGroup(int button) {
     return button == 3 || button == 5 || button == 10;
 }
 
+/// All at once: the toolbar lays itself out anew each time that it gets some.
 void AddButtons(HWND toolbar) {
+    TBBUTTON buttons[kToolButtons + kGroups - 1];
+    int count = 0;
     for (int i = 0; i < kToolButtons; ++i) {
-        TBBUTTON buttons[2]{};
-        buttons[0].fsStyle = BTNS_SEP;
-        buttons[1].iBitmap = i;
-        buttons[1].idCommand = static_cast<int>(kFirstToolId) + i;
-        buttons[1].fsState = TBSTATE_ENABLED;
-        buttons[1].fsStyle = BTNS_BUTTON;
-        const int from = BeginsGroup(i) ? 0 : 1;
+        TBBUTTON button{};
+        button.fsStyle = BTNS_SEP;
+        if (BeginsGroup(i)) buttons[count++] = button;
+        button.iBitmap = i;
+        button.idCommand = static_cast<int>(kFirstToolId) + i;
+        button.fsState = TBSTATE_ENABLED;
+        button.fsStyle = BTNS_BUTTON;
         // The text is never drawn (there is no room for it) but names the button for screen readers.
-        buttons[1].iString = reinterpret_cast<INT_PTR>(At(ToolButtonRows(), i).tooltip.data());
-        SendMessageW(toolbar, TB_ADDBUTTONSW, static_cast<WPARAM>(2 - from),
-                     reinterpret_cast<LPARAM>(buttons + from));
+        button.iString = reinterpret_cast<INT_PTR>(At(ToolButtonRows(), i).tooltip.data());
+        buttons[count++] = button;
     }
+    SendMessageW(toolbar, TB_ADDBUTTONSW, static_cast<WPARAM>(count), reinterpret_cast<LPARAM>(buttons));
 }
 
 /// The toolbar frames the button that the keyboard is on, and keeps the frame when the keyboard has gone: two
