@@ -101,8 +101,9 @@ struct ColourLayer {
     CoverageMask mask;
 };
 
-/// A toolbar icon of `size_px` x `size_px` pixels (16 to 64 look best).
-std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px);
+/// A toolbar icon of `size_px` x `size_px` pixels (16 to 64 look best). On a dark toolbar what has no paper
+/// of its own behind it is light.
+std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px, bool on_dark = false);
 
 /// Layers of `size_px` x `size_px` pixels painted over each other, row-major, as straight alpha, red, green,
 /// blue from the highest byte down: a pixel that is covered by half has its colour whole and its alpha half.

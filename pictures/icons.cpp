@@ -159,11 +159,11 @@ void Organiser(Easel& easel) {
     End(easel, kGrey);
 }
 
-void Scissors(Easel& easel) {
+void Scissors(Easel& easel, std::uint32_t blades) {
     Begin(easel);
     AddPolygon(easel, {{3.2F, 0.8F}, {9.3F, 11.2F}, {10.6F, 10.2F}, {5.0F, 0.8F}});
     AddPolygon(easel, {{11.0F, 0.8F}, {5.4F, 10.2F}, {6.7F, 11.2F}, {12.8F, 0.8F}});
-    End(easel, kInk);
+    End(easel, blades);
     const float u = easel.unit, thick = std::max(1.4F, 1.3F * u);
     Begin(easel);
     AddEllipse(easel.raster, 4.4F * u, 12.4F * u, 2.7F * u, 2.7F * u);
@@ -258,7 +258,7 @@ std::vector<std::uint32_t> FlattenLayers(const std::vector<ColourLayer>& layers,
     return pixels;
 }
 
-std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px) {
+std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px, bool on_dark) {
     if (size_px < 1) return {};
     Easel easel{size_px, static_cast<float>(size_px) / 16, {}, {}};
     switch (icon) {
@@ -276,7 +276,7 @@ std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px) {
         Disk(easel);
         Organiser(easel);
         break;
-    case ToolIcon::Cut: Scissors(easel); break;
+    case ToolIcon::Cut: Scissors(easel, on_dark ? kPaleGrey : kInk); break;
     case ToolIcon::Copy: Pages(easel); break;
     case ToolIcon::Paste: Clipboard(easel); break;
     case ToolIcon::Delete: Cross(easel); break;

@@ -192,6 +192,24 @@ TEST(Pictures, ToolIconsDifferAndHaveTheSizeAskedFor) {
     EXPECT_TRUE(ToolIconLayers(ToolIcon::New, 0).empty());
 }
 
+TEST(Pictures, OnADarkToolbarNoIconIsDarkWhereItHasNoPaperBehindIt) {
+    for (int i = 0; i < kToolIcons; ++i) {
+        const auto icon = static_cast<ToolIcon>(i);
+        const std::vector<ColourLayer> plain = ToolIconLayers(icon, 16),
+                                       light = ToolIconLayers(icon, 16, true);
+        ASSERT_EQ(light.size(), plain.size());
+        for (std::size_t layer = 0; layer < light.size(); ++layer)
+            EXPECT_EQ(light[layer].mask, plain[layer].mask) << "only colours differ";
+        const std::uint32_t bottom = light.front().rgb;
+        const unsigned brightness =
+            (bottom >> 16 & 255) * 30 + (bottom >> 8 & 255) * 59 + (bottom & 255) * 11;
+        const bool has_paper = icon == ToolIcon::New || icon == ToolIcon::Copy || icon == ToolIcon::Paste;
+        EXPECT_TRUE(has_paper || brightness > 9000) << brightness << " of 25500, icon " << i;
+    }
+    EXPECT_NE(ToolIconLayers(ToolIcon::Cut, 16, true).front().rgb,
+              ToolIconLayers(ToolIcon::Cut, 16).front().rgb);
+}
+
 /// A pixel with straight alpha put over a ground, as an image list draws it.
 std::uint32_t OnGround(std::uint32_t pixel, std::uint32_t ground) {
     const unsigned alpha = pixel >> 24;

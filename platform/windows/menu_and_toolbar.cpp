@@ -39,16 +39,17 @@ void AppendItem(HMENU menu, const MenuRow& row) {
     AppendMenuW(menu, MF_STRING, id, text.c_str());
 }
 
-std::uint32_t GreyOf(std::uint32_t rgb, std::uint32_t paper) {
+std::uint32_t GreyOf(std::uint32_t rgb, bool on_dark) {
     const unsigned light = ((rgb >> 16 & 0xFF) * 30 + (rgb >> 8 & 0xFF) * 59 + (rgb & 0xFF) * 11) / 100;
-    const unsigned target = (paper & 0xFF) > 128 ? 150 + light * 70 / 255 : 90 + light * 60 / 255;
+    const unsigned target = on_dark ? 90 + light * 60 / 255 : 150 + light * 70 / 255;
     return target << 16 | target << 8 | target;
 }
 
 std::vector<std::uint32_t> IconPixels(ToolIcon icon, int size, bool grey, COLORREF face) {
-    std::vector<ColourLayer> layers = ToolIconLayers(icon, size);
+    const bool on_dark = GetRValue(face) <= 128;
+    std::vector<ColourLayer> layers = ToolIconLayers(icon, size, on_dark);
     for (ColourLayer& layer : layers)
-        if (grey) layer.rgb = GreyOf(layer.rgb, face);
+        if (grey) layer.rgb = GreyOf(layer.rgb, on_dark);
     return FlattenLayers(layers, size);
 }
 

@@ -140,6 +140,10 @@ def test_high_contrast_colours_are_respected(screen, tmp_path):
             dark = sum(count for count, value in part.getcolors(256) if value < 64)
             assert dark > 0.6 * part.size[0] * part.size[1], f"{kind} is not dark"
             assert max(value for _, value in part.getcolors(256)) > 200, f"{kind} shows nothing bright"
+        # The scissors' blades are light on a dark toolbar; their rings are blue.
+        left, top, right, bottom = editor.toolbar()["Cut"]["rect"]
+        blades = picture.crop((left - frame[0], top - frame[1], right - frame[0], bottom - frame[1])).convert("L")
+        assert max(value for _, value in blades.getcolors(256)) > 180
         # The selection is as solid as text's: notes and staff lines on it have the colour of selected text.
         for column in (1, 10):
             editor.click_cell(column)
