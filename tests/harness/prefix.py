@@ -8,6 +8,7 @@ import shutil
 import subprocess
 
 from building import BUILD, ROOT, WINDOWS_BUILD, program
+from xscreen import wait_until
 
 INSTALL_DIR = "C:\\Link"
 SOUND_FOLDER = INSTALL_DIR + "\\userdata\\sound\\"
@@ -151,6 +152,10 @@ class Prefix:
     def temporary_files(self, pattern):
         users, windows = self.path / "drive_c" / "users", self.path / "drive_c" / "windows"
         return sorted(path for path in [*users.rglob(pattern), *windows.glob("temp/" + pattern)] if path.is_file())
+
+    def wait_no_files(self, pattern, when=""):
+        """Until no temporary file is left. They go last: what else a command does can be seen before."""
+        wait_until(lambda: self.temporary_files(pattern) == [], 10, f"no file {pattern} left {when}")
 
     def opened_pages(self, folder, keep_reader=False):
         """Lets the system's browser be a script that keeps what it is given, and takes the help reader away unless

@@ -205,7 +205,7 @@ def test_an_upload_that_the_folder_refuses(start, prefix, link, mended):
     editor.choose("Save to Ve&loxa")
     editor.message(REFUSED)
     editor.wait_names(["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
-    assert prefix.temporary_files(UPLOADS) == []
+    prefix.wait_no_files(UPLOADS)
     editor.close()
     editor.message(ASK, "No")
     editor.wait_end()  # nothing was transferred: no reminder
@@ -229,7 +229,7 @@ def test_after_a_refused_upload_closing_asks_and_never_loses_the_melody_by_yes(s
     editor.no_dialog()
     assert editor.process.poll() is None and editor.main()["visible"]
     editor.wait_names(["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
-    assert prefix.temporary_files(UPLOADS) == []
+    prefix.wait_no_files(UPLOADS)
     assert not link.calls("Cor_DoDisconnect")
 
 

@@ -105,7 +105,7 @@ def test_every_call_of_an_upload_fails(start, prefix, tmp_path):
         # The organiser's copy goes first; what is there is whole.
         assert taken or not path.exists() or path.read_bytes() == old, f"call {number}, {faults.failed}: {path.stat().st_size} bytes"
         assert told in ([[]] if taken else [[WRITE_ERROR], [REFUSED]]), f"call {number}, {faults.failed}: {told}"
-        assert prefix.temporary_files(UPLOADS) == [], f"call {number}, {faults.failed}"
+        prefix.wait_no_files(UPLOADS, f"after call {number}, {faults.failed}")
         refused += not taken
         path.unlink(missing_ok=True)
         for left in prefix.cache_dir.iterdir():
@@ -140,7 +140,7 @@ def test_every_call_of_a_preview_fails(start, prefix, sound, melody, tmp_path):
             refused += 1
         else:
             heard.add(folder.heard())
-        assert prefix.temporary_files(PREVIEWS) == [], f"call {number}, {faults.failed}"
+        prefix.wait_no_files(PREVIEWS, f"after call {number}, {faults.failed}")
     assert heard == {Melody.samples(path)}, "every preview that was heard is the whole melody"
     assert refused > 3, "the calls that matter were not met"
     assert path.read_bytes() == before

@@ -69,7 +69,7 @@ def test_save_to_the_organiser_as_then_save_again(start, prefix, link):
     editor.click_key("d4")
     editor.click_tool("Save to Veloxa")
     wait_until(lambda: Melody.saved_entries(saved) == ["c4 1/4", "d4 1/4"], 8, "the second save")
-    assert prefix.temporary_files(UPLOADS) == []
+    prefix.wait_no_files(UPLOADS)
     editor.close_with_reminder()
 
 
@@ -201,7 +201,7 @@ def test_a_refused_upload_leaves_the_melody_in_the_editor(start, prefix, link):
     editor.choose("Save to Ve&loxa")
     editor.message(REFUSED)
     editor.wait_names(["c5, Quarter note", "e5, Eighth note", "g4, Quarter note", "End"])
-    assert prefix.temporary_files(UPLOADS) == []
+    prefix.wait_no_files(UPLOADS)
     editor.close()
     editor.message(ASK, "Cancel")
     assert editor.main()["visible"]

@@ -116,7 +116,7 @@ def wait_playing(editor):
 def wait_back(editor, timeout=30):
     """Enabled, in front, the keyboard on the grid, no file left."""
     wait_until(lambda: enabled(editor) and editor.screen.find(CONVERTING) is None, timeout, "the window to be enabled")
-    wait_until(lambda: not editor.prefix.temporary_files(PREVIEWS), 5, "the temporary files to be gone")
+    editor.prefix.wait_no_files(PREVIEWS)
     try:
         wait_until(lambda: editor.screen.focused_title().startswith("Sound Editor - "), 5)
     except AssertionError:
@@ -368,7 +368,8 @@ def test_score_of_separators_has_no_notes(stand_in, start, melody):
     preview(editor)
     editor.message("Cannot find music notes.")
     wait_until(lambda: enabled(editor), 5, "the window")
-    assert editor.prefix.temporary_files(PREVIEWS) == [] and stand_in.starts() == []
+    editor.prefix.wait_no_files(PREVIEWS)
+    assert stand_in.starts() == []
     still_works(editor)
 
 
@@ -379,7 +380,8 @@ def test_selection_of_separators_has_no_notes(stand_in, start, melody):
     editor.wait_selected([1, 2])
     preview(editor)
     editor.message("Cannot find music notes.")
-    assert editor.prefix.temporary_files(PREVIEWS) == [] and stand_in.starts() == []
+    editor.prefix.wait_no_files(PREVIEWS)
+    assert stand_in.starts() == []
 
 
 def test_tempo_that_no_file_can_hold(stand_in, start, melody):
@@ -388,7 +390,8 @@ def test_tempo_that_no_file_can_hold(stand_in, start, melody):
     preview(editor)
     editor.message(WRITE_ERROR)
     wait_until(lambda: enabled(editor), 5, "the window")
-    assert editor.prefix.temporary_files(PREVIEWS) == [] and stand_in.starts() == []
+    editor.prefix.wait_no_files(PREVIEWS)
+    assert stand_in.starts() == []
 
 
 def test_notes_that_do_not_fit_are_told_and_the_rest_is_heard(stand_in, start, melody):
@@ -655,7 +658,7 @@ def test_closing_while_the_player_runs_is_refused(stand_in, start, melody, way):
     editor.close()
     editor.message(ASK, "No")
     editor.wait_end()
-    assert editor.prefix.temporary_files(PREVIEWS) == []
+    editor.prefix.wait_no_files(PREVIEWS)
 
 
 def test_closing_the_converting_window_is_refused(slow_disk, stand_in, screen):

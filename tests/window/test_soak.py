@@ -27,6 +27,7 @@ TEMPOS = [640, 320, 160, 120, 96, 64, 48, 30]  # of the list
 LOWEST, HIGHEST = 27, 75  # pitches of the piano
 REST, SEPARATOR = 21, 0  # codes: of the first rest, of a separator
 SHOWN = 30
+NOTHING_TO_PLAY = "Cannot find music notes."
 
 
 def pitch_name(pitch):
@@ -262,13 +263,22 @@ class User:
         self.tempo = 120
         self.model.tell("clear")
 
+    def sounds(self):
+        """Whether a preview plays anything: the selected columns when there are several, else all of them."""
+        selected, entries = self.model.selected(), self.model.entries
+        played = [entries[i] for i in selected if i < len(entries)] if len(selected) > 1 else entries
+        return any(code != SEPARATOR for code, _ in played)
+
     def preview(self):
         if not self.editor.toolbar()[PREVIEW_TOOL]["enabled"]:
             return
         self.editor.click_tool(PREVIEW_TOOL)
+        if not self.sounds():
+            self.editor.message(NOTHING_TO_PLAY)
+            return
         wait_until(lambda: not self.editor.main()["enabled"], 20, "the main window to be disabled")
         wait_until(lambda: self.editor.main()["enabled"], 200, "the window to be enabled")
-        wait_until(lambda: not self.editor.prefix.temporary_files(PREVIEWS), 10, "the temporary files to be gone")
+        self.editor.prefix.wait_no_files(PREVIEWS)
         wait_until(lambda: self.editor.screen.focused_title().startswith("Sound Editor - "), 10, "the editor in front")
 
     ACTS = {key: 20, length: 8, into_grid: 6, type_signs: 4, drag: 6, arrows: 5, copy: 4, cut: 3, paste: 4, insert: 3,
