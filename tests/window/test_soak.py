@@ -122,8 +122,13 @@ class User:
         try:
             wait_until(agrees, 10)
         except AssertionError:
-            raise AssertionError(f"after {self.done[-6:]}: {last[0]}; keyboard at {self.editor.focused_item()}, "
-                                 f"tempo {self.editor.tempo_box()['text']!r}") from None
+            raise AssertionError(f"after {self.done[-6:]}: {last[0]}; {self.where()}") from None
+
+    def where(self):
+        """What tells an event that was lost."""
+        pointer = self.editor.screen.root.query_pointer()
+        return (f"keyboard at {self.editor.focused_item()}, of window {self.editor.screen.focused_title()!r}, tempo "
+                f"{self.editor.tempo_box()['text']!r}, pointer at {pointer.root_x},{pointer.root_y}, buttons {pointer.mask:#x}")
 
     # --- what a user does
 
@@ -286,7 +291,10 @@ class User:
 
     def do(self, act):
         self.done.append(act.__name__)
-        act(self)
+        try:
+            act(self)
+        except AssertionError as error:
+            raise AssertionError(f"in {self.done[-6:]}: {error}; {self.where()}") from None
         self.check()
 
     def step(self):
