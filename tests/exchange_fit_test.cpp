@@ -268,6 +268,23 @@ TEST(FitExact, IsTakenByItselfForATuneThatIsOnNoGrid) {
     EXPECT_EQ(LengthsOf(fit), "1/2.. r1/16 1/2 1/4.. r1/32 1/1 r1/16 1/8.. 1/4 r1/16 1/2 1/1.. r1/4t");
 }
 
+TEST(FitExact, IsTakenByItselfWhereTheTempoBendsAndIsHeardTo) {
+    Tune tune = TuneOf(120.0, Times({1.0, 0.5, 0.5}, 4));
+    for (std::size_t i = 6; i < tune.items.size(); ++i)
+        tune.items[i].seconds *= 1.3;
+    EXPECT_FALSE(FitTune(Tables(), tune, false).melody.exact);
+    tune.bends = true;
+    EXPECT_TRUE(FitTune(Tables(), tune, false).melody.exact);
+}
+
+TEST(FitExact, HoldsATuneOfFourTimesAsManyRestsAsAMelodyHasEntries) {
+    std::vector<double> lengths(4 * kMaxEntries, -0.05);
+    lengths.front() = lengths.back() = 1.0;
+    EXPECT_TRUE(FitTune(Tables(), TuneOf(120.0, lengths), true).whole);
+    lengths.push_back(1.0);
+    EXPECT_FALSE(FitTune(Tables(), TuneOf(120.0, lengths), true).whole);
+}
+
 TEST(FitExact, KeepsRestsAndPitches) {
     const Fit fit = FitTune(Tables(), TuneOf(151.0, {1.0, -1.0, 1.0, -3.0, 2.0}), true);
     int notes = 0;

@@ -68,7 +68,7 @@ MidiFault FaultOf(const Bytes& bytes) {
 
 bool HasRemark(const Remarks& remarks, std::string_view what) {
     for (const auto& [remark, times] : remarks) {
-        if (remark.find(what) != std::string::npos && times > 0) return true;
+        if (remark == what && times > 0) return true;
     }
     return false;
 }
@@ -92,11 +92,24 @@ TEST(MidiReader, ReadsNotesAndRunningStatus) {
     EXPECT_TRUE(file.remarks.empty());
 }
 
+TEST(MidiReader, NumbersHaveSevenBitsAByteAndUpToFourBytes) {
+    for (const auto& [number, ticks] : {std::pair{Bytes{0x7F}, 127},
+                                        {{0x81, 0x00}, 128},
+                                        {{0xFF, 0x7F}, 16383},
+                                        {{0x81, 0x80, 0x00}, 16384},
+                                        {{0x81, 0x80, 0x80, 0x00}, 2097152}}) {
+        Bytes events = {0, 0x90, 60, 100};
+        events.insert(events.end(), number.begin(), number.end());
+        events.insert(events.end(), {60, 0});
+        EXPECT_EQ(Read(OneTrack(events)).notes.at(0).end, ticks);
+    }
+}
+
 TEST(MidiReader, KeepsRunningStatusBeyondAMetaEventAndTells) {
     const MidiFile file = Read(OneTrack({0, 0x90, 60, 100, 0, 0xFF, 1, 1, 'x', 96, 60, 0}));
     ASSERT_EQ(file.notes.size(), 1u);
     EXPECT_EQ(file.notes[0].end, 96);
-    EXPECT_TRUE(HasRemark(file.remarks, "kept a status"));
+    EXPECT_TRUE(HasRemark(file.remarks, "kept a status beyond an event that ends it"));
 }
 
 /// "0 to 48, 48 to 96"
@@ -125,25 +138,31 @@ TEST(MidiReader, OfTwoEndsTheFirstBelongsToTheStrokeBefore) {
 }
 
 TEST(MidiReader, RepairsWhatCanBeRepairedAndTells) {
-    EXPECT_TRUE(HasRemark(Read(OneTrack({0, 0x90, 60, 200, 96, 60, 0})).remarks, "above 127"));
-    EXPECT_TRUE(HasRemark(Read(OneTrack({0, 0x90, 60, 100})).remarks, "ended a note"));
+    EXPECT_TRUE(HasRemark(Read(OneTrack({0, 0x90, 60, 200, 96, 60, 0})).remarks,
+                          "brought a data byte above 127 down to 127"));
+    EXPECT_EQ(Read(OneTrack({0, 0x90, 200, 100, 96, 200, 0})).notes.at(0).key, 127);
+    EXPECT_TRUE(HasRemark(Read(OneTrack({0, 0x90, 60, 100})).remarks, "ended a note with its track"));
+    Bytes more = OneTrack({0, 0x90, 60, 100, 96, 60, 0});
+    more.resize(more.size() + 7);
+    EXPECT_TRUE(HasRemark(Read(more).remarks, "left out bytes behind the last track"));
     Bytes open = Header(0, 1, 96);
     AddTrack(open, {0, 0x90, 60, 100, 96, 60, 0}, {});
-    EXPECT_TRUE(HasRemark(Read(open).remarks, "no end event"));
+    EXPECT_TRUE(HasRemark(Read(open).remarks, "a track has no end event"));
     Bytes counts = Header(1, 60000, 96);
     AddTrack(counts, {0, 0x90, 60, 100, 96, 60, 0});
-    EXPECT_TRUE(HasRemark(Read(counts).remarks, "other tracks"));
+    EXPECT_TRUE(HasRemark(Read(counts).remarks, "the header counts other tracks than there are"));
     Bytes cut = OneTrack({0, 0x90, 60, 100, 96, 60, 0, 0, 62, 100, 48, 62, 0});
     cut.resize(cut.size() - 6);
-    EXPECT_TRUE(HasRemark(Read(cut).remarks, "beyond the end of the file"));
+    EXPECT_TRUE(HasRemark(Read(cut).remarks, "a chunk goes on beyond the end of the file"));
     EXPECT_EQ(Read(cut).notes.size(), 2u);
     Bytes foreign = Header(0, 1, 96);
     foreign.insert(foreign.end(), {'X', 'F', 'I', 'H', 0, 0, 0, 1, 9});
     AddTrack(foreign, {0, 0x90, 60, 100, 96, 60, 0});
-    EXPECT_TRUE(HasRemark(Read(foreign).remarks, "no track"));
-    EXPECT_TRUE(
-        HasRemark(Read(OneTrack({0, 0xFF, 0x51, 3, 0, 0, 0, 0, 0x90, 60, 100})).remarks, "tempo of 0"));
-    EXPECT_TRUE(HasRemark(Read(OneTrack({0, 0xFF, 0x51, 1, 7, 0, 0x90, 60, 100})).remarks, "three bytes"));
+    EXPECT_TRUE(HasRemark(Read(foreign).remarks, "left out a chunk that is no track"));
+    EXPECT_TRUE(HasRemark(Read(OneTrack({0, 0xFF, 0x51, 3, 0, 0, 0, 0, 0x90, 60, 100})).remarks,
+                          "left out a tempo of 0"));
+    EXPECT_TRUE(HasRemark(Read(OneTrack({0, 0xFF, 0x51, 1, 7, 0, 0x90, 60, 100})).remarks,
+                          "left out a tempo that has not three bytes"));
 }
 
 TEST(MidiReader, LeavesOutSysexAndMetaUnread) {
@@ -185,27 +204,28 @@ TEST(MidiReader, RefusesWithTheOffset) {
         return bytes;
     };
     const std::vector<Case> cases = {
-        {{}, 0, "MThd"},
-        {{'M', 'T', 'h', 'd'}, 4, "beyond"},
-        {header(0), 4, "length is 0"},
-        {header(5), 4, "length is 5"},
-        {header(0xFFFFFFFF), 4, "length is 4294967295"},
-        {with(3, 96), 8, "format is 3"},
-        {with(0, 0), 12, "division is 0"},
-        {with(0, 0x8000), 12, "division"},
-        {with(0, 0xE800), 12, "division"},
-        {with(0, 0xE128), 12, "division"},
-        {Header(0, 1, 96), 14, "no track"},
-        {OneTrack({0x81, 0x82, 0x83, 0x84, 0x05, 0x90, 60, 100}), 22, "more than 4 bytes"},
-        {OneTrack({0, 60, 100}), 23, "without the status"},
-        {OneTrack({0, 0xF5, 0}), 23, "byte 245"},
-        {OneTrack({0, 0xFF, 1, 0x7F, 'x'}), 25, "beyond the end of its track"},
-        {OneTrack({0, 0xFF, 1, 0x8F, 0xFF, 0xFF, 0x7F}), 25, "beyond the end of its track"},
+        {{}, 0, "\"MThd\" is missing"},
+        {{'M', 'T', 'h', 'd'}, 4, "an event goes on beyond the end of its track"},
+        {header(0), 4, "the header's length is 0"},
+        {header(5), 4, "the header's length is 5"},
+        {header(0xFFFFFFFF), 4, "the header's length is 4294967295"},
+        {with(3, 96), 8, "the format is 3, not 0 to 2"},
+        {with(0, 0), 12, "the division is 0"},
+        {with(0, 0x8000), 12, "the division is none of those that are known"},
+        {with(0, 0xE800), 12, "the division is none of those that are known"},
+        {with(0, 0xE128), 12, "the division is none of those that are known"},
+        {Header(0, 1, 96), 14, "there is no track"},
+        {OneTrack({0x81, 0x82, 0x83, 0x84, 0x05, 0x90, 60, 100}), 22,
+         "a variable-length number has more than 4 bytes"},
+        {OneTrack({0, 60, 100}), 23, "an event without the status that it needs"},
+        {OneTrack({0, 0xF5, 0}), 23, "byte 245 where an event begins"},
+        {OneTrack({0, 0xFF, 1, 0x7F, 'x'}), 25, "a length goes beyond the end of its track"},
+        {OneTrack({0, 0xFF, 1, 0x8F, 0xFF, 0xFF, 0x7F}), 25, "a length goes beyond the end of its track"},
     };
     for (const Case& wrong : cases) {
         const MidiFault fault = FaultOf(wrong.bytes);
         EXPECT_EQ(fault.offset, wrong.offset) << wrong.reason << " / " << fault.reason;
-        EXPECT_NE(fault.reason.find(wrong.reason), std::string::npos) << fault.reason;
+        EXPECT_EQ(fault.reason, wrong.reason);
     }
 }
 
@@ -213,11 +233,21 @@ TEST(MidiReader, CountsOfTracksAndEventsAreLimited) {
     Bytes tracks = Header(1, 5, 96);
     for (int i = 0; i <= kMostMidiTracks; ++i)
         AddTrack(tracks, {});
-    EXPECT_NE(FaultOf(tracks).reason.find("tracks"), std::string::npos);
+    EXPECT_EQ(FaultOf(tracks).reason, "more than 1000 tracks");
     Bytes events = {0, 0xC0};
     for (int i = 0; i < kMostMidiEvents; ++i)
         events.insert(events.end(), {1, 0});
-    EXPECT_NE(FaultOf(OneTrack(events)).reason.find("events"), std::string::npos);
+    EXPECT_EQ(FaultOf(OneTrack(events)).reason, "more than " + std::to_string(kMostMidiEvents) + " events");
+}
+
+TEST(MidiReader, TheLengthOfATrackIsLimited) {
+    Bytes events;
+    for (int i = 0; i < 4096; ++i)
+        events.insert(events.end(), {0xFF, 0xFF, 0xFF, 0x7F, 0xC0, 5});
+    events.insert(events.end(), {0xA0, 0x00, 0xC0, 5}); // 4096 ticks more
+    EXPECT_EQ(Read(OneTrack(events)).ends.at(0), std::int64_t{1} << 40);
+    events.insert(events.end(), {1, 0xC0, 5});
+    EXPECT_EQ(FaultOf(OneTrack(events)).reason, "the track is longer than any melody");
 }
 
 /// Every channel of a track strikes a key.
@@ -296,6 +326,11 @@ TEST(MidiVoices, FormatZeroIsSplitByChannelAndDrumsAreLeftOut) {
     EXPECT_EQ(MelodyOf(voices, -1, 1), 1);
     EXPECT_EQ(MelodyOf(voices, -1, kMidiDrums), -1);
     EXPECT_EQ(MelodyOf(voices, 1, -1), -1);
+    MidiFile no_drums = file;
+    std::erase_if(no_drums.notes, [](const MidiNote& note) { return note.channel == kMidiDrums; });
+    const auto alone = VoicesOf(no_drums);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(At(voices, i).points, At(alone, i).points) << "drums hide no voice";
 }
 
 TEST(MidiVoices, InFormatTwoATrackGoesByItsOwnTempos) {
@@ -399,9 +434,18 @@ TEST(MidiVoices, OfAChordTheHighestAndALowerNoteUnderAHeldOneIsLeftOut) {
     const Tune chord =
         Melody0(OneTrack({0, 0x90, 60, 100, 0, 67, 100, 0, 64, 100, 96, 60, 0, 0, 67, 0, 0, 64, 0}));
     EXPECT_EQ(ItemsOf(chord), "g4 1");
+    EXPECT_TRUE(HasRemark(chord.remarks, "took the highest note of a chord"));
     const Tune held = Melody0(OneTrack({0, 0x90, 72, 100, 48, 60, 100, 48, 60, 0, 96, 72, 0}));
     EXPECT_EQ(ItemsOf(held), "c5 2");
-    EXPECT_TRUE(HasRemark(held.remarks, "lower note"));
+    EXPECT_TRUE(HasRemark(held.remarks, "left out a lower note under one that goes on"));
+    // A chord lasts as long as its highest note: the lowest one's end frees nothing.
+    EXPECT_EQ(ItemsOf(Melody0(
+                  OneTrack({0, 0x90, 60, 100, 0, 67, 100, 24, 60, 0, 24, 64, 100, 48, 64, 0, 96, 67, 0}))),
+              "g4 2");
+    // Half of a lower note stands alone, then a little less than half.
+    EXPECT_EQ(ItemsOf(Melody0(OneTrack({0, 0x90, 72, 100, 48, 60, 100, 48, 72, 0, 48, 60, 0}))),
+              "c5 0.5, c4 1");
+    EXPECT_EQ(ItemsOf(Melody0(OneTrack({0, 0x90, 72, 100, 48, 60, 100, 49, 72, 0, 47, 60, 0}))), "c5 1");
 }
 
 TEST(MidiVoices, AnOnsetEndsTheNoteBefore) {
@@ -415,6 +459,7 @@ TEST(MidiVoices, ShortGapsAreAbsorbedAndRestsAreKept) {
     const Tune tune = Melody0(OneTrack({0,  0x90, 60,  100, 95, 60, 0,    1,    62, 100, 41, 62, 0,
                                         55, 64,   100, 96,  64, 0,  0x81, 0x40, 65, 100, 96, 65, 0}));
     EXPECT_EQ(ItemsOf(tune), "c4 1, d4 1, e4 1, r 2, f4 1");
+    EXPECT_TRUE(HasRemark(tune.remarks, "let a note last through the short gap behind it"));
     EXPECT_TRUE(tune.on_grid);
 }
 
@@ -515,7 +560,7 @@ TEST(MidiVoices, ChangingTemposAreTold) {
     const Tune tune = Melody0(OneTrack({0,    0x90, 60, 100,  96,   60,   0, 0,    62, 100, 96, 62, 0, 0,
                                         0xFF, 0x51, 3,  0x0F, 0x42, 0x40, 0, 0x90, 64, 100, 96, 64, 0}));
     EXPECT_TRUE(tune.bends);
-    EXPECT_TRUE(HasRemark(tune.remarks, "between 60 and 120"));
+    EXPECT_TRUE(HasRemark(tune.remarks, "the tempo changes between 60 and 120"));
     EXPECT_NEAR(LengthOf(tune), 2.0, 1e-9);
     EXPECT_EQ(tune.tempo, 60.0); // either lasts for a second: the slower one counts
 }
@@ -578,6 +623,10 @@ TEST(MidiRoundTrip, AChangedNominalFileIsReadLikeAnyOther) {
     MidiFile longer = Read(made.bytes);
     longer.ends[0] += 10;
     EXPECT_FALSE(TuneOfNominal(longer).has_value());
+    MidiFile of_no_length = Read(made.bytes);
+    of_no_length.notes[0].end = of_no_length.notes[1].start = 0;
+    of_no_length.ends[0] = of_no_length.notes[1].end;
+    EXPECT_FALSE(TuneOfNominal(of_no_length).has_value());
     MidiFile unmarked = Read(made.bytes);
     unmarked.texts.clear();
     EXPECT_FALSE(TuneOfNominal(unmarked).has_value());

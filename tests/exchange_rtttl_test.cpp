@@ -38,7 +38,7 @@ RtttlFault FaultOf(std::string_view text) {
 
 bool HasRemark(const Tune& tune, std::string_view what) {
     for (const auto& [remark, times] : tune.remarks) {
-        if (remark.find(what) != std::string::npos && times > 0) return true;
+        if (remark == what && times > 0) return true;
     }
     return false;
 }
@@ -56,24 +56,30 @@ TEST(RtttlReader, MissingControlsAreLength4Octave6Tempo63) {
     const Tune tune = ReadOne("x::a");
     EXPECT_EQ(ItemsOf(tune), "a6 1");
     EXPECT_EQ(tune.tempo, 63);
-    EXPECT_TRUE(HasRemark(tune, "no tempo"));
+    EXPECT_TRUE(HasRemark(tune, "no tempo is given: 63"));
 }
 
 TEST(RtttlReader, ADotStandsBehindTheLengthTheNoteOrTheOctave) {
     EXPECT_EQ(ItemsOf(ReadOne("x:d=4,o=5,b=120:8.c6,8c.6,8c6.,8c.")), "c6 0.75, c6 0.75, c6 0.75, c5 0.75");
-    EXPECT_TRUE(HasRemark(ReadOne("x:b=120:8.c6"), "behind a length"));
-    EXPECT_TRUE(HasRemark(ReadOne("x:b=120:8c.6"), "in front of an octave"));
+    EXPECT_TRUE(HasRemark(ReadOne("x:b=120:8.c6"), "read a dot behind a length as one behind the note"));
+    EXPECT_TRUE(HasRemark(ReadOne("x:b=120:8c.6"), "read a dot in front of an octave as one behind it"));
 }
 
 TEST(RtttlReader, CaseBlanksLineEndsOrderOfControlsAndTrailingCommasMeanNothing) {
     EXPECT_EQ(ItemsOf(ReadOne("X : B=120 , O=5,d = 8 :\r\n C , D#5,\r\n 4 E,\r\n")), "c5 0.5, d5# 0.5, e5 1");
 }
 
+TEST(RtttlReader, EmptyItemsAreLeftOut) {
+    const Tune tune = ReadOne("x:o=5,b=120:c,,d,");
+    EXPECT_EQ(ItemsOf(tune), "c5 1, d5 1");
+    EXPECT_EQ(tune.remarks, (Remarks{{"left out an empty item", 2}}));
+}
+
 TEST(RtttlReader, HIsBAndFlatsAreTheSharpBelow) {
     const Tune tune = ReadOne("x:o=5,b=120:h,b,eb,bb6,b5");
     EXPECT_EQ(ItemsOf(tune), "b5 1, b5 1, d5# 1, a6# 1, b5 1");
     EXPECT_TRUE(HasRemark(tune, "read h as b"));
-    EXPECT_TRUE(HasRemark(tune, "read a flat"));
+    EXPECT_TRUE(HasRemark(tune, "read a flat as the sharp below"));
 }
 
 TEST(RtttlReader, BIsAControlOnlyInFrontOfAnEqualsSign) {
@@ -96,8 +102,8 @@ TEST(RtttlReader, LengthsOf12And24AreTriplets) {
     EXPECT_NEAR(tune.items[0].quarters, 1.0 / 3.0, 1e-9);
     EXPECT_NEAR(tune.items[1].quarters, 1.0 / 6.0, 1e-9);
     EXPECT_NEAR(tune.items[2].quarters, 0.8, 1e-9);
-    EXPECT_TRUE(HasRemark(tune, "triplet"));
-    EXPECT_TRUE(HasRemark(tune, "does not have"));
+    EXPECT_TRUE(HasRemark(tune, "read a length of 6, 12, 24 or 48 as a triplet"));
+    EXPECT_TRUE(HasRemark(tune, "read a length that the format does not have as that part of a whole note"));
 }
 
 TEST(RtttlReader, ALineWithAColonBeginsTheNextTune) {
@@ -107,19 +113,21 @@ TEST(RtttlReader, ALineWithAColonBeginsTheNextTune) {
     EXPECT_EQ(tunes[0].items.size(), 3u);
     EXPECT_EQ(tunes[1].name, "two");
     EXPECT_EQ(tunes[2].name, "");
+    EXPECT_FALSE(HasRemark(tunes[1], "the tune has no name"));
+    EXPECT_TRUE(HasRemark(tunes[2], "the tune has no name"));
     EXPECT_EQ(tunes[2].tempo, 90);
 }
 
 TEST(RtttlReader, OfSeveralVoicesTheFirstIsTaken) {
     const Tune tune = ReadOne("x:d=4,o=5,b=120:c,d | e,f ; g | a");
     EXPECT_EQ(ItemsOf(tune), "c5 1, d5 1, g5 1");
-    EXPECT_TRUE(HasRemark(tune, "first of several voices"));
+    EXPECT_TRUE(HasRemark(tune, "took the first of several voices"));
 }
 
 TEST(RtttlReader, UnknownControlsAndAByteOrderMarkAreNoFault) {
     const Tune tune = ReadOne("\xEF\xBB\xBFx:d=4,o=5,b=120,s=N,l=2:c");
     EXPECT_EQ(ItemsOf(tune), "c5 1");
-    EXPECT_TRUE(HasRemark(tune, "unknown control"));
+    EXPECT_TRUE(HasRemark(tune, "left out an unknown control"));
 }
 
 TEST(RtttlReader, TextOfTwoBytesALetterIsReadEitherWay) {
@@ -148,30 +156,30 @@ TEST(RtttlReader, NamesLineAndColumnOfWhatIsWrong) {
         int line, column;
         std::string_view reason;
     };
-    for (const Case& wrong :
-         std::initializer_list<Case>{{"x:d=4,b=120:c,8x,d", 1, 15, "\"8x\" is no note"},
-                                     {"a:b=90:c\nx:d=4:c,\n  q", 3, 3, "\"q\" is no note"},
-                                     {"x:d=0:c", 1, 3, "no length"},
-                                     {"x:b=0:c", 1, 3, "no tempo"},
-                                     {"x:b=1001:c", 1, 3, "no tempo"},
-                                     {"x:o=12:c", 1, 3, "no octave"},
-                                     {"x:hello:c", 1, 3, "no control"},
-                                     {"x:b=:c", 1, 3, "no tempo"},
-                                     {"x:b=9z:c", 1, 3, "no number"},
-                                     {"x:b=90:0c", 1, 8, "has no length"},
-                                     {"x:b=90:999c", 1, 8, "has no length"},
-                                     {"x:b=90:8", 1, 8, "no note"},
-                                     {"x:b=90:c5x", 1, 10, "no note"},
-                                     {"x:b=90:c...", 1, 11, "two dots"},
-                                     {"x:b=90:p,p", 1, 8, "no note"},
-                                     {"x:b=90:", 1, 8, "no note"},
-                                     {"no tune here", 1, 1, "no ring tone"},
-                                     {"x:no second", 1, 2, "no second colon"},
-                                     {"", 1, 1, "no ring tone"}}) {
+    for (const Case& wrong : std::initializer_list<Case>{
+             {"x:d=4,b=120:c,8x,d", 1, 15, "\"8x\" is no note or rest"},
+             {"a:b=90:c\nx:d=4:c,\n  q", 3, 3, "\"q\" is no note or rest"},
+             {"x:d=0:c", 1, 3, "\"d=0\" is no length"},
+             {"x:b=0:c", 1, 3, "\"b=0\" is no tempo: b is 1 to 1000"},
+             {"x:b=1001:c", 1, 3, "\"b=1001\" is no tempo: b is 1 to 1000"},
+             {"x:o=12:c", 1, 3, "\"o=12\" is no octave"},
+             {"x:hello:c", 1, 3, "\"hello\" is no control such as d=4, o=5 or b=120"},
+             {"x:b=:c", 1, 3, "\"b=\" is no tempo: b is 1 to 1000"},
+             {"x:b=9z:c", 1, 3, "\"b=9z\" has no number behind the ="},
+             {"x:b=90:0c", 1, 8, "\"0c\" has no length 1 to 32"},
+             {"x:b=90:999c", 1, 8, "\"999c\" has no length 1 to 32"},
+             {"x:b=90:8", 1, 8, "\"8\" is no note or rest"},
+             {"x:b=90:c5x", 1, 10, "\"c5x\" is no note or rest"},
+             {"x:b=90:c...", 1, 11, "\"c...\" has more than two dots"},
+             {"x:b=90:p,p", 1, 8, "the tune has no note"},
+             {"x:b=90:", 1, 8, "the tune has no note"},
+             {"no tune here", 1, 1, "this is no ring tone: name:d=4,o=5,b=120:8c,8d"},
+             {"x:no second", 1, 2, "the tune has no second colon: name:d=4,o=5,b=120:8c,8d"},
+             {"", 1, 1, "there is no ring tone in it"}}) {
         const RtttlFault fault = FaultOf(wrong.text);
         EXPECT_EQ(fault.line, wrong.line) << wrong.text;
         EXPECT_EQ(fault.column, wrong.column) << wrong.text;
-        EXPECT_NE(fault.reason.find(wrong.reason), std::string::npos) << wrong.text << ": " << fault.reason;
+        EXPECT_EQ(fault.reason, wrong.reason) << wrong.text;
     }
 }
 
@@ -181,15 +189,28 @@ TEST(RtttlReader, AReasonShowsTheFront16LettersOfWhatIsWrong) {
     EXPECT_EQ(FaultOf("x:b=90:q~\x7F\x01\xC3").reason, "\"q~???\" is no note or rest");
 }
 
+TEST(RtttlReader, ControlsAndLengthsReachTheirLimits) {
+    const Tune tune = ReadOne("x:d=128,o=0,b=1000:c,128d9,d=1,o=9,b=1,e,1f0");
+    std::vector<std::pair<int, double>> items;
+    for (const TuneItem& item : tune.items)
+        items.emplace_back(item.pitch, item.quarters);
+    EXPECT_EQ(items,
+              (std::vector<std::pair<int, double>>{{-21, 0.03125}, {89, 0.03125}, {91, 4.0}, {-16, 4.0}}));
+    EXPECT_EQ(FaultOf("x:d=129:c").reason, "\"d=129\" is no length");
+    EXPECT_EQ(FaultOf("x:o=10:c").reason, "\"o=10\" is no octave");
+    EXPECT_EQ(FaultOf("x:b=90:129c").reason, "\"129c\" has no length 1 to 32");
+    EXPECT_EQ(FaultOf("x:b=90:c10").reason, "\"c10\" is no note or rest");
+}
+
 TEST(RtttlReader, CountsOfTunesAndItemsAreLimited) {
     std::string many = "x:b=90:c";
     for (int i = 0; i < kMostTuneItems; ++i)
         many += ",c";
-    EXPECT_NE(FaultOf(many).reason.find("more than 20000"), std::string::npos);
+    EXPECT_EQ(FaultOf(many).reason, "more than 20000 notes and rests");
     std::string tunes;
     for (int i = 0; i <= kMostTunes; ++i)
         tunes += "x:b=90:c\n";
-    EXPECT_NE(FaultOf(tunes).reason.find("more than 1000 tunes"), std::string::npos);
+    EXPECT_EQ(FaultOf(tunes).reason, "more than 1000 tunes");
 }
 
 TEST(RtttlReader, AWordOfAMillionLettersIsRefusedAtOnce) {
@@ -299,7 +320,17 @@ TEST(RtttlWriter, MovesTheWholeMelodyIntoItsOctaves) {
     EXPECT_EQ(made.text, "x:d=4,o=7,b=120:c,b6\n");
     EXPECT_EQ(Written("tempo 120\nc4 1/4\nc8 1/4\n").reason,
               "the melody is wider than the four octaves that a ring tone has");
-    EXPECT_NE(Written("tempo 120\nr 1/4\n").reason, "");
+}
+
+TEST(RtttlWriter, RefusesWhatTheFormatDoesNotHave) {
+    EXPECT_EQ(Written("tempo 120\nr 1/4\n").reason, "the melody has no note");
+    Melody melody = MelodyFrom("tempo 120\nc5 1/4\nd5 1/4\n");
+    const Play play = Played(melody);
+    melody.tempo = 10;
+    EXPECT_EQ(WriteRtttl(melody, play.seconds, 10.0, "x").reason, "no tempo from 25 to 900 fits");
+    melody.list[1].code = 50;
+    EXPECT_EQ(WriteRtttl(melody, play.seconds, play.true_tempo, "x").reason,
+              "entry 2 has the unknown code 50");
 }
 
 // Both ways.

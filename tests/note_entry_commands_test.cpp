@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace tonex {
 namespace {
 
@@ -445,6 +447,17 @@ TEST(GridEvents, AKeyFirstShowsACursorOutOfViewAndLeavesItThere) {
     EXPECT_EQ(window->grdScore.view.LeftCol, 60);
     EXPECT_EQ(window->score.strip_cursor, 0);
     EXPECT_EQ(window->grdScore.view.ColSel, 60);
+}
+
+TEST(GridEvents, ScrollingMovesTheStripsCursorWhileItsColumnIsInView) {
+    auto window = SetUpWindow();
+    FillScore(*window, 100);
+    MoveCursor(*window, 50);
+    for (const auto& [left, place] : {std::pair{40, 10}, {50, 0}, {51, 0}, {21, 29}, {20, 29}}) {
+        grdScore_Scroll(*window, left);
+        EXPECT_EQ(window->score.first_shown, left);
+        EXPECT_EQ(window->score.strip_cursor, place) << left;
+    }
 }
 
 TEST(GridEvents, OfARangeOutOfViewAKeyFirstShowsTheEndThatItMoves) {

@@ -47,6 +47,20 @@ TEST(Raster, SlantedEdgesCoverTheirArea) {
     }
 }
 
+TEST(Raster, AnEdgeHardlySlantedInTheFirstColumnCoversItsArea) {
+    const PathStep box[] = {{PathStep::Move, 0, 0, 0, 0, 0, 0},
+                            {PathStep::Line, 0, 0, 0, 0, 2, 0},
+                            {PathStep::Line, 0, 0, 0, 0, 2, 10},
+                            {PathStep::Line, 0, 0, 0, 0, 0, 10},
+                            {PathStep::Close, 0, 0, 0, 0, 0, 0}};
+    Raster raster = MakeRaster(4, 10);
+    Placement placement;
+    placement.xy = 1.2e-8F; // in one row no step of a single-precision number
+    placement.dx = 0.5F;
+    AddOutline(raster, box, placement);
+    EXPECT_NEAR(static_cast<double>(InkOf(FinishMask(raster))) / 255, 20.0, 0.1);
+}
+
 TEST(Raster, EllipsesCoverTheirArea) {
     Raster raster = MakeRaster(40, 30);
     AddEllipse(raster, 19.3F, 14.6F, 15, 10);

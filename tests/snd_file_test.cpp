@@ -338,6 +338,17 @@ TEST(SndWriter, FiveOrSixRecordsAtTheBlocksEdgeCountAsFull) {
     }
 }
 
+TEST(SndWriter, RecordsAndEndMarkMayFillTheBlockToItsLastByte) {
+    for (const auto& [p, records] : std::vector<std::pair<int, int>>{{1014, 6}, {1016, 5}, {1018, 4}}) {
+        std::vector<FileEntry> entries(static_cast<std::size_t>((p - 4) / 2), {10, 26});
+        entries.push_back({0, 26});
+        const SndEncoding encoding =
+            EncodeSnd(TablesWithUnits(static_cast<float>(16 * records)), 120, ListOf(entries));
+        EXPECT_EQ(encoding.result, kSndDone) << p;
+        EXPECT_EQ(PlayBlockOf(encoding.bytes).size(), 1028U) << p;
+    }
+}
+
 TEST(SndWriter, ASeparatorBehindALongNoteCountsItsRecordsToo) {
     // Behind 507 one-record notes and one of two records p is 1022; a separator still counts two records.
     std::vector<FileEntry> entries(507, {10, 26});
