@@ -290,6 +290,13 @@ TEST(PressedKey, APitchThatLeavesThePianoLightsNoKey) {
     EXPECT_EQ(HighlightedKeys(*window), 0);
 }
 
+TEST(PressedKey, ARestLightsItsButtonAndNoKeyWhateverItsPitch) {
+    auto window = SetUpWindow();
+    FillScore(*window, {Entry{25, 40, 0}});
+    EXPECT_EQ(window->highlighted_button, 105);
+    EXPECT_EQ(HighlightedKeys(*window), 0);
+}
+
 TEST(PressedKey, EveryNameFindsTheKeyWithThatCaption) {
     auto window = SetUpWindow();
     for (std::uint16_t pitch = 27; pitch <= 75; ++pitch) {

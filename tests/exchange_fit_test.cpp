@@ -98,6 +98,22 @@ TEST(Played, TempoBytesGiveTheirTrueTempo) {
     EXPECT_DOUBLE_EQ(TrueTempoOf(2, 15), 640.0 / 15.0);
 }
 
+TEST(Played, AMelodyAsATuneIsAsWrittenWithoutItsUnknownCodes) {
+    Melody melody;
+    melody.tempo = 60;
+    melody.list[0] = {10, 26};
+    melody.list[1] = {50, 26};
+    melody.list[2] = {kFileRests + 6, kFileRestPitch};
+    const Tune tune = TuneOfMelody(melody);
+    EXPECT_TRUE(tune.as_written);
+    EXPECT_EQ(tune.tempo, 60.0);
+    ASSERT_EQ(tune.items.size(), 2u);
+    EXPECT_EQ(tune.items[0].pitch, 27);
+    EXPECT_EQ(tune.items[0].seconds, 1.0);
+    EXPECT_EQ(tune.items[1].kind, TuneKind::Rest);
+    EXPECT_EQ(tune.items[1].seconds, 0.5);
+}
+
 TEST(FitScore, KeepsATempoOfTheListAndItsLengths) {
     const Fit fit = FitTune(Tables(), TuneOf(120.0, {1.0, 0.5, 0.5, 1.5, -0.5, 4.0}), false);
     EXPECT_EQ(fit.melody.tempo, 120);
@@ -286,7 +302,7 @@ TEST(FitExact, HoldsATuneOfFourTimesAsManyRestsAsAMelodyHasEntries) {
 }
 
 TEST(FitExact, KeepsRestsAndPitches) {
-    const Fit fit = FitTune(Tables(), TuneOf(151.0, {1.0, -1.0, 1.0, -3.0, 2.0}), true);
+    const Fit fit = FitTune(Tables(), TuneOf(151.0, {-2.0, 1.0, -1.0, 1.0, -3.0, 2.0}), true);
     int notes = 0;
     for (const FileEntry& entry : fit.melody.entries)
         notes += KindOfFileCode(entry.code) == EntryKind::Note ? 1 : 0;

@@ -49,6 +49,7 @@ TEST(RtttlReader, DefaultsStandInForWhatIsLeftOut) {
     EXPECT_EQ(tune.name, "x");
     EXPECT_EQ(tune.tempo, 120);
     EXPECT_DOUBLE_EQ(tune.items[1].seconds, 0.5);
+    EXPECT_EQ(tune.items[4].pitch, 0);
     EXPECT_TRUE(tune.remarks.empty());
 }
 

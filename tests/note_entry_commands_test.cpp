@@ -54,6 +54,16 @@ TEST(NoteEntry, AKeyOnANoteChangesOnlyItsPitch) {
     EXPECT_EQ(window->score.strip_cursor, 1);
 }
 
+TEST(NoteEntry, AKeyOnTheFirstAndTheLastLengthCodeKeepsItAndOnARestTakesTheCurrentOne) {
+    auto window = SetUpWindow();
+    for (const auto& [before, after] : {std::pair{1, 1}, {20, 20}, {21, 3}, {40, 3}}) {
+        FillScore(*window, {Entry{static_cast<std::uint16_t>(before), kC4, 0}});
+        window->current_length = 3;
+        kenWhite_Click(*window, 28);
+        EXPECT_EQ(SlotOf(*window, 0).code, after) << before;
+    }
+}
+
 TEST(NoteEntry, AKeyOnARestMakesItANoteOfTheCurrentLength) {
     auto window = SetUpWindow();
     FillScore(*window, {MakeRest(*window, 23)});
