@@ -16,9 +16,14 @@ KEY_NAMES = {
     " ": "space", ",": "comma", "$": "dollar",
 }
 
+# Beside other work all takes longer: a wait ends in vain only after so many times its own time.
+PATIENCE = 4
+
 
 def wait_until(predicate, timeout=10.0, what="condition", step=0.01):
-    """Polls until the predicate gives something true and returns that; fails by name after the timeout."""
+    """Polls until the predicate gives something true and returns that; fails by name after the timeout, which is that
+    of a machine with nothing else to do."""
+    timeout *= PATIENCE
     end = time.monotonic() + timeout
     while True:
         value = predicate()
@@ -40,6 +45,7 @@ def holds(predicate, seconds, what):
 
 def settled(read, quiet=0.4, timeout=10.0):
     """What is read, once it has been the same for a while."""
+    timeout *= PATIENCE
     end = time.monotonic() + timeout
     last, since = read(), time.monotonic()
     while time.monotonic() - since < quiet:

@@ -12,6 +12,7 @@ from xscreen import wait_until
 SCREENS = BUILD / "screens"
 
 WM_CLOSE, WM_SYSCOMMAND = 0x10, 0x112
+QS_INPUT, QS_PAINT = 0x407, 0x20  # what may wait for the window's thread
 # The system menu's commands.
 MINIMISE = WM_SYSCOMMAND, 0xF020, 0
 MAXIMISE = WM_SYSCOMMAND, 0xF030, 0
@@ -322,7 +323,7 @@ class Editor:
 
     def wait_input_done(self):
         """Until the window has taken what was pressed and clicked: what is posted to it would overtake that."""
-        wait_until(lambda: not self.prefix.ask("pendinginput", self.hwnd), 8, "the end of the input")
+        wait_until(lambda: not self.prefix.ask("pending", self.hwnd, QS_INPUT), 8, "the end of the input")
 
     def close(self):
         self.wait_input_done()
@@ -349,7 +350,9 @@ class Editor:
         self.process.wait(10)
 
     def picture(self, name=None):
+        """Of the window at rest: nothing of it waits to be painted, and it looks the same for a while."""
         window = wait_until(lambda: self.screen.find(TITLE), 5, "the main window")
+        wait_until(lambda: not self.prefix.ask("pending", self.hwnd, QS_PAINT), 8, "the end of the painting")
         image = self.screen.settled_picture_of(window)
         if name:
             SCREENS.mkdir(parents=True, exist_ok=True)

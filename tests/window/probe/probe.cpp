@@ -327,8 +327,8 @@ std::string FocusItem(const Words& words) {
 std::string InputMethod(const Words& words) {
     return AskInside(kInputMethod, words);
 }
-std::string PendingInput(const Words& words) {
-    return AskInside(kPendingInput, words);
+std::string Pending(const Words& words) {
+    return AskInside(kPending, words);
 }
 std::string TextSize(const Words& words) {
     return AskInside(kTextSize, words);
@@ -413,7 +413,7 @@ constexpr Command kCommands[] = {
     {"pressitem", 3, PressItem},
     {"focusitem", 3, FocusItem},
     {"inputmethod", 2, InputMethod},
-    {"pendinginput", 2, PendingInput},
+    {"pending", 3, Pending},
     {"textsize", 2, TextSize},
     {"messagefont", 3, MessageFont},
     {"failcall", 3, FailCall},

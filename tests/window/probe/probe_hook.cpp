@@ -351,7 +351,7 @@ extern "C" __declspec(dllexport) LRESULT CALLBACK ProbeHook(int code, WPARAM wpa
             case kPressItem:
             case kFocusItem: Answer(DoToItem(window, static_cast<Request>(message->wParam), number)); break;
             case kProcess: Answer(ProcessOf()); break;
-            case kPendingInput: Answer(Bool(HIWORD(GetQueueStatus(QS_INPUT)) != 0)); break;
+            case kPending: Answer(Bool(HIWORD(GetQueueStatus(static_cast<UINT>(number))) != 0)); break;
             case kInputMethod: Answer(InputMethodOf(window)); break;
             case kTextSize: Answer(TextSizeOf(window)); break;
             case kMessageFont: Answer(SetMessageFont(window, number)); break;

@@ -26,7 +26,7 @@ enum Request : WPARAM {
     kFailCall,
     kFailCallsFrom,
     kProcess,
-    kPendingInput
+    kPending
 };
 
 /// UTF-8 of wide text.
