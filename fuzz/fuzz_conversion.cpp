@@ -12,7 +12,7 @@ using namespace tonex;
 
 /// Samples a try may last. One of so many tries is a long one at its own tempo; the others are short and at
 /// the fastest tempo, so that the fuzzer tries many.
-constexpr std::uint64_t kMostSamples = 400000, kMostOfShort = 3000;
+constexpr std::uint64_t kMostSamples = 400000, kMostOfShort = 1000;
 constexpr std::uint32_t kLongShare = 512;
 constexpr std::uint8_t kFastest = 1;
 
