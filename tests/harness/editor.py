@@ -40,6 +40,7 @@ class Editor:
         self.path = program_path or program(WINDOWS_BUILD, "Tonex.exe")
         self.process = prefix.start(["wine", str(self.path), *arguments], environment, cwd=cwd)
         self.hwnd = None
+        self.tempo_clicks = 0
 
     # --- windows
 
@@ -306,9 +307,11 @@ class Editor:
         return any(window["class"] == "ComboLBox" and window["visible"] for window in self.windows())
 
     def click_tempo(self):
-        """Into the box's text."""
+        """Into the box's text; never twice at one place, where the second click could be the end of a double one, which
+        does not move the keyboard."""
         left, top, _, bottom = self.child("ComboBox")["rect"]
-        self.screen.click(left + 20, (top + bottom) // 2)
+        self.tempo_clicks += 1
+        self.screen.click(left + 14 + 10 * (self.tempo_clicks % 2), (top + bottom) // 2)
 
     def type_tempo(self, text):
         self.click_tempo()

@@ -556,6 +556,8 @@ def test_converting_window_of_the_longest_melody_appears_before_anything_is_writ
 def test_bar_moves_while_converting(slow_disk, stand_in, screen):
     stand_in.end()
     bars = preview_and_watch(slow_disk, screen).bars
+    while bars and bars[-1] == 0:
+        bars.pop()  # a picture of the window as it went
     assert len(set(bars)) >= 10, f"the bar stood at {sorted(set(bars))}"
     fallen = [(one, next_one) for one, next_one in zip(bars, bars[1:]) if next_one < one]
     assert not fallen, f"the bar went back: {fallen}"
