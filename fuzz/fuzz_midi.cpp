@@ -18,7 +18,7 @@ void Require(bool condition) {
 }
 
 /// A fit takes a thousand times as long as reading: one of so many tries is fitted.
-constexpr std::uint32_t kFitShare = 512;
+constexpr std::uint32_t kFitShare = 4096;
 
 void RequireSound(const Tune& tune) {
     for (const TuneItem& item : tune.items) {

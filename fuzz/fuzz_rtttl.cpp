@@ -16,7 +16,7 @@ void Require(bool condition) {
 }
 
 /// A fit takes a thousand times as long as reading: one of so many tries is fitted.
-constexpr std::uint32_t kFitShare = 512;
+constexpr std::uint32_t kFitShare = 4096;
 
 void RequireSound(const Tune& tune) {
     Require(CountNotes(tune) > 0 && tune.tempo > 0.0);
