@@ -256,6 +256,10 @@ TEST(FitExact, FillsEachIntervalWithANoteAndTheFewestRests) {
     const Fit odd = FitTune(Tables(), TuneOf(137.0, {0.5, 0.25, 0.25, 1.0, -0.75, 1.5}), true);
     EXPECT_EQ(odd.melody.tempo, 480);
     EXPECT_EQ(LengthsOf(odd), "1/4.. 1/8.. 1/8.. 1/2.. r1/8.. r1/4.. 1/1 r1/16 r1/4");
+    // In timing mode 2 one unit is a 1/16t, which costs nothing there; a 1/32 would.
+    const Fit triplets = FitTune(Tables(), TuneOf(201.0, Times({1.0, 0.5, 0.5, 2.0}, 2)), true);
+    EXPECT_EQ(triplets.mode, 2);
+    EXPECT_EQ(LengthsOf(triplets), "1/2. r1/16t 1/4.. 1/4.. 1/1. r1/8t 1/2. r1/16t 1/4.. 1/4.. 1/1. r1/8t");
     const Fit rests = FitTune(Tables(), TuneOf(60.0, {1.0, -70.0, 1.0}), true);
     EXPECT_EQ(rests.melody.tempo, 120);
     std::string expected = "1/2";
@@ -299,6 +303,14 @@ TEST(FitExact, HoldsATuneOfFourTimesAsManyRestsAsAMelodyHasEntries) {
     EXPECT_TRUE(FitTune(Tables(), TuneOf(120.0, lengths), true).whole);
     lengths.push_back(1.0);
     EXPECT_FALSE(FitTune(Tables(), TuneOf(120.0, lengths), true).whole);
+}
+
+TEST(FitExact, WritesANoteOfNoLengthToo) {
+    Tune tune = TuneOf(120.0, {1.0, 1.0, 1.0});
+    tune.items[1].quarters = tune.items[1].seconds = 0.0;
+    const Fit fit = FitTune(Tables(), tune, true);
+    EXPECT_EQ(LengthsOf(fit).find('r'), std::string::npos) << LengthsOf(fit);
+    EXPECT_EQ(fit.melody.interval_of, (std::vector<int>{0, 1, 2}));
 }
 
 TEST(FitExact, KeepsRestsAndPitches) {

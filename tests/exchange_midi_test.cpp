@@ -388,6 +388,19 @@ TEST(MidiVoices, NamesAreReadByWholeWords) {
         EXPECT_NEAR(PointsOfName(name), plain, 1e-6) << name;
 }
 
+TEST(MidiVoices, FewerThanEightNotesHaveHalfThePoints) {
+    const auto points = [](int notes) {
+        Bytes events;
+        for (int i = 0; i < notes; ++i) {
+            const auto key = static_cast<std::uint8_t>(60 + i % 2 * 2);
+            events.insert(events.end(), {0, 0x90, key, 100, 48, key, 0});
+        }
+        return VoicesOf(Read(OneTrack(events))).front().points;
+    };
+    EXPECT_NEAR(points(8), 2.0 * points(7), 1e-9);
+    EXPECT_NEAR(points(9), points(8), 1e-9);
+}
+
 TEST(MidiVoices, ABassByItsFirstProgramLosesPoints) {
     const auto points = [](std::uint8_t program) {
         Bytes events = {0, 0xC0, program, 0, 0xC0, 33, 0, 0xB0, 7, 33};
@@ -403,6 +416,7 @@ TEST(MidiVoices, StepsGivePointsAndLeapsAndHeldNotesTakeThem) {
     const double steps = PointsOfName("x");
     EXPECT_NEAR(PointsOfName("x", 0), steps - 20.0 - 15.0 / 12.0,
                 1e-6); // one note again and again, one pitch less
+    EXPECT_NEAR(PointsOfName("x", 4), steps, 1e-6);
     EXPECT_NEAR(PointsOfName("x", 5), steps - 20.0 - 20.0 / 3.0, 1e-6);
     EXPECT_NEAR(PointsOfName("x", 12), steps - 20.0 - 20.0, 1e-6);
     EXPECT_NEAR(PointsOfName("x", 2, 96), steps, 1e-6);

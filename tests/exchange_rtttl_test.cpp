@@ -105,6 +105,9 @@ TEST(RtttlReader, LengthsOf12And24AreTriplets) {
     EXPECT_NEAR(tune.items[2].quarters, 0.8, 1e-9);
     EXPECT_TRUE(HasRemark(tune, "read a length of 6, 12, 24 or 48 as a triplet"));
     EXPECT_TRUE(HasRemark(tune, "read a length that the format does not have as that part of a whole note"));
+    EXPECT_TRUE(ReadOne("x:b=120:1c,2c,4c,8c,16c,32c,64c,128c").remarks.empty());
+    EXPECT_EQ(ReadOne("x:b=120:6c,48c").remarks,
+              (Remarks{{"read a length of 6, 12, 24 or 48 as a triplet", 2}}));
 }
 
 TEST(RtttlReader, ALineWithAColonBeginsTheNextTune) {
@@ -290,6 +293,19 @@ TEST(RtttlWriter, WhatOneLengthCanNotHoldTheNextMakesUpFor) {
               "x:d=4,o=5,b=320:c.,c,32c.,32d,e\n");
 }
 
+TEST(RtttlWriter, ARestIsAddedFromHalfOfTheShortestOn) {
+    std::string text = "tempo 480\nc5 1/16..\n", written = "x:d=4,o=5,b=480:16c.,32p";
+    for (int i = 0; i < 12; ++i) {
+        text += "d5 1/4\n";
+        written += ",d";
+    }
+    EXPECT_EQ(Written(text).text, written + "\n");
+}
+
+TEST(RtttlWriter, RestsHaveNoOctave) {
+    EXPECT_EQ(Written("tempo 120\nc5 1/4\nr 1/4\nr 1/4\nr 1/4.\n").text, "x:d=4,o=5,b=120:c,p,p,p.\n");
+}
+
 TEST(RtttlWriter, WritesTheTempoThatIsReallyPlayedWhereTheOtherIsHeard) {
     // The triplets force tempo 44 into mode 2, where it plays at 42.67.
     const RtttlText made = Written("tempo 44\nc5 1/4\nd5 1/4\ne5 1/4\nf5 1/4\nc5 1/8t\nd5 1/8t\ne5 1/8t\n");
@@ -313,6 +329,9 @@ TEST(RtttlWriter, TripletsOnlyArePlainLengthsAtAnotherTempo) {
     const RtttlText made = Written("tempo 80\nc5 1/8t\nd5 1/8t\ne5 1/8t\nc5 1/8t\nd5 1/8t\ne5 1/8t\n");
     EXPECT_EQ(made.text, "x:d=8,o=5,b=120:c,d,e,c,d,e\n");
     EXPECT_EQ(made.scale, 1.5);
+    // The double dot becomes 2.625 quarter notes.
+    EXPECT_EQ(Written("tempo 80\nc5 1/8t\nd5 1/8t\ne5 1/8t\nc5 1/8t\nd5 1/8t\ne5 1/8t\nc5 1/4..\n").text,
+              "x:d=8,o=5,b=120:c,d,e,c,d,e,2c,p,32p\n");
 }
 
 TEST(RtttlWriter, MovesTheWholeMelodyIntoItsOctaves) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <set>
 #include <tuple>
 #include <vector>
@@ -412,6 +413,13 @@ TEST(StaffOffset, MovesThePicturesRightByAVerticalAmount) {
         EXPECT_EQ(ImageOf(*plain, i).place.Left, 720 + i * 390 + 15);
         EXPECT_EQ(ImageOf(*scaled, i).place.Left, 720 + i * 390 + 15 + 100);
     }
+}
+
+TEST(StaffOffset, IsNoneBeforeItIsComputed) {
+    const auto window = std::make_unique<sndmain>();
+    LayoutWindow(*window, kMinClientWidth, kMinClientHeight);
+    for (int i = 0; i < kStripPictures; ++i)
+        EXPECT_EQ(ImageOf(*window, i).place.Left, 720 + i * 390 + 15);
 }
 
 TEST(StaffOffset, SetUpHidesThePictures) {

@@ -97,8 +97,18 @@ TEST(Raster, MixedPixelsAreRounded) {
     EXPECT_EQ(MixPixels(0x102030, 0xA0B0C0, 255), 0xA0B0C0U);
 }
 
+TEST(Raster, WhatIsCutOutIsRounded) {
+    for (unsigned ink = 0; ink < 256; ++ink)
+        for (unsigned hole = 0; hole < 256; ++hole) {
+            CoverageMask mask{1, 1, {static_cast<std::uint8_t>(ink)}};
+            CutOut(mask, {1, 1, {static_cast<std::uint8_t>(hole)}});
+            ASSERT_EQ(mask.alpha[0], std::lround(ink * (255 - hole) / 255.0)) << ink << ", " << hole;
+        }
+}
+
 TEST(Raster, ABlendedRowIsMixedPixelByPixel) {
-    const std::vector<std::uint8_t> coverage = {0, 0, 0, 0, 0, 255, 0, 0, 7, 0, 0, 0, 0, 255, 255, 128, 0};
+    const std::vector<std::uint8_t> coverage = {0, 0, 0,   0,   0,   255, 0, 0, 7, 0, 0,
+                                                0, 0, 255, 255, 128, 0,   1, 0, 0, 0};
     const int most = static_cast<int>(coverage.size());
     for (int from = 0; from <= most; ++from)
         for (int count = 0; from + count <= most; ++count) {
@@ -153,6 +163,15 @@ TEST(Pictures, SmallButtonsStillShowTheirPicture) {
         EXPECT_NO_FATAL_FAILURE(ButtonPictureMask(picture, 1, 1, 1 / 15.0F));
     }
     EXPECT_EQ(ButtonPictureMask(1, 0, 10, 1 / 15.0F), CoverageMask{});
+}
+
+TEST(Pictures, OnButtonsTheLineOfAHalfRestIsInTheMiddle) {
+    constexpr float large = 1 / 5.0F; // 300 %, where the line has three pixels
+    for (const int height : {100, 101, 102, 103}) {
+        const std::vector<PixelBox> pieces = PiecesOf(ButtonPictureMask(35, 93, height, large));
+        ASSERT_EQ(pieces.size(), 1u);
+        EXPECT_LE(std::abs(pieces[0].bottom - 1.5 - height / 2.0), 0.5) << height;
+    }
 }
 
 TEST(Pictures, OnLargeButtonsTheyAreAsLargeAsOnTheStaff) {

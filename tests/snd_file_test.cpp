@@ -508,7 +508,11 @@ TEST(SndReader, AFaultNamesTheByteAlsoWhereItIs0) {
     EXPECT_EQ(reason_of(0, 0), "the format byte must be 7, not 0");
     EXPECT_EQ(reason_of(1, 1), "this byte must be 0, not 1");
     EXPECT_EQ(reason_of(2, 0), "the tempo byte must be 1 to 32, not 0");
+    EXPECT_EQ(reason_of(2, 33), "the tempo byte must be 1 to 32, not 33");
     EXPECT_EQ(reason_of(3, 9), "this byte must be 0, not 9");
+    EXPECT_EQ(reason_of(8, 3), "the timing mode must be 0 to 2, not 3");
+    EXPECT_EQ(reason_of(9, 5), "this byte must be 0, not 5");
+    EXPECT_EQ(reason_of(11, 3), "the tempo must be 30 to 640, not 888");
 }
 
 TEST(SndReader, EndMarksInPlaceOfAHeaderAreRefused) {
