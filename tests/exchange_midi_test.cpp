@@ -303,6 +303,16 @@ TEST(MidiClock, IsAt120UntilTheFirstTempoAndFollowsAllTracks) {
     EXPECT_DOUBLE_EQ(SecondsAt(ClockOf(Read(own), 1), 192), 1.0);
 }
 
+TEST(MidiClock, TakesTheTemposOfAllTracksByTheirTime) {
+    Bytes bytes = Header(1, 2, 96);
+    AddTrack(bytes,
+             {0x81, 0x40, 0xFF, 0x51, 3, 0x0F, 0x42, 0x40}); // one second from the third quarter note on
+    AddTrack(bytes, {96, 0xFF, 0x51, 3, 0x03, 0xD0, 0x90});  // a quarter of one from the second
+    const MidiClock clock = ClockOf(Read(bytes), 0);
+    EXPECT_DOUBLE_EQ(SecondsAt(clock, 192), 0.75);
+    EXPECT_DOUBLE_EQ(SecondsAt(clock, 288), 1.75);
+}
+
 TEST(MidiClock, TemposCountUnlessTicksArePartsOfASecond) {
     MidiFile file;
     file.tempos.push_back({0, 0, 1000000});
@@ -568,6 +578,7 @@ TEST(MidiVoices, OnNoGridANoteInFrontOfARestEndsWhereItDoes) {
     EXPECT_FALSE(tune.on_grid);
     EXPECT_NEAR(tune.items[0].quarters, 20.0 / 96.0, 1e-9);
     EXPECT_NEAR(tune.items[1].quarters, 70.0 / 96.0, 1e-9);
+    EXPECT_NEAR(tune.items.back().quarters, 20.0 / 96.0, 1e-9);
 }
 
 TEST(MidiVoices, ChangingTemposAreTold) {

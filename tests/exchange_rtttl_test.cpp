@@ -302,6 +302,12 @@ TEST(RtttlWriter, ARestIsAddedFromHalfOfTheShortestOn) {
     EXPECT_EQ(Written(text).text, written + "\n");
 }
 
+TEST(RtttlWriter, ALengthMidwayBetweenTwoIsTheShorterOne) {
+    // At half the lengths, 7 parts of 32 of a quarter note lie between a sixteenth and a dotted 1/32.
+    EXPECT_EQ(Written("tempo 120\nc5 1/16..\nd5 1/4\ne5 1/4\ne5 1/4\ne5 1/4\ne5 1/4\n").text,
+              "x:d=8,o=5,b=60:32c.,d,e,e,e,e\n");
+}
+
 TEST(RtttlWriter, RestsHaveNoOctave) {
     EXPECT_EQ(Written("tempo 120\nc5 1/4\nr 1/4\nr 1/4\nr 1/4.\n").text, "x:d=4,o=5,b=120:c,p,p,p.\n");
 }
@@ -346,8 +352,11 @@ TEST(RtttlWriter, RefusesWhatTheFormatDoesNotHave) {
     EXPECT_EQ(Written("tempo 120\nr 1/4\n").reason, "the melody has no note");
     Melody melody = MelodyFrom("tempo 120\nc5 1/4\nd5 1/4\n");
     const Play play = Played(melody);
-    melody.tempo = 10;
-    EXPECT_EQ(WriteRtttl(melody, play.seconds, 10.0, "x").reason, "no tempo from 25 to 900 fits");
+    for (const auto& [tempo, fits] : {std::pair{24, false}, {25, true}, {900, true}, {901, false}}) {
+        melody.tempo = static_cast<std::int16_t>(tempo);
+        EXPECT_EQ(WriteRtttl(melody, play.seconds, tempo, "x").reason,
+                  fits ? "" : "no tempo from 25 to 900 fits");
+    }
     melody.list[1].code = 50;
     EXPECT_EQ(WriteRtttl(melody, play.seconds, play.true_tempo, "x").reason,
               "entry 2 has the unknown code 50");
