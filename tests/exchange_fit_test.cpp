@@ -348,6 +348,17 @@ TEST(Tune, KeepsThePartFromOneSecondToAnother) {
     EXPECT_NEAR(middle.items[0].seconds, 1.5, 1e-9);
 }
 
+TEST(Tune, APartHasTheSeparatorAtItsBeginAndNotTheOneAtItsEnd) {
+    Tune tune = TuneOf(60.0, {1.0, 1.0, 1.0});
+    const TuneItem separator{TuneKind::Separator};
+    tune.items.insert(tune.items.begin() + 2, separator);
+    tune.items.insert(tune.items.begin() + 1, separator);
+    KeepPart(tune, 1.0, 2.0);
+    ASSERT_EQ(tune.items.size(), 2u);
+    EXPECT_EQ(tune.items[0].kind, TuneKind::Separator);
+    EXPECT_EQ(tune.items[1].kind, TuneKind::Note);
+}
+
 TEST(Tune, SpeedChangesSecondsAndTempoOnly) {
     Tune tune = TuneOf(60.0, {1.0, 2.0});
     SpeedUp(tune, 2.0);
