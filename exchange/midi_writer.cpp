@@ -117,7 +117,7 @@ void AddRecords(Writer& writer, const PlayBlock& block, std::size_t& record, int
         const std::uint8_t length = block.records[2 * record++ + 1];
         const int sounds = SoundingTicks(length, ticks_of_unit);
         if (sounds > 0) sounding = whole + sounds;
-        whole += UnitsOfRecord(length) * ticks_of_unit;
+        whole += std::int64_t{UnitsOfRecord(length)} * ticks_of_unit;
         units -= UnitsOfRecord(length);
     }
     if (sounding > 0) AddNote(writer, pitch_byte, sounding);

@@ -230,7 +230,7 @@ std::uint32_t Mix(std::uint32_t low, std::uint32_t high, float share) {
     std::uint32_t mixed = 0;
     for (int shift = 16; shift >= 0; shift -= 8) {
         const float a = static_cast<float>(low >> shift & 255), b = static_cast<float>(high >> shift & 255);
-        mixed |= static_cast<std::uint32_t>(a + (b - a) * share + 0.5F) << shift;
+        mixed |= static_cast<std::uint32_t>(std::lround(a + (b - a) * share)) << shift;
     }
     return mixed;
 }
@@ -306,7 +306,8 @@ std::vector<std::uint32_t> ProgramIconPixels(int size_px) {
 
     std::vector<std::uint32_t> pixels(tile.alpha.size());
     for (std::size_t i = 0; i < pixels.size(); ++i) {
-        const float down = static_cast<float>(i / static_cast<std::size_t>(size_px)) / size;
+        const std::size_t row = i / static_cast<std::size_t>(size_px);
+        const float down = static_cast<float>(row) / size;
         std::uint32_t rgb = Mix(0x3F8FD8, 0x1C4A86, down);
         rgb = Mix(rgb, 0xFFFFFF, static_cast<float>(lines.alpha[i]) / 255 * 0.28F);
         rgb = Mix(rgb, 0xFFFFFF, static_cast<float>(note.alpha[i]) / 255);

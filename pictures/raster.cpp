@@ -125,6 +125,7 @@ void AddCurve(Raster& raster, Point a, Point b, Point c, Point d, float sign) {
 }
 
 std::uint8_t ToByte(float coverage) {
+    // Never negative, and a call for each pixel would be slow. NOLINTNEXTLINE(bugprone-incorrect-roundings)
     return static_cast<std::uint8_t>(std::min(std::abs(coverage), 1.0F) * 255.0F + 0.5F);
 }
 
