@@ -12,7 +12,7 @@
 
 namespace tonex {
 
-struct Report {
+struct Report { // NOLINT(bugprone-exception-escape): what moves a JSON value may throw, by its own account
     std::string head; ///< "IN.txt: tune 1 -> OUT.snd"
     std::vector<std::pair<std::string, std::string>> lines;
     nlohmann::ordered_json json;
