@@ -171,6 +171,23 @@ TEST(MidiReader, LeavesOutSysexAndMetaUnread) {
     EXPECT_EQ(file.notes.size(), 1u);
 }
 
+TEST(MidiReader, TextsAreCutAndTheirControlCharactersAreBlanks) {
+    Bytes events = {0, 0xFF, 1, 3, 'a', 0x1F, 'b', 0, 0xFF, 1, static_cast<std::uint8_t>(kMostMidiName + 1)};
+    events.insert(events.end(), kMostMidiName + 1, 'n');
+    const MidiFile file = Read(OneTrack(events));
+    ASSERT_EQ(file.texts.size(), 2u);
+    EXPECT_EQ(file.texts[0].text, "a b");
+    EXPECT_EQ(file.texts[1].text, std::string(kMostMidiName, 'n'));
+}
+
+TEST(MidiReader, ALongerHeaderIsReadAsFarAsItIsKnown) {
+    Bytes bytes = Header(0, 1, 96);
+    bytes[7] = 8;
+    bytes.insert(bytes.end(), {1, 2});
+    AddTrack(bytes, {0, 0x90, 60, 100, 96, 60, 0});
+    EXPECT_EQ(Read(bytes).notes.size(), 1u);
+}
+
 TEST(MidiReader, ReadsARiffWrapper) {
     const Bytes inner = OneTrack({0, 0x90, 60, 100, 96, 60, 0});
     Bytes riff = {'R', 'I', 'F', 'F', 0,   0,   0,   0,   'R',
@@ -182,6 +199,8 @@ TEST(MidiReader, ReadsARiffWrapper) {
     EXPECT_EQ(Read(riff).notes.size(), 1u);
     riff.resize(30);
     EXPECT_EQ(FaultOf(riff).reason, "\"MThd\" is missing");
+    riff.resize(22);
+    EXPECT_EQ(FaultOf(riff).reason, "the RIFF file has no data chunk");
 }
 
 TEST(MidiReader, RefusesWithTheOffset) {

@@ -122,6 +122,18 @@ TEST(RtttlReader, ALineWithAColonBeginsTheNextTune) {
     EXPECT_EQ(tunes[2].tempo, 90);
 }
 
+TEST(RtttlReader, NamesAreKeptWithoutControlCharactersAndOuterBlanks) {
+    EXPECT_EQ(ReadOne(" \ta\x01 b\x7F :d=4,o=5,b=120:c").name, "a b");
+    EXPECT_EQ(ReadOne(std::string(61, 'n') + ":b=120:c").name, std::string(60, 'n'));
+}
+
+TEST(RtttlReader, AnyTextWithAColonMayBeRingTones) {
+    EXPECT_TRUE(LooksLikeRtttl("a\tb:\r\n\x1a"));
+    EXPECT_FALSE(LooksLikeRtttl("a\x1f:"));
+    EXPECT_FALSE(LooksLikeRtttl("a"));
+    EXPECT_EQ(ItemsOf(ReadOne("x:d=4,o=5,b=120:c\x1a")), "c5 1");
+}
+
 TEST(RtttlReader, OfSeveralVoicesTheFirstIsTaken) {
     const Tune tune = ReadOne("x:d=4,o=5,b=120:c,d | e,f ; g | a");
     EXPECT_EQ(ItemsOf(tune), "c5 1, d5 1, g5 1");
@@ -274,6 +286,14 @@ RtttlText Written(std::string_view text, std::string_view name = "x") {
 TEST(RtttlWriter, WritesTheControlsInOrderAndALineEnd) {
     EXPECT_EQ(Written("tempo 120\nc5 1/8\nd5# 1/8\nb5 1/4\nc6 1/8.\nr 1/8\n", "My tune: a,b").text,
               "Mytuneab:d=8,o=6,b=120:c5,d#5,4b5,c.,p\n");
+}
+
+TEST(RtttlWriter, KeepsOfANameWhatNoReaderTakesForSomethingElse) {
+    const auto named = [](std::string_view name) { return Written("tempo 120\nc5 1/4\n", name).text; };
+    EXPECT_EQ(named("/09:@AZ[`az{-_ ="), "09AZaz-_:d=4,o=5,b=120:c\n");
+    EXPECT_EQ(named(" ="), "melody:d=4,o=5,b=120:c\n");
+    const std::string longest(kMostRtttlName, 'n');
+    EXPECT_EQ(named(longest + "n"), longest + ":d=4,o=5,b=120:c\n");
 }
 
 TEST(RtttlWriter, LeavesOutTheOctaveOfTheDottedNotes) {
