@@ -653,6 +653,11 @@ TEST_F(DocumentTest, SaveOfAnUnknownEntryPutsTheCursorOnItAndSaysSo) {
     EXPECT_EQ(window.score.strip_cursor, 29);
     EXPECT_TRUE(window.score.changed);
     EXPECT_FALSE(desk.files.contains(kTune));
+    desk.messages.clear();
+    window.score.sound[0].code = 41;
+    mnuFileOverWrite_Click(window);
+    EXPECT_EQ(desktop::Told(), Texts{L"Entry 1 is unknown and cannot be saved."});
+    EXPECT_EQ(window.grdScore.view.Col, 0);
 }
 
 TEST_F(DocumentTest, ARefusedDiskLeavesTheCursorAlone) {

@@ -221,6 +221,15 @@ TEST(FolderDeviceBorder, TellsPcFilesFromDeviceFiles) {
     EXPECT_EQ(FolderIsOnPcFile(kDevice, "C:\\Link\\pcferry\\cache\\System\\sound\\NOT THERE.SND"), 0);
 }
 
+TEST(FolderDeviceBorder, PuttingAFileGivesZeroAndElseOne) {
+    desktop::Desktop& desk = FreshDesktop();
+    AddFile(desk, L"C:\\Temp\\Snd1.tmp", "melody");
+    EXPECT_EQ(FolderPutFile(kDevice, "\\System\\sound\\A.SND", "C:\\Temp\\Snd1.tmp"), 0);
+    EXPECT_EQ(BytesOf(desk, kSound + L"A.SND"), "melody");
+    EXPECT_EQ(FolderPutFile(kDevice, "\\System\\sound\\A.SND", "C:\\Temp\\none.tmp"), 1);
+    EXPECT_EQ(FolderPutFile(kDevice, nullptr, "C:\\Temp\\Snd1.tmp"), 1);
+}
+
 TEST(FolderDeviceBorder, FetchingAMissingFileFails) {
     FreshDesktop();
     char buffer[kLinkBufferSize] = "";
