@@ -3,8 +3,8 @@
 //     file     tunes, each on lines of its own; it begins where a line with a colon follows a whole one
 //     tune     name : controls : items, both between commas; blanks and line ends between them mean nothing
 //     control  d = length of an item without one (4), o = its octave (6), b = quarter notes a minute (63)
-//     item     length 1 2 4 8 16 32, then c c# d d# e f f# g g# a a# b or p for a rest, a dot, the octave;
-//              the dot may stand anywhere behind the length; or a control
+//     item     length 1 2 4 8 16 32, also 64 and 128, then c c# d d# e f f# g g# a a# b or p for a rest, a
+//              dot, the octave; the dot may stand anywhere behind the length; or a control
 //
 // The a of octave 4 has 440 Hz, as c4 is the piano's first key. What else is met with in the world is read
 // too, and remarked upon.

@@ -106,7 +106,7 @@ bool TakeWord(Words& words, Word& word) {
         const char letter = SmallLetter(words.text[at]);
         if (IsOfOtherVoice(words, letter)) continue;
         if (letter == ',' || letter == ';') return true;
-        const bool means = !IsBlank(letter) && !IsLineEnd(letter) && letter != '\0';
+        const bool means = !IsBlank(letter) && !IsLineEnd(letter);
         if (means && word.size() <= kMostLetters) word.push_back({letter, at});
     }
     words.ended = true;
@@ -125,7 +125,7 @@ bool SetControl(Reading& reading, char control, int value, const Word& whole) {
         reading.octave = value;
         return true;
     default:
-        if (value < 1 || value > kMostBeats) {
+        if (value < 1) {
             return Wrong(reading, at,
                          Quoted(whole) + " is no tempo: b is 1 to " + std::to_string(kMostBeats));
         }
@@ -147,7 +147,7 @@ bool ReadControl(Reading& reading, const Word& whole) {
         Remark(reading.tune.remarks, "left out an unknown control");
         return true;
     }
-    const int value = TakeNumber(word, 30000);
+    const int value = TakeNumber(word, kMostBeats);
     if (!word.empty() || whole.size() > kMostLetters)
         return Wrong(reading, whole.front().at, Quoted(whole) + " has no number behind the =");
     return SetControl(reading, control, value, whole);
@@ -167,23 +167,22 @@ bool ReadControls(Reading& reading, std::size_t begin, std::size_t end) {
 /// Half tones above c by letter; -1 for a letter that is no note. h is another name of b.
 int HalfTonesOf(char letter) {
     constexpr std::string_view letters = "cdefgabh";
-    constexpr std::array<int, 8> half_tones = {0, 2, 4, 5, 7, 9, 11, 11};
+    constexpr std::array half_tones = {0, 2, 4, 5, 7, 9, 11, 11};
     const std::size_t place = letters.find(letter);
     return place == std::string_view::npos ? -1 : half_tones[place];
 }
 
-/// The quarter notes of a length such as 8, with dots; -1 for none.
+/// The quarter notes of a length, 1 to 128, with dots.
 double QuartersOfNumber(Reading& reading, int number, int dots) {
-    if (number < 1 || number > kShortestLength) return -1.0;
-    constexpr std::array<int, 8> plain = {1, 2, 4, 8, 16, 32, 64, 128};
-    constexpr std::array<int, 4> triplets = {6, 12, 24, 48};
+    constexpr std::array plain = {1, 2, 4, 8, 16, 32, 64, 128};
+    constexpr std::array triplets = {6, 12, 24, 48};
     if (std::find(triplets.begin(), triplets.end(), number) != triplets.end()) {
         Remark(reading.tune.remarks, "read a length of 6, 12, 24 or 48 as a triplet");
     } else if (std::find(plain.begin(), plain.end(), number) == plain.end()) {
         Remark(reading.tune.remarks,
                "read a length that the format does not have as that part of a whole note");
     }
-    constexpr std::array<double, 3> factors = {1.0, 1.5, 1.75};
+    constexpr std::array factors = {1.0, 1.5, 1.75};
     return 4.0 / number * At(factors, dots);
 }
 
@@ -195,13 +194,13 @@ struct Tail {
 };
 
 bool ReadTail(Reading& reading, Word& word, const Word& whole, Tail& tail) {
+    const int dots_in_front = tail.dots;
     while (!word.empty()) {
         const std::size_t at = word.front().at;
         if (TakeLetter(word, '.')) {
             if (++tail.dots > 2) return Wrong(reading, at, Quoted(whole) + " has more than two dots");
-            if (tail.octave < 0 && !word.empty()) {
-                Remark(reading.tune.remarks, "read a dot in front of an octave as one behind it");
-            }
+            if (tail.dots == 2)
+                Remark(reading.tune.remarks, "read a second dot, which the format does not have");
         } else if (TakeLetter(word, '#')) {
             ++tail.half_tones;
         } else if (TakeLetter(word, 'b') || TakeLetter(word, '_')) {
@@ -212,6 +211,8 @@ bool ReadTail(Reading& reading, Word& word, const Word& whole, Tail& tail) {
             if (octave < 0 || tail.octave >= 0)
                 return Wrong(reading, at, Quoted(whole) + " is no note or rest");
             tail.octave = octave;
+            if (tail.dots > dots_in_front)
+                Remark(reading.tune.remarks, "read a dot in front of an octave as one behind it");
         }
     }
     return true;
@@ -243,8 +244,9 @@ bool ReadNote(Reading& reading, const Word& whole) {
     if (half_tones < 0 && letter != 'p') return Wrong(reading, at, Quoted(whole) + " is no note or rest");
     if (letter == 'h') Remark(reading.tune.remarks, "read h as b");
     if (!ReadTail(reading, word, whole, tail)) return false;
+    if (number < 1)
+        return Wrong(reading, at, Quoted(whole) + " has no length 1 to " + std::to_string(kShortestLength));
     const double quarters = QuartersOfNumber(reading, number, tail.dots);
-    if (quarters <= 0.0) return Wrong(reading, at, Quoted(whole) + " has no length 1 to 32");
     if (letter == 'p') return AddItem(reading, TuneKind::Rest, 0, quarters, at);
     const int octave = tail.octave < 0 ? reading.octave : tail.octave;
     const int pitch = kLowestKey + kOctave * (octave - 4) + half_tones + tail.half_tones;
@@ -270,8 +272,8 @@ bool ReadNotes(Reading& reading, std::size_t begin, std::size_t end) {
 
 /// Where a tune stands in the text.
 struct Place {
-    std::size_t begin = 0;
-    std::size_t end = 0;
+    std::size_t begin;
+    std::size_t end;
     std::vector<std::size_t> colons;
 };
 
@@ -377,7 +379,7 @@ std::string OneByteText(std::string_view bytes) {
 
 RtttlFault FaultAt(std::string_view text, std::size_t at, std::string reason) {
     RtttlFault fault{1, 1, std::move(reason)};
-    for (std::size_t i = 0; i < at && i < text.size(); ++i) {
+    for (std::size_t i = 0; i < at; ++i) {
         ++fault.column;
         if (text[i] == '\n' || (text[i] == '\r' && text.substr(i + 1, 1) != "\n")) {
             ++fault.line;
@@ -400,9 +402,9 @@ bool LooksLikeRtttl(std::string_view bytes) {
 
 std::optional<std::vector<Tune>> ReadRtttl(std::string_view bytes, RtttlFault& fault) {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
-    const std::string text = OneByteText(bytes);
+    std::string text = OneByteText(bytes);
+    if (text.starts_with(mark)) text.replace(0, mark.size(), mark.size(), ' ');
     std::string plain = WithoutComments(text);
-    if (text.starts_with(mark)) plain.replace(0, mark.size(), mark.size(), ' ');
     std::replace(plain.begin(), plain.end(), '\x1a', ' ');
     std::vector<Tune> tunes;
     for (const Place& place : PlacesOf(plain)) {

@@ -60,10 +60,35 @@ TEST(RtttlReader, MissingControlsAreLength4Octave6Tempo63) {
     EXPECT_TRUE(HasRemark(tune, "no tempo is given: 63"));
 }
 
+TEST(RtttlReader, ATempoThatIsFirstGivenAmongTheNotesBendsTheTune) {
+    const Tune tune = ReadOne("x::c,b=126,d");
+    EXPECT_TRUE(tune.bends);
+    EXPECT_NEAR(tune.tempo, 84.0, 1e-9);
+    EXPECT_EQ(tune.remarks, (Remarks{{"no tempo is given: 63", 1}}));
+}
+
 TEST(RtttlReader, ADotStandsBehindTheLengthTheNoteOrTheOctave) {
     EXPECT_EQ(ItemsOf(ReadOne("x:d=4,o=5,b=120:8.c6,8c.6,8c6.,8c.")), "c6 0.75, c6 0.75, c6 0.75, c5 0.75");
-    EXPECT_TRUE(HasRemark(ReadOne("x:b=120:8.c6"), "read a dot behind a length as one behind the note"));
-    EXPECT_TRUE(HasRemark(ReadOne("x:b=120:8c.6"), "read a dot in front of an octave as one behind it"));
+    const auto remarks_of = [](const std::string& item) { return ReadOne("x:b=120:" + item).remarks; };
+    EXPECT_EQ(remarks_of("8.c6"), (Remarks{{"read a dot behind a length as one behind the note", 1}}));
+    EXPECT_EQ(remarks_of("8c.6"), (Remarks{{"read a dot in front of an octave as one behind it", 1}}));
+    EXPECT_EQ(remarks_of("8c#.6,8p.0"), (Remarks{{"read a dot in front of an octave as one behind it", 2}}));
+    EXPECT_EQ(remarks_of("8c6.,8c.,8c.#"), Remarks{});
+}
+
+TEST(RtttlReader, ASecondDotAddsHalfOfTheFirst) {
+    const Tune tune = ReadOne("x:d=4,o=5,b=120:c..,8.c.,c.6.,c6..");
+    EXPECT_EQ(ItemsOf(tune), "c5 1.75, c5 0.875, c6 1.75, c6 1.75");
+    EXPECT_EQ(tune.remarks, (Remarks{{"read a second dot, which the format does not have", 4},
+                                     {"read a dot behind a length as one behind the note", 1},
+                                     {"read a dot in front of an octave as one behind it", 1}}));
+}
+
+TEST(RtttlReader, EveryLetterIsItsHalfTone) {
+    const Tune tune = ReadOne("x:d=4,o=5,b=120:c,d,e,f,g,a,b,h,c#,d#,f#,g#,a#,c##,c_,e_,eb,p#");
+    EXPECT_EQ(ItemsOf(tune), "c5 1, d5 1, e5 1, f5 1, g5 1, a5 1, b5 1, b5 1, c5# 1, d5# 1, f5# 1, g5# 1, "
+                             "a5# 1, d5 1, b4 1, d5# 1, d5# 1, r 1");
+    EXPECT_EQ(tune.remarks, (Remarks{{"read h as b", 1}, {"read a flat as the sharp below", 3}}));
 }
 
 TEST(RtttlReader, CaseBlanksLineEndsOrderOfControlsAndTrailingCommasMeanNothing) {
@@ -106,8 +131,10 @@ TEST(RtttlReader, LengthsOf12And24AreTriplets) {
     EXPECT_TRUE(HasRemark(tune, "read a length of 6, 12, 24 or 48 as a triplet"));
     EXPECT_TRUE(HasRemark(tune, "read a length that the format does not have as that part of a whole note"));
     EXPECT_TRUE(ReadOne("x:b=120:1c,2c,4c,8c,16c,32c,64c,128c").remarks.empty());
-    EXPECT_EQ(ReadOne("x:b=120:6c,48c").remarks,
-              (Remarks{{"read a length of 6, 12, 24 or 48 as a triplet", 2}}));
+    EXPECT_EQ(ReadOne("x:b=120:6c,12c,24c,48c").remarks,
+              (Remarks{{"read a length of 6, 12, 24 or 48 as a triplet", 4}}));
+    EXPECT_EQ(ReadOne("x:b=120:3c,7c,127c").remarks,
+              (Remarks{{"read a length that the format does not have as that part of a whole note", 3}}));
 }
 
 TEST(RtttlReader, ALineWithAColonBeginsTheNextTune) {
@@ -122,7 +149,35 @@ TEST(RtttlReader, ALineWithAColonBeginsTheNextTune) {
     EXPECT_EQ(tunes[2].tempo, 90);
 }
 
+TEST(RtttlReader, CommentsAreLinesThatStartWithASharpAndWhatStandsBehindTwoSlashes) {
+    const auto tunes = Read("  # one:b=90:e\r\t# two\n\r\nx:d=4,o=5,b=120,s=a/b#c:c #, c#,// d,\r\n"
+                            "#e,\n f,//g\rh\n \t\ny:d=4,o=5,b=120:c");
+    ASSERT_EQ(tunes.size(), 2u);
+    EXPECT_EQ(tunes[0].name, "x");
+    EXPECT_EQ(ItemsOf(tunes[0]), "c5# 1, c5# 1, f5 1, b5 1");
+    EXPECT_EQ(tunes[0].remarks, (Remarks{{"left out an unknown control", 1}, {"read h as b", 1}}));
+    EXPECT_EQ(tunes[1].name, "y");
+    EXPECT_EQ(ItemsOf(tunes[1]), "c5 1");
+}
+
+TEST(RtttlReader, ATuneMayGoOverLinesAtAnyPlace) {
+    const auto tunes = Read("My\ntune\n:\nd=4,\no=5,b=12\n0\n:\nc,\n8\nd\nb=90:e");
+    ASSERT_EQ(tunes.size(), 2u);
+    EXPECT_EQ(tunes[0].name, "Mytune");
+    EXPECT_EQ(tunes[0].tempo, 120);
+    EXPECT_EQ(ItemsOf(tunes[0]), "c5 1, d5 0.5");
+    EXPECT_EQ(tunes[1].tempo, 90);
+    EXPECT_EQ(ItemsOf(tunes[1]), "e6 1");
+    const auto without_name = Read("d=4,o=5\n,b=90:e\nx:b=90:c");
+    ASSERT_EQ(without_name.size(), 2u);
+    EXPECT_EQ(ItemsOf(without_name[0]), "e5 1");
+    EXPECT_EQ(without_name[1].name, "x");
+}
+
 TEST(RtttlReader, NamesAreKeptWithoutControlCharactersAndOuterBlanks) {
+    EXPECT_EQ(ReadOne("~\xE9! :b=120:c").name, "~\xE9!");
+    EXPECT_EQ(ReadOne("  :b=120:c").name, "");
+    EXPECT_EQ(ReadOne("  :b=120:c").remarks, (Remarks{{"the tune has no name", 1}}));
     EXPECT_EQ(ReadOne(" \ta\x01 b\x7F :d=4,o=5,b=120:c").name, "a b");
     EXPECT_EQ(ReadOne(std::string(61, 'n') + ":b=120:c").name, std::string(60, 'n'));
 }
@@ -137,13 +192,17 @@ TEST(RtttlReader, AnyTextWithAColonMayBeRingTones) {
 TEST(RtttlReader, OfSeveralVoicesTheFirstIsTaken) {
     const Tune tune = ReadOne("x:d=4,o=5,b=120:c,d | e,f ; g | a");
     EXPECT_EQ(ItemsOf(tune), "c5 1, d5 1, g5 1");
-    EXPECT_TRUE(HasRemark(tune, "took the first of several voices"));
+    EXPECT_EQ(tune.remarks, (Remarks{{"took the first of several voices", 1}}));
+    EXPECT_EQ(ReadOne("x:b=120:c|d").remarks, (Remarks{{"took the first of several voices", 1}}));
 }
 
 TEST(RtttlReader, UnknownControlsAndAByteOrderMarkAreNoFault) {
-    const Tune tune = ReadOne("\xEF\xBB\xBFx:d=4,o=5,b=120,s=N,l=2:c");
-    EXPECT_EQ(ItemsOf(tune), "c5 1");
-    EXPECT_TRUE(HasRemark(tune, "left out an unknown control"));
+    const Tune tune = ReadOne("\xEF\xBB\xBFx:d=4,o=5,b=120,s=N,l=2:c,s=1,d=8,o=6,d");
+    EXPECT_EQ(tune.name, "x");
+    EXPECT_EQ(ItemsOf(tune), "c5 1, d6 0.5");
+    EXPECT_EQ(tune.remarks, (Remarks{{"left out an unknown control", 3}}));
+    EXPECT_EQ(FaultOf("\xEF\xBB\xBFx:hello:c").column, 6);
+    EXPECT_EQ(ReadOne("\xEF\xBB\xBF# a comment\nx:b=120:c").name, "x");
 }
 
 TEST(RtttlReader, TextOfTwoBytesALetterIsReadEitherWay) {
@@ -162,6 +221,13 @@ TEST(RtttlReader, TextOfTwoBytesALetterIsReadEitherWay) {
         EXPECT_EQ(ItemsOf(tune), "c5 1");
         EXPECT_EQ(tune.name, "Ann?");
     }
+    // Letters 80h and 441h, a byte too many.
+    const Tune odd = ReadOne(std::string_view("\xFF\xFE~\0\x80\0\x41\x04:\0:\0c\0#\0"
+                                              "5\0"
+                                              "6",
+                                              19));
+    EXPECT_EQ(odd.name, "~??");
+    EXPECT_EQ(ItemsOf(odd), "c5# 1");
     EXPECT_FALSE(LooksLikeRtttl(std::string_view("\xFF\xFE\0\0:\0", 6)));
     EXPECT_FALSE(LooksLikeRtttl("\xFF\xFE"));
 }
@@ -176,14 +242,25 @@ TEST(RtttlReader, NamesLineAndColumnOfWhatIsWrong) {
              {"x:d=4,b=120:c,8x,d", 1, 15, "\"8x\" is no note or rest"},
              {"a:b=90:c\nx:d=4:c,\n  q", 3, 3, "\"q\" is no note or rest"},
              {"x:d=0:c", 1, 3, "\"d=0\" is no length"},
+             {"x:d=:c", 1, 3, "\"d=\" is no length"},
+             {"x:o=:c", 1, 3, "\"o=\" is no octave"},
+             {"x:d=4|o=5:c", 1, 3, "\"d=4|o=5\" has no number behind the ="},
+             {"x:d4:c", 1, 3, "\"d4\" is no control such as d=4, o=5 or b=120"},
+             {"x:b=90:b=", 1, 8, "\"b=\" is no tempo: b is 1 to 1000"},
+             {"b=90:c:d", 1, 7, "\"c:d\" is no note or rest"},
+             {"x:b=90:c0#1", 1, 11, "\"c0#1\" is no note or rest"},
+             {"x:b=90:8.", 1, 8, "\"8.\" is no note or rest"},
+             {"x:b=90:i", 1, 8, "\"i\" is no note or rest"},
+             {"x:b=90:d\rz:b=90:c,\r\nf,g // h,\n\r,q", 5, 2, "\"q\" is no note or rest"},
+             {"\n \nno tune here", 3, 1, "this is no ring tone: name:d=4,o=5,b=120:8c,8d"},
              {"x:b=0:c", 1, 3, "\"b=0\" is no tempo: b is 1 to 1000"},
              {"x:b=1001:c", 1, 3, "\"b=1001\" is no tempo: b is 1 to 1000"},
              {"x:o=12:c", 1, 3, "\"o=12\" is no octave"},
              {"x:hello:c", 1, 3, "\"hello\" is no control such as d=4, o=5 or b=120"},
              {"x:b=:c", 1, 3, "\"b=\" is no tempo: b is 1 to 1000"},
              {"x:b=9z:c", 1, 3, "\"b=9z\" has no number behind the ="},
-             {"x:b=90:0c", 1, 8, "\"0c\" has no length 1 to 32"},
-             {"x:b=90:999c", 1, 8, "\"999c\" has no length 1 to 32"},
+             {"x:b=90:0c", 1, 8, "\"0c\" has no length 1 to 128"},
+             {"x:b=90:999c", 1, 8, "\"999c\" has no length 1 to 128"},
              {"x:b=90:8", 1, 8, "\"8\" is no note or rest"},
              {"x:b=90:c5x", 1, 10, "\"c5x\" is no note or rest"},
              {"x:b=90:c...", 1, 11, "\"c...\" has more than two dots"},
@@ -214,19 +291,31 @@ TEST(RtttlReader, ControlsAndLengthsReachTheirLimits) {
               (std::vector<std::pair<int, double>>{{-21, 0.03125}, {89, 0.03125}, {91, 4.0}, {-16, 4.0}}));
     EXPECT_EQ(FaultOf("x:d=129:c").reason, "\"d=129\" is no length");
     EXPECT_EQ(FaultOf("x:o=10:c").reason, "\"o=10\" is no octave");
-    EXPECT_EQ(FaultOf("x:b=90:129c").reason, "\"129c\" has no length 1 to 32");
+    EXPECT_EQ(FaultOf("x:b=90:129c").reason, "\"129c\" has no length 1 to 128");
     EXPECT_EQ(FaultOf("x:b=90:c10").reason, "\"c10\" is no note or rest");
+}
+
+TEST(RtttlReader, AnItemOrAControlHasAtMost32Letters) {
+    EXPECT_EQ(ReadOne("x:o=4,b=90:c" + std::string(31, '#')).items.at(0).pitch, kLowestKey + 31);
+    EXPECT_EQ(FaultOf("x:o=4,b=90:c" + std::string(32, '#')).reason,
+              "\"c###############...\" is no note or rest");
+    EXPECT_EQ(ReadOne("x:b=" + std::string(28, '0') + "90:c").tempo, 90);
+    EXPECT_EQ(FaultOf("x:b=" + std::string(29, '0') + "90:c").reason,
+              "\"b=00000000000000...\" has no number behind the =");
 }
 
 TEST(RtttlReader, CountsOfTunesAndItemsAreLimited) {
     std::string many = "x:b=90:c";
-    for (int i = 0; i < kMostTuneItems; ++i)
+    for (int i = 1; i < kMostTuneItems; ++i)
         many += ",c";
-    EXPECT_EQ(FaultOf(many).reason, "more than 20000 notes and rests");
+    EXPECT_EQ(ReadOne(many).items.size(), static_cast<std::size_t>(kMostTuneItems));
+    EXPECT_EQ(FaultOf(many + ",c").reason, "more than 20000 notes and rests");
+    EXPECT_EQ(FaultOf(many + ",c").column, 40008);
     std::string tunes;
     for (int i = 0; i <= kMostTunes; ++i)
         tunes += "x:b=90:c\n";
     EXPECT_EQ(FaultOf(tunes).reason, "more than 1000 tunes");
+    EXPECT_EQ(FaultOf(tunes).line, 1001);
 }
 
 TEST(RtttlReader, AWordOfAMillionLettersIsRefusedAtOnce) {
