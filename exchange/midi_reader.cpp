@@ -21,10 +21,10 @@ constexpr int kChannels = 16;
 struct Bytes {
     std::span<const std::uint8_t> all;
     std::size_t at = 0;
-    std::size_t end = 0; ///< of the chunk
+    std::size_t end = all.size(); ///< of the chunk
     bool good = true;
     std::size_t fault_at = 0;
-    std::string reason;
+    std::string reason{};
 };
 
 void Fail(Bytes& bytes, std::size_t at, std::string reason) {
@@ -35,7 +35,6 @@ void Fail(Bytes& bytes, std::size_t at, std::string reason) {
 }
 
 int TakeByte(Bytes& bytes) {
-    if (!bytes.good) return 0;
     if (bytes.at < bytes.end) return bytes.all[bytes.at++];
     Fail(bytes, bytes.at, "an event goes on beyond the end of its track");
     return 0;
@@ -62,7 +61,7 @@ std::int64_t TakeVariable(Bytes& bytes) {
 }
 
 bool HasName(std::span<const std::uint8_t> bytes, std::size_t at, std::string_view name) {
-    if (at > bytes.size() || bytes.size() - at < name.size()) return false;
+    if (bytes.size() < at + name.size()) return false;
     return std::equal(
         name.begin(), name.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at),
         [](char letter, std::uint8_t byte) { return static_cast<std::uint8_t>(letter) == byte; });
@@ -70,20 +69,20 @@ bool HasName(std::span<const std::uint8_t> bytes, std::size_t at, std::string_vi
 
 /// A key is struck or let go.
 struct KeyEvent {
-    std::int64_t tick = 0;
-    std::ptrdiff_t note = -1; ///< -1 = let go
+    std::int64_t tick;
+    std::ptrdiff_t note; ///< -1 = let go
 };
 using KeyEvents = std::vector<KeyEvent>;
 
 /// A track while it is read.
 struct Track {
-    int number = 0;
+    int number;
     std::int64_t tick = 0;
-    int status = -1;          ///< of the channel message before; -1 = none
+    int status = 0;           ///< of the channel message before; 0 = none
     bool interrupted = false; ///< by an event after which the status must not be left out
     bool ended = false;
     std::array<bool, kChannels> has_program{};
-    std::array<std::array<KeyEvents, kMidiKeys>, kChannels> keys;
+    std::array<std::array<KeyEvents, kMidiKeys>, kChannels> keys{};
 };
 
 MidiNote& NoteOf(MidiFile& file, std::ptrdiff_t note) {
@@ -123,11 +122,11 @@ void EndTogether(MidiFile& file, const KeyEvents& events, std::int64_t track_end
 /// The ends of all strokes of a key. One that is struck again ends there at the latest.
 void EndNotes(MidiFile& file, const KeyEvents& events, std::int64_t track_end) {
     if (!EndEach(file, events)) EndTogether(file, events, track_end);
-    std::ptrdiff_t before = -1;
+    MidiNote* before = nullptr;
     for (const KeyEvent& event : events) {
         if (event.note < 0) continue;
-        if (before >= 0) NoteOf(file, before).end = std::min(NoteOf(file, before).end, event.tick);
-        before = event.note;
+        if (before != nullptr) before->end = std::min(before->end, event.tick);
+        before = &NoteOf(file, event.note);
     }
 }
 
@@ -151,7 +150,7 @@ int TakeData(Bytes& bytes, MidiFile& file) {
 
 void TakeChannelMessage(Bytes& bytes, MidiFile& file, Track& track, std::size_t order) {
     const int kind = track.status >> 4;
-    const int channel = track.status & 15;
+    const int channel = track.status % kChannels;
     const int first = TakeData(bytes, file);
     if (kind == 0xC) KeepProgram(file, track, channel, first);
     if (kind == 0xC || kind == 0xD) return;
@@ -222,12 +221,12 @@ void TakeEvent(Bytes& bytes, MidiFile& file, Track& track, std::size_t order) {
     } else if (byte == 0xF0 || byte == 0xF7) {
         track.interrupted = true;
         TakeBlock(bytes);
-    } else if (byte >= 0xF0) {
+    } else if (byte >> 4 == 0xF) {
         Fail(bytes, start, "byte " + std::to_string(byte) + " where an event begins");
     } else {
         if (byte < 128) {
             bytes.at = start;
-            if (track.status < 0) return Fail(bytes, start, "an event without the status that it needs");
+            if (track.status == 0) return Fail(bytes, start, "an event without the status that it needs");
             if (track.interrupted) Remark(file.remarks, "kept a status beyond an event that ends it");
         } else {
             track.status = byte;
@@ -239,8 +238,7 @@ void TakeEvent(Bytes& bytes, MidiFile& file, Track& track, std::size_t order) {
 
 /// All events of a track. One that the file's end cuts short is read as far as it goes.
 void TakeTrack(Bytes& bytes, MidiFile& file, bool cut, std::size_t& order) {
-    Track track;
-    track.number = file.tracks++;
+    Track track{file.tracks++};
     while (bytes.good && bytes.at < bytes.end && !track.ended) {
         TakeEvent(bytes, file, track, order);
         if (++order > kMostMidiEvents) {
@@ -271,15 +269,14 @@ void TakeDivision(Bytes& bytes, MidiFile& file, std::size_t at, int division) {
     file.seconds_of_tick = 1.0 / (rate * ticks);
 }
 
+/// The number of tracks that the header claims.
 int TakeHeader(Bytes& bytes, MidiFile& file) {
     const std::size_t start = bytes.at;
+    if (!HasName(bytes.all, start, "MThd")) Fail(bytes, start, "\"MThd\" is missing");
     bytes.at += 4;
     const std::uint32_t length = TakeNumber(bytes, 4);
-    if (!bytes.good) return 0;
-    if (length < kFileHeader || length > bytes.end - bytes.at) {
+    if (length < kFileHeader || length > bytes.end - bytes.at)
         Fail(bytes, start + 4, "the header's length is " + std::to_string(length));
-        return 0;
-    }
     const std::size_t header = bytes.at;
     file.format = static_cast<int>(TakeNumber(bytes, 2));
     const int tracks = static_cast<int>(TakeNumber(bytes, 2));
@@ -315,7 +312,6 @@ void TakeChunk(Bytes& bytes, MidiFile& file, std::size_t file_end, std::size_t& 
 
 /// Where the MIDI file begins and ends: the whole, or the data chunk of a RIFF file.
 void FindFile(Bytes& bytes) {
-    bytes.end = bytes.all.size();
     if (!HasName(bytes.all, 0, "RIFF")) return;
     std::size_t at = 12;
     while (at + kChunkHeader <= bytes.all.size()) {
@@ -348,11 +344,9 @@ bool LooksLikeMidi(std::span<const std::uint8_t> bytes) {
 }
 
 bool ReadMidi(std::span<const std::uint8_t> all, MidiFile& file, MidiFault& fault) {
-    Bytes bytes;
-    bytes.all = all;
+    Bytes bytes{all};
     FindFile(bytes);
-    if (bytes.good && !HasName(all, bytes.at, "MThd")) Fail(bytes, bytes.at, "\"MThd\" is missing");
-    const int claimed = bytes.good ? TakeHeader(bytes, file) : 0;
+    const int claimed = TakeHeader(bytes, file);
     const std::size_t file_end = bytes.end;
     std::size_t order = 0;
     while (bytes.good && bytes.at < file_end) {

@@ -21,13 +21,18 @@ struct Sound {
     int key;
 };
 
-std::vector<Sound> SoundsOf(const MidiClock& clock, const MidiVoice& voice, double from, double to) {
+std::vector<Sound> SoundsOf(const MidiClock& clock, const MidiVoice& voice, double from, double to,
+                            Remarks& remarks) {
     std::vector<Sound> sounds;
     for (const MidiNote& note : voice.notes) {
-        Sound sound{static_cast<double>(note.start), static_cast<double>(note.end), 0.0, 0.0, note.key};
-        sound.start_seconds = SecondsAt(clock, sound.start);
-        sound.end_seconds = SecondsAt(clock, sound.end);
+        const auto start = static_cast<double>(note.start);
+        const auto end = static_cast<double>(note.end);
+        Sound sound{start, end, SecondsAt(clock, start), SecondsAt(clock, end), note.key};
         if (sound.start_seconds < from || sound.start_seconds >= to) continue;
+        if (start == end) {
+            Remark(remarks, "left out a note that lasts no time");
+            continue;
+        }
         if (sound.end_seconds > to) {
             const double part = (to - sound.start_seconds) / (sound.end_seconds - sound.start_seconds);
             sound.end = sound.start + part * (sound.end - sound.start);
@@ -72,10 +77,7 @@ std::vector<Sound> LineOf(const std::vector<Sound>& sounds, Remarks& remarks) {
         } else if (IsUnder(last, next)) {
             Remark(remarks, "left out a lower note under one that goes on");
         } else {
-            if (last.end > next.start) {
-                last.end = next.start;
-                last.end_seconds = next.start_seconds;
-            }
+            last.end = std::min(last.end, next.start);
             line.push_back(next);
         }
     }
@@ -146,15 +148,15 @@ struct LineWriter {
     Tune& tune;
 };
 
-double QuartersFrom(const LineWriter& writer, double from, double to) {
-    const int ticks = writer.ticks_of_quarter;
-    if (ticks == 0) return 2.0 * (to - from); // seconds; as if at 120
-    if (!writer.on_grid) return (to - from) / ticks;
-    return std::max(0.0, PlaceOf(to, ticks) - PlaceOf(from, ticks));
-}
-
 double SecondsFrom(const LineWriter& writer, double from, double to) {
     return SecondsAt(writer.clock, to) - SecondsAt(writer.clock, from);
+}
+
+double QuartersFrom(const LineWriter& writer, double from, double to) {
+    const int ticks = writer.ticks_of_quarter;
+    if (ticks == 0) return 2.0 * SecondsFrom(writer, from, to); // as if at 120
+    if (!writer.on_grid) return (to - from) / ticks;
+    return PlaceOf(to, ticks) - PlaceOf(from, ticks);
 }
 
 void WriteSound(const LineWriter& writer, const Sound& sound, double next_start) {
@@ -166,7 +168,7 @@ void WriteSound(const LineWriter& writer, const Sound& sound, double next_start)
     if (IsShortGap(all - gap, all, on_place)) {
         if (gap > kNoGap) Remark(writer.tune.remarks, "let a note last through the short gap behind it");
         end = next_start;
-    } else if (writer.on_grid && end < next_start) {
+    } else if (writer.on_grid) {
         // A note that is followed by a rest ends where a score would end it.
         const double place = EndPlaceOf(end / ticks) * ticks;
         if (place > sound.start && place < next_start) end = place;
@@ -175,7 +177,7 @@ void WriteSound(const LineWriter& writer, const Sound& sound, double next_start)
     writer.tune.items.push_back({TuneKind::Note, pitch, QuartersFrom(writer, sound.start, end),
                                  SecondsFrom(writer, sound.start, end)});
     const double rest = QuartersFrom(writer, end, next_start);
-    if (rest > 1e-6)
+    if (rest > 0.0)
         writer.tune.items.push_back({TuneKind::Rest, 0, rest, SecondsFrom(writer, end, next_start)});
 }
 
@@ -188,7 +190,7 @@ double UsualPart(const LineWriter& writer, const std::vector<Sound>& line) {
         const double all = line[i + 1].start - line[i].start;
         const double sounding = line[i].end - line[i].start;
         const bool on_place = IsOnEndPlace(line[i].end / writer.ticks_of_quarter, writer.ticks_of_quarter);
-        if (sounding > 0.0 && IsShortGap(sounding, all, on_place)) parts.push_back(sounding / all);
+        if (IsShortGap(sounding, all, on_place)) parts.push_back(sounding / all);
     }
     if (parts.empty()) return 1.0;
     const auto middle = parts.begin() + static_cast<std::ptrdiff_t>(parts.size() / 2);
@@ -236,7 +238,6 @@ void TakeTempo(const LineWriter& writer, double from, double to) {
         if (ticks > 0.0)
             lasts[std::llround(60000.0 / (of_tick * writer.ticks_of_quarter))] += ticks * of_tick;
     }
-    if (lasts.empty()) return;
     const auto longest = std::max_element(lasts.begin(), lasts.end(),
                                           [](const auto& a, const auto& b) { return a.second < b.second; });
     Tune& tune = writer.tune;
@@ -255,7 +256,7 @@ Tune TuneOfVoice(const MidiFile& file, const MidiVoice& voice, double from, doub
     Tune tune;
     tune.name = voice.name;
     const MidiClock clock = ClockOf(file, voice.track);
-    std::vector<Sound> line = LineOf(SoundsOf(clock, voice, from, to), tune.remarks);
+    std::vector<Sound> line = LineOf(SoundsOf(clock, voice, from, to, tune.remarks), tune.remarks);
     if (line.empty()) return tune;
     tune.on_grid = LiesOnGrid(line, file.ticks_of_quarter);
     const LineWriter writer{clock, file.ticks_of_quarter, tune.on_grid, tune};

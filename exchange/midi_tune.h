@@ -7,8 +7,8 @@
 namespace tonex {
 
 /// Of a chord the highest note is taken; a lower note under one that goes on is left out; a new onset ends
-/// the note before; a short gap belongs to the note before it. What sounds from `from` to `to`, seconds,
-/// only. The silence in front of it is left out.
+/// the note before; a short gap belongs to the note before it; a note that lasts no time is left out. What
+/// sounds from `from` to `to`, seconds, only. The silence in front of it is left out.
 Tune TuneOfVoice(const MidiFile& file, const MidiVoice& voice, double from, double to);
 
 } // namespace tonex

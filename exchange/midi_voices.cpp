@@ -85,9 +85,8 @@ void TakeLabels(const Labels& labels, MidiVoice& voice) {
 
 /// Range, length and overlaps.
 void Measure(const MidiClock& clock, MidiVoice& voice) {
-    voice.lowest = 1000;
-    voice.highest = -1000;
-    double last_end = -1.0;
+    voice.lowest = voice.highest = voice.notes.front().key - kMidiPitchDistance;
+    double last_end = 0.0;
     for (const MidiNote& note : voice.notes) {
         voice.lowest = std::min(voice.lowest, note.key - kMidiPitchDistance);
         voice.highest = std::max(voice.highest, note.key - kMidiPitchDistance);

@@ -38,7 +38,7 @@ struct MidiVoice {
 std::vector<MidiVoice> VoicesOf(const MidiFile& file);
 
 /// The voice with the most points among those asked for; the first of equal ones. -1 when there is none.
-/// Track and channel are counted from 0, -1 = any; drums only count when nothing else is asked for.
+/// Track and channel are counted from 0, -1 = any; drums are no melody, even when they are asked for.
 int MelodyOf(const std::vector<MidiVoice>& voices, int track, int channel);
 
 } // namespace tonex

@@ -30,12 +30,10 @@ void AddNumber(std::vector<std::uint8_t>& bytes, std::uint32_t number, int count
         bytes.push_back(static_cast<std::uint8_t>(number >> (8 * i)));
 }
 
-void AddVariable(std::vector<std::uint8_t>& bytes, std::int64_t number) {
-    int shift = 21; // four bytes hold it; a melody lasts far less
-    while (shift > 0 && (number >> shift) == 0)
-        shift -= 7;
-    for (; shift >= 0; shift -= 7)
-        bytes.push_back(static_cast<std::uint8_t>((number >> shift & 127) | (shift > 0 ? 128 : 0)));
+/// Seven bits a byte, the highest first; `mark` is the eighth bit of the last one.
+void AddVariable(std::vector<std::uint8_t>& bytes, std::int64_t number, int mark = 0) {
+    if (number > 127) AddVariable(bytes, number >> 7, 128);
+    bytes.push_back(static_cast<std::uint8_t>((number & 127) | mark));
 }
 
 /// The time since the last event, in front of one that stands at `tick`.
@@ -116,11 +114,11 @@ void AddRecords(Writer& writer, const PlayBlock& block, std::size_t& record, int
     while (units > 0) {
         const std::uint8_t length = block.records[2 * record++ + 1];
         const int sounds = SoundingTicks(length, ticks_of_unit);
-        if (sounds > 0) sounding = whole + sounds;
+        if (sounds != 0) sounding = whole + sounds;
         whole += std::int64_t{UnitsOfRecord(length)} * ticks_of_unit;
         units -= UnitsOfRecord(length);
     }
-    if (sounding > 0) AddNote(writer, pitch_byte, sounding);
+    if (sounding != 0) AddNote(writer, pitch_byte, sounding);
     writer.tick = start + whole;
 }
 
@@ -129,11 +127,11 @@ void AddRecords(Writer& writer, const PlayBlock& block, std::size_t& record, int
 MidiBytes WritePlayedMidi(const PlayBlock& block, const Melody& melody, int mode,
                           const std::vector<int>& units, std::string_view name) {
     MidiBytes refused;
-    for (std::size_t i = 0; i + 1 < block.records.size() && refused.reason.empty(); i += 2) {
-        if (block.records[i] > kHighestByte && block.records[i + 1] >= 16)
-            refused.reason = "record " + std::to_string(i / 2 + 1) + " is higher than MIDI goes";
+    for (std::size_t i = 0; i < block.records.size() / 2; ++i) {
+        if (block.records[2 * i] <= kHighestByte || block.records[2 * i + 1] < 16) continue;
+        refused.reason = "record " + std::to_string(i + 1) + " is higher than MIDI goes";
+        return refused;
     }
-    if (!refused.reason.empty()) return refused;
     Writer writer;
     AddText(writer, kMidiTrackName, name);
     AddTempo(writer, At(kMicrosecondsOfQuarter, mode) * block.tempo_byte);

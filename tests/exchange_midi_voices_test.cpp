@@ -1,0 +1,216 @@
+#include "exchange/midi_clock.h"
+#include "exchange/midi_voices.h"
+#include "score/rows.h"
+#include "tests/midi_files.h"
+
+#include <gtest/gtest.h>
+
+namespace tonex {
+namespace {
+
+using testing::AddTrack;
+using testing::Bytes;
+using testing::Header;
+using testing::OneTrack;
+using testing::Read;
+
+/// Every channel of a track strikes a key.
+Bytes StrokesOfAllChannels() {
+    Bytes events;
+    for (int channel = 0; channel < 16; ++channel) {
+        const auto on = static_cast<std::uint8_t>(0x90 | channel);
+        events.insert(events.end(), {0, on, 60, 100, 10, 60, 0});
+    }
+    return events;
+}
+
+/// An event, time in front, so many times.
+Bytes ManyTimes(const Bytes& event, int times) {
+    Bytes events;
+    for (int i = 0; i < times; ++i)
+        events.insert(events.end(), event.begin(), event.end());
+    return events;
+}
+
+TEST(MidiVoices, ThousandsOfThemAndAHundredThousandTemposOrTextsOrProgramsTakeNoTime) {
+    // To go through all of one for each of the other would last for minutes.
+    constexpr int many = 200000;
+    for (const Bytes& events : {ManyTimes({1, 0xFF, 0x51, 3, 7, 0xA1, 0x20}, many),
+                                ManyTimes({0, 0xFF, 1, 1, 'x'}, many), ManyTimes({0, 0xC0, 5}, many)}) {
+        Bytes bytes = Header(1, 901, 96);
+        AddTrack(bytes, events);
+        for (int i = 0; i < 900; ++i)
+            AddTrack(bytes, StrokesOfAllChannels());
+        const MidiFile file = Read(bytes);
+        EXPECT_EQ(VoicesOf(file).size(), 900u * 16u);
+    }
+}
+
+TEST(MidiClock, IsAt120UntilTheFirstTempoAndFollowsAllTracks) {
+    Bytes bytes = Header(1, 2, 96);
+    AddTrack(bytes, {96, 0xFF, 0x51, 3, 0x0F, 0x42, 0x40}); // one second from the second quarter note on
+    AddTrack(bytes, {0, 0x90, 60, 100, 96, 60, 0});
+    const MidiClock clock = ClockOf(Read(bytes), 1);
+    EXPECT_DOUBLE_EQ(SecondsAt(clock, 96), 0.5);
+    EXPECT_DOUBLE_EQ(SecondsAt(clock, 192), 1.5);
+    Bytes own = bytes;
+    own[9] = 2; // format 2: a track's own tempos only
+    EXPECT_DOUBLE_EQ(SecondsAt(ClockOf(Read(own), 1), 192), 1.0);
+    Bytes both = Header(2, 2, 96);
+    AddTrack(both, {0, 0xFF, 0x51, 3, 0x03, 0xD0, 0x90});
+    AddTrack(both, {96, 0xFF, 0x51, 3, 0x0F, 0x42, 0x40});
+    EXPECT_DOUBLE_EQ(SecondsAt(ClockOf(Read(both), 0), 192), 0.5);
+    EXPECT_DOUBLE_EQ(SecondsAt(ClockOf(Read(both), 1), 192), 1.5);
+}
+
+TEST(MidiClock, TakesTheTemposOfAllTracksByTheirTime) {
+    Bytes bytes = Header(1, 2, 96);
+    AddTrack(bytes,
+             {0x81, 0x40, 0xFF, 0x51, 3, 0x0F, 0x42, 0x40}); // one second from the third quarter note on
+    AddTrack(bytes, {96, 0xFF, 0x51, 3, 0x03, 0xD0, 0x90});  // a quarter of one from the second
+    const MidiClock clock = ClockOf(Read(bytes), 0);
+    EXPECT_DOUBLE_EQ(SecondsAt(clock, 192), 0.75);
+    EXPECT_DOUBLE_EQ(SecondsAt(clock, 288), 1.75);
+}
+
+TEST(MidiClock, TemposCountUnlessTicksArePartsOfASecond) {
+    MidiFile file;
+    file.tempos.push_back({0, 0, 1000000});
+    file.ticks_of_quarter = 1;
+    EXPECT_DOUBLE_EQ(SecondsAt(ClockOf(file, 0), 3.0), 3.0);
+    file.ticks_of_quarter = 0;
+    file.seconds_of_tick = 0.01;
+    EXPECT_DOUBLE_EQ(SecondsAt(ClockOf(file, 0), 3.0), 0.03);
+}
+
+TEST(MidiVoices, FormatZeroIsSplitByChannelAndDrumsAreLeftOut) {
+    const MidiFile file = Read(OneTrack({0,  0x91, 40, 100, 0, 0x90, 72, 100, 0, 0x99, 80, 100,
+                                         96, 0x90, 72, 0,   0, 0x91, 40, 0,   0, 0x99, 80, 0}));
+    const auto voices = VoicesOf(file);
+    ASSERT_EQ(voices.size(), 3u);
+    EXPECT_TRUE(voices[2].drums);
+    EXPECT_EQ(voices[2].points, 0.0);
+    EXPECT_EQ(MelodyOf(voices, -1, -1), 0);
+    EXPECT_EQ(MelodyOf(voices, -1, 1), 1);
+    EXPECT_EQ(MelodyOf(voices, -1, kMidiDrums), -1);
+    EXPECT_EQ(MelodyOf(voices, 1, -1), -1);
+    MidiFile no_drums = file;
+    std::erase_if(no_drums.notes, [](const MidiNote& note) { return note.channel == kMidiDrums; });
+    const auto alone = VoicesOf(no_drums);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(At(voices, i).points, At(alone, i).points) << "drums hide no voice";
+}
+
+TEST(MidiVoices, InFormatTwoATrackGoesByItsOwnTempos) {
+    Bytes bytes = Header(2, 2, 96);
+    AddTrack(bytes, {0, 0xFF, 0x51, 3, 0x0F, 0x42, 0x40, 0, 0x90, 60, 100, 96, 60, 0});
+    AddTrack(bytes, {0, 0x90, 60, 100, 96, 60, 0});
+    const auto voices = VoicesOf(Read(bytes));
+    ASSERT_EQ(voices.size(), 2u);
+    EXPECT_DOUBLE_EQ(voices[0].seconds, 1.0);
+    EXPECT_DOUBLE_EQ(voices[1].seconds, 0.5);
+}
+
+TEST(MidiVoices, ANameMakesAMelody) {
+    Bytes bytes = Header(1, 2, 96);
+    Bytes high, low = {0, 0xFF, 3, 4, 'L', 'e', 'a', 'd'};
+    for (int i = 0; i < 10; ++i) {
+        high.insert(high.end(), {0, 0x90, static_cast<std::uint8_t>(80 + i), 100, 96,
+                                 static_cast<std::uint8_t>(80 + i), 0});
+        low.insert(low.end(), {0, 0x91, static_cast<std::uint8_t>(60 + i), 100, 96,
+                               static_cast<std::uint8_t>(60 + i), 0});
+    }
+    AddTrack(bytes, high);
+    AddTrack(bytes, low);
+    auto voices = VoicesOf(Read(bytes));
+    ASSERT_EQ(voices.size(), 2u);
+    EXPECT_EQ(voices[1].name, "Lead");
+    // Both go by steps, alone in their voice and all the time; the upper one is on top, the lower one has the
+    // name.
+    EXPECT_NEAR(voices[0].points, 20.0 + 25.0 + 20.0 + 15.0 * 10.0 / 12.0 + 20.0, 1e-6);
+    EXPECT_NEAR(voices[1].points, 25.0 + 20.0 + 15.0 * 10.0 / 12.0 + 20.0 + 30.0, 1e-6);
+}
+
+/// The points of one voice of ten notes, some half tones up and down in turns, a name in front.
+double PointsOfName(std::string_view name, int interval = 2, std::uint8_t ticks = 48) {
+    Bytes events = {0, 0xFF, 3, static_cast<std::uint8_t>(name.size())};
+    events.insert(events.end(), name.begin(), name.end());
+    for (int i = 0; i < 10; ++i) {
+        const auto key = static_cast<std::uint8_t>(60 + i % 2 * interval);
+        events.insert(events.end(), {0, 0x90, key, 100, ticks, key, 0});
+    }
+    return VoicesOf(Read(OneTrack(events))).front().points;
+}
+
+TEST(MidiVoices, NamesAreReadByWholeWords) {
+    const double plain = PointsOfName("x");
+    for (const char* name :
+         {"Lead 1", "LeadVocals", "main melody", "Melodie", "Singstimme", "SOLO", "voice-2", "Vocals",
+          "Sing along", "Singers", "Gesangsstimme", "Canto", "Tune", "Theme"})
+        EXPECT_NEAR(PointsOfName(name), plain + 30.0, 1e-6) << name;
+    for (const char* name :
+         {"Bass", "Bassline", "Contrabass", "E-Bass (finger)", "Drums", "percussion", "Accompaniment",
+          "a chord", "Piano chords", "Rhythm", "Harmony", "backing 2", "Pad", "Pads"})
+        EXPECT_NEAR(PointsOfName(name), plain - 30.0, 1e-6) << name;
+    for (const char* name : {"Paddy Whack", "Harpsichord", "Bassoon", "Fortune", "Single coil", "Resolution"})
+        EXPECT_NEAR(PointsOfName(name), plain, 1e-6) << name;
+}
+
+TEST(MidiVoices, FewerThanEightNotesHaveHalfThePoints) {
+    const auto points = [](int notes) {
+        Bytes events;
+        for (int i = 0; i < notes; ++i) {
+            const auto key = static_cast<std::uint8_t>(60 + i % 2 * 2);
+            events.insert(events.end(), {0, 0x90, key, 100, 48, key, 0});
+        }
+        return VoicesOf(Read(OneTrack(events))).front().points;
+    };
+    EXPECT_NEAR(points(8), 2.0 * points(7), 1e-9);
+    EXPECT_NEAR(points(9), points(8), 1e-9);
+}
+
+TEST(MidiVoices, ABassByItsFirstProgramLosesPoints) {
+    const auto points = [](std::uint8_t program) {
+        Bytes events = {0, 0xC0, program, 0, 0xC0, 33, 0, 0xB0, 7, 33};
+        for (int i = 0; i < 10; ++i)
+            events.insert(events.end(), {0, 0x90, 60, 100, 48, 60, 0});
+        return VoicesOf(Read(OneTrack(events))).front().points;
+    };
+    for (const auto& [program, less] : {std::pair{31, 0.0}, {32, 30.0}, {39, 30.0}, {40, 0.0}})
+        EXPECT_NEAR(points(static_cast<std::uint8_t>(program)), points(0) - less, 1e-6) << program;
+}
+
+TEST(MidiVoices, StepsGivePointsAndLeapsAndHeldNotesTakeThem) {
+    const double steps = PointsOfName("x");
+    EXPECT_NEAR(PointsOfName("x", 0), steps - 20.0 - 15.0 / 12.0,
+                1e-6); // one note again and again, one pitch less
+    EXPECT_NEAR(PointsOfName("x", 4), steps, 1e-6);
+    EXPECT_NEAR(PointsOfName("x", 5), steps - 20.0 - 20.0 / 3.0, 1e-6);
+    EXPECT_NEAR(PointsOfName("x", 12), steps - 20.0 - 20.0, 1e-6);
+    EXPECT_NEAR(PointsOfName("x", 2, 96), steps, 1e-6);
+    Bytes events = {0,    0xFF, 0x51, 3,
+                    0x13, 0x12, 0xD0}; // 1.25 s a quarter note, a quarter of a second too many
+    for (int i = 0; i < 10; ++i) {
+        const auto key = static_cast<std::uint8_t>(60 + i % 2 * 2);
+        events.insert(events.end(), {0, 0x90, key, 100, 96, key, 0});
+    }
+    EXPECT_NEAR(VoicesOf(Read(OneTrack(events))).front().points, steps - 25.0 * 0.25, 1e-6);
+}
+
+TEST(MidiVoices, TwoThatShareTheHighestNoteBothLieHighest) {
+    Bytes bytes = Header(1, 2, 96);
+    for (int track = 0; track < 2; ++track) {
+        Bytes events;
+        for (int i = 0; i < 10; ++i) {
+            const auto key = static_cast<std::uint8_t>(60 + i);
+            events.insert(events.end(), {0, 0x90, key, 100, 96, key, 0});
+        }
+        AddTrack(bytes, events);
+    }
+    const auto voices = VoicesOf(Read(bytes));
+    EXPECT_NEAR(voices[0].points, voices[1].points, 1e-9);
+    EXPECT_EQ(MelodyOf(voices, -1, -1), 0);
+}
+
+} // namespace
+} // namespace tonex
