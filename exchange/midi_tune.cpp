@@ -238,6 +238,7 @@ void TakeTempo(const LineWriter& writer, double from, double to) {
         if (ticks > 0.0)
             lasts[std::llround(60000.0 / (of_tick * writer.ticks_of_quarter))] += ticks * of_tick;
     }
+    if (lasts.empty()) return;
     const auto longest = std::max_element(lasts.begin(), lasts.end(),
                                           [](const auto& a, const auto& b) { return a.second < b.second; });
     Tune& tune = writer.tune;
