@@ -280,8 +280,8 @@ struct Place {
 std::string NameIn(std::string_view text) {
     std::string name;
     for (const char letter : text) {
-        if (name.size() >= kMostTextName) break;
-        if (static_cast<unsigned char>(letter) >= ' ' && letter != 127) name += letter;
+        const bool kept = static_cast<unsigned char>(letter) >= ' ' && letter != 127;
+        if (kept && name.size() < kMostTextName) name += letter;
     }
     const std::size_t first = name.find_first_not_of(' ');
     return first == std::string::npos ? "" : name.substr(first, name.find_last_not_of(' ') - first + 1);

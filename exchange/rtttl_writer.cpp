@@ -20,7 +20,7 @@ constexpr int kOctaves = 4; ///< 4 to 7
 constexpr int kHighestPitch = kLowestKey + kOctaves * kOctave - 1;
 /// Lengths in the text by those of the melody; the first wins where all do as well. With one and a half, a
 /// triplet eighth becomes a plain one.
-constexpr std::array<double, 5> kScales = {1.0, 1.5, 0.75, 2.0, 0.5};
+constexpr std::array kScales = {1.0, 1.5, 0.75, 2.0, 0.5};
 
 /// A length that the format has.
 struct TextLength {
@@ -106,7 +106,7 @@ std::vector<double> SecondsOf(const std::vector<TextItem>& items, std::size_t in
     return seconds;
 }
 
-/// The value that most items have; `usual` when there are none.
+/// The value that most items have, of several the first to have come so often; `usual` when there are none.
 template <class Of> int MostFrequent(const std::vector<TextItem>& items, int usual, Of of) {
     std::array<int, 40> counts{};
     int best = usual;
@@ -124,7 +124,7 @@ int OctaveOf(int pitch) {
 
 /// The octave that is left out: where most dotted notes lie, as some readers overlook a dot behind an octave.
 int OctaveToLeaveOut(const std::vector<TextItem>& items) {
-    const int most = MostFrequent(items, kLowestOctave + 1, [](const TextItem& item) {
+    const int most = MostFrequent(items, kLowestOctave, [](const TextItem& item) {
         return item.pitch == 0 ? -1 : OctaveOf(item.pitch);
     });
     return MostFrequent(items, most, [](const TextItem& item) {
@@ -167,21 +167,6 @@ std::string WholeText(const std::vector<TextItem>& items, std::string_view name,
         first = false;
     }
     return text + "\n";
-}
-
-/// Half tones that bring a range into the text's octaves; false when it is wider.
-bool ShiftToOctaves(std::pair<int, int> range, int& half_tones) {
-    if (range.second - range.first > kHighestPitch - kLowestKey) return false;
-    for (const int step : {kOctave, 1}) {
-        for (int size = 0; size <= 20 * kOctave; size += step) {
-            for (const int shift : {-size, size}) {
-                if (range.first + shift < kLowestKey || range.second + shift > kHighestPitch) continue;
-                half_tones = shift;
-                return true;
-            }
-        }
-    }
-    return false;
 }
 
 /// A scale and a tempo, and how far that is from what the file plays.
@@ -258,7 +243,7 @@ RtttlText WriteRtttl(const Melody& melody, const std::vector<double>& played, do
     Tune tune = TuneOfMelody(melody);
     result.reason = ReasonAgainst(melody);
     if (!result.reason.empty()) return result;
-    if (!ShiftToOctaves(RangeOf(tune), result.half_tones)) {
+    if (!HalfTonesInto(RangeOf(tune), {kLowestKey, kHighestPitch}, true, result.half_tones)) {
         result.reason = "the melody is wider than the four octaves that a ring tone has";
         return result;
     }

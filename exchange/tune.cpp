@@ -3,7 +3,6 @@
 #include "score/codes.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace tonex {
 
@@ -11,16 +10,13 @@ namespace {
 
 constexpr double kNothing = 1e-9; ///< seconds; shorter is rounding
 
-/// The half tones of least size, whole octaves or any, that keep a range on the piano.
-bool LeastShift(std::pair<int, int> range, int step, int& half_tones) {
-    for (int size = 0; size <= 10 * kOctave; size += step) {
-        for (const int shift : {size, -size}) {
-            if (range.first + shift < kLowestKey || range.second + shift > kHighestKey) continue;
-            half_tones = shift;
-            return true;
-        }
-    }
-    return false;
+/// The least half tones, whole steps, that bring a range into a room.
+bool LeastShift(std::pair<int, int> range, std::pair<int, int> room, int step, int& half_tones) {
+    const auto whole_steps = [step](int missing) { return (std::max(missing, 0) + step - 1) / step * step; };
+    const int shift = whole_steps(room.first - range.first) - whole_steps(range.second - room.second);
+    if (range.first + shift < room.first || range.second + shift > room.second) return false;
+    half_tones = shift;
+    return true;
 }
 
 } // namespace
@@ -80,9 +76,14 @@ void TransposeTune(Tune& tune, int half_tones) {
     }
 }
 
+bool HalfTonesInto(std::pair<int, int> range, std::pair<int, int> room, bool whole_octaves_first,
+                   int& half_tones) {
+    if (whole_octaves_first && LeastShift(range, room, kOctave, half_tones)) return true;
+    return LeastShift(range, room, 1, half_tones);
+}
+
 bool HalfTonesToPiano(std::pair<int, int> range, bool whole_octaves_first, int& half_tones) {
-    if (whole_octaves_first && LeastShift(range, kOctave, half_tones)) return true;
-    return LeastShift(range, 1, half_tones);
+    return HalfTonesInto(range, {kLowestKey, kHighestKey}, whole_octaves_first, half_tones);
 }
 
 void SpeedUp(Tune& tune, double speed) {

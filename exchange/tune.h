@@ -59,8 +59,11 @@ std::pair<int, int> RangeOf(const Tune& tune);
 /// Moves all notes by half tones.
 void TransposeTune(Tune& tune, int half_tones);
 
-/// Half tones that bring a range onto the piano: 0 when it is there, else whole octaves when they do, else
-/// the fewest half tones. False when it is wider than the piano.
+/// Half tones that bring a range of pitches into a room of others: 0 when it is there, else whole octaves
+/// when they do, else the fewest half tones. False when it is wider than the room.
+bool HalfTonesInto(std::pair<int, int> range, std::pair<int, int> room, bool whole_octaves_first,
+                   int& half_tones);
+/// The same onto the piano.
 bool HalfTonesToPiano(std::pair<int, int> range, bool whole_octaves_first, int& half_tones);
 
 /// Plays it `speed` times as fast.

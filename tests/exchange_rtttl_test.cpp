@@ -372,6 +372,15 @@ RtttlText Written(std::string_view text, std::string_view name = "x") {
     return WrittenFrom(MelodyFrom(text), name);
 }
 
+/// Of a melody whose file plays exactly what is written, at `true_tempo`.
+RtttlText WrittenAsMeant(int tempo, double true_tempo, std::string_view entries) {
+    Melody melody = MelodyFrom("tempo 120\n" + std::string(entries));
+    melody.tempo = static_cast<std::int16_t>(tempo);
+    Tune tune = TuneOfMelody(melody);
+    SpeedUp(tune, true_tempo / tempo);
+    return WriteRtttl(melody, SecondsMeant(tune), true_tempo, "x");
+}
+
 TEST(RtttlWriter, WritesTheControlsInOrderAndALineEnd) {
     EXPECT_EQ(Written("tempo 120\nc5 1/8\nd5# 1/8\nb5 1/4\nc6 1/8.\nr 1/8\n", "My tune: a,b").text,
               "Mytuneab:d=8,o=6,b=120:c5,d#5,4b5,c.,p\n");
@@ -394,6 +403,85 @@ TEST(RtttlWriter, ADoubleDotBecomesADotAndARest) {
     EXPECT_EQ(made.text, "x:d=4,o=5,b=120:c.,16p,d\n");
     EXPECT_EQ(made.remarks.size(), 1u);
     EXPECT_EQ(Written("tempo 120\nc5 1/8..\nd5 1/8\n").text, "x:d=8,o=5,b=120:c.,32p,d\n");
+}
+
+TEST(RtttlWriter, HasPlainAndDottedLengthsAndPutsRestsBehindTheOthers) {
+    const RtttlText plain = WrittenAsMeant(
+        120, 120,
+        "c5 1/1.\nc5 1/1\nc5 1/2.\nc5 1/2\nc5 1/4.\nc5 1/4\nc5 1/8.\nc5 1/8\nc5 1/16.\nc5 1/16\n"
+        "c5 1/32\nr 1/1.\nr 1/32\n");
+    EXPECT_EQ(plain.text, "x:d=1,o=5,b=120:c.,c,2c.,2c,4c.,4c,8c.,8c,16c.,16c,32c,p.,32p\n");
+    EXPECT_EQ(plain.remarks, Remarks{});
+    const RtttlText dotted =
+        WrittenAsMeant(120, 120, "c5 1/1..\nd5 1/2..\ne5 1/4..\nf5 1/8..\nr 1/1..\ng5 1/1\n");
+    EXPECT_EQ(dotted.text, "x:d=4,o=5,b=120:1c.,p,2d.,8p,e.,16p,8f.,32p,1p.,p,1g\n");
+    EXPECT_EQ(dotted.remarks, (Remarks{{"added a rest to a length that the format does not have", 5}}));
+}
+
+TEST(RtttlWriter, PutsAtMostTwoRestsBehindANote) {
+    // One and a half times as long: 1.3125, 10.5, 5.25, 2.625 and 0.1875 quarter notes. The first is a 16th
+    // too long; so the second has 10.4375, of which three lengths hold 10.375.
+    const RtttlText made =
+        WrittenAsMeant(80, 80, "c5 1/8t\nd5 1/8..\nc5 1/1..\nd5 1/2..\ne5 1/4..\nf5 1/32\ng5 1/4t\n");
+    EXPECT_EQ(made.text, "x:d=1,o=5,b=120:8c,4d,16p,32p,c.,p,16p.,d,4p,16p,2e,8p,32p.,32f.,4g\n");
+    EXPECT_EQ(made.remarks, (Remarks{{"added a rest to a length that the format does not have", 8}}));
+}
+
+TEST(RtttlWriter, WhatIsRoundedIsMadeUpForUntilALengthIsHeld) {
+    // Too long by 2, too short by 2 and by 1, too long by 1, parts of 48 of a quarter note.
+    EXPECT_EQ(WrittenAsMeant(640, 640, "c5 1/8t\nd5 1/8t\ne5 1/16t\nf5 1/32t\ng5 1/1\n").text,
+              "x:d=32,o=5,b=640:16c,p,16d,e.,f,1g\n");
+}
+
+TEST(RtttlWriter, SecondsAreThoseOfItsText) {
+    const RtttlText made = WrittenAsMeant(120, 120, "|\nr 1/4\n|\nc5 1/4..\n|\nr 1/8\nd5 1/2\n");
+    EXPECT_EQ(made.text, "x:d=4,o=5,b=120:p,c.,16p,8p,2d\n");
+    EXPECT_EQ(made.seconds, (std::vector<double>{0.5, 1.125, 1.0}));
+    EXPECT_EQ(made.remarks, (Remarks{{"left out a separator, which the format does not have", 3},
+                                     {"added a rest to a length that the format does not have", 1}}));
+}
+
+TEST(RtttlWriter, OfLengthsAndOctavesAsFrequentTheFirstIsLeftOut) {
+    EXPECT_EQ(Written("tempo 120\nc5 1/8\nc6 1/4\n").text, "x:d=8,o=5,b=120:c,4c6\n");
+    EXPECT_EQ(Written("tempo 120\nc4 1/8.\nc7 1/4.\n").text, "x:d=8,o=4,b=120:c.,4c7.\n");
+}
+
+TEST(RtttlWriter, TakesTheScaleThatHoldsTheLengths) {
+    struct Case {
+        int tempo;
+        std::string_view entries, text;
+        double scale;
+    };
+    for (const Case& wanted : std::initializer_list<Case>{
+             {120, "c5 1/4t\nd5 1/8t\n", "x:d=4,o=5,b=180:c,8d\n", 1.5},
+             // 900 beats are the most, so three quarters of the lengths take the place of one and a half.
+             {640, "c5 1/8t\nd5 1/4\n", "x:d=16,o=5,b=480:c,8d.\n", 0.75},
+             // 7 parts of 16 of a quarter note, twice as long, are a dotted eighth and a rest.
+             {120, "c5 1/16..\nd5 1/4\n", "x:d=8,o=5,b=240:c.,32p,2d\n", 2.0},
+             // A third of a quarter note becomes three eighths; the tempo makes up for it.
+             {640, "c5 1/8t\n", "x:d=16,o=5,b=720:c,32p\n", 1.0}}) {
+        const RtttlText made = WrittenAsMeant(wanted.tempo, wanted.tempo, wanted.entries);
+        EXPECT_EQ(made.text, wanted.text);
+        EXPECT_EQ(made.scale, wanted.scale);
+    }
+}
+
+TEST(RtttlWriter, KeepsTheScaleUntilTheRoundingIsHeard) {
+    // Of two thirds of a quarter note a 24th is lost; the more quarter notes, the less that weighs.
+    const auto scale_of = [](int quarters) {
+        std::string entries = "c5 1/4t\n";
+        for (int i = 0; i < quarters; ++i)
+            entries += "c5 1/4\n";
+        return WrittenAsMeant(120, 120, entries).scale;
+    };
+    EXPECT_EQ(scale_of(4), 1.5); // J 1.05
+    EXPECT_EQ(scale_of(5), 1.0); // J 0.97
+}
+
+TEST(RtttlWriter, LengthsThatTheTextHasStayHoweverTheyArePlayed) {
+    const Melody melody = MelodyFrom("tempo 120\nc5 1/4\n|\nc5 1/4\n");
+    EXPECT_EQ(WriteRtttl(melody, {1.0, 0.5}, 120.0, "x").text, "x:d=4,o=5,b=120:c,c\n");
+    EXPECT_EQ(WriteRtttl(melody, {1.0, 0.5}, 100.0, "x").text, "x:d=4,o=5,b=100:c,c\n");
 }
 
 TEST(RtttlWriter, WhatOneLengthCanNotHoldTheNextMakesUpFor) {
@@ -453,8 +541,27 @@ TEST(RtttlWriter, MovesTheWholeMelodyIntoItsOctaves) {
     const RtttlText made = Written("tempo 120\nc8 1/4\nb7 1/4\n");
     EXPECT_EQ(made.half_tones, -12);
     EXPECT_EQ(made.text, "x:d=4,o=7,b=120:c,b6\n");
-    EXPECT_EQ(Written("tempo 120\nc4 1/4\nc8 1/4\n").reason,
-              "the melody is wider than the four octaves that a ring tone has");
+    const auto half_tones_of = [](int lowest, int highest) {
+        Melody melody = MelodyFrom("tempo 120\nc5 1/4\nc5 1/4\n");
+        melody.list[0].pitch = static_cast<std::uint16_t>(lowest - 1);
+        melody.list[1].pitch = static_cast<std::uint16_t>(highest - 1);
+        const RtttlText moved = WriteRtttl(melody, {0.5, 0.5}, 120.0, "x");
+        return moved.reason.empty() ? std::to_string(moved.half_tones) : moved.reason;
+    };
+    const std::string too_wide = "the melody is wider than the four octaves that a ring tone has";
+    EXPECT_EQ(half_tones_of(27, 74), "0");
+    EXPECT_EQ(half_tones_of(28, 75), "-1");
+    EXPECT_EQ(half_tones_of(29, 75), "-1");
+    EXPECT_EQ(half_tones_of(26, 73), "1");
+    EXPECT_EQ(half_tones_of(26, 72), "1");
+    EXPECT_EQ(half_tones_of(26, 62), "12");
+    EXPECT_EQ(half_tones_of(26, 63), "1");
+    EXPECT_EQ(half_tones_of(39, 75), "-12");
+    EXPECT_EQ(half_tones_of(38, 75), "-1");
+    EXPECT_EQ(half_tones_of(1, 1), "36");
+    EXPECT_EQ(half_tones_of(256, 256), "-192");
+    EXPECT_EQ(half_tones_of(27, 75), too_wide);
+    EXPECT_EQ(half_tones_of(26, 74), too_wide);
 }
 
 TEST(RtttlWriter, RefusesWhatTheFormatDoesNotHave) {
