@@ -3,7 +3,9 @@
 #include "score/rows.h"
 #include "tests/midi_files.h"
 
+#include <array>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace tonex {
 namespace {
@@ -101,6 +103,93 @@ TEST(MidiVoices, FormatZeroIsSplitByChannelAndDrumsAreLeftOut) {
         EXPECT_EQ(At(voices, i).points, At(alone, i).points) << "drums hide no voice";
 }
 
+/// The only voice of notes by start, end and key.
+MidiVoice VoiceOf(double seconds_of_tick, const std::vector<std::array<int, 3>>& notes) {
+    MidiFile file;
+    file.seconds_of_tick = seconds_of_tick;
+    for (const auto& [start, end, key] : notes)
+        file.notes.push_back({start, end, 0, 0, key, file.notes.size()});
+    return VoicesOf(file).front();
+}
+
+TEST(MidiVoices, OverlapIsWhatLastsLongerThanAMoment) {
+    EXPECT_EQ(VoiceOf(kMidiMoment, {{0, 1, 60}, {0, 1, 64}}).overlapping, 0);
+    EXPECT_EQ(VoiceOf(kMidiMoment, {{0, 2, 60}, {1, 3, 64}}).overlapping, 0);
+    EXPECT_EQ(VoiceOf(kMidiMoment, {{0, 3, 60}, {1, 3, 64}}).overlapping, 1);
+    // Both lie in the first.
+    const MidiVoice held = VoiceOf(1.0, {{5, 15, 64}, {7, 8, 60}, {10, 11, 72}});
+    EXPECT_EQ(held.overlapping, 2);
+    EXPECT_EQ(held.seconds, 10.0);
+    EXPECT_EQ(held.lowest, 27);
+    EXPECT_EQ(held.highest, 39);
+}
+
+TEST(MidiVoices, MotionGoesFromOnsetToOnsetByTheHighestNotes) {
+    const auto motion = [](double seconds_of_tick, const std::vector<std::array<int, 3>>& notes) {
+        const MidiVoice voice = VoiceOf(seconds_of_tick, notes);
+        return std::array{voice.steps, voice.mean_interval, voice.usual_gap};
+    };
+    using Three = std::array<double, 3>;
+    EXPECT_EQ(motion(1.0, {{0, 1, 60}}), (Three{0.0, 0.0, 0.0}));
+    EXPECT_EQ(motion(1.0, {{0, 1, 60}, {1, 2, 62}}), (Three{1.0, 2.0, 1.0}));
+    EXPECT_EQ(motion(1.0, {{0, 1, 60}, {3, 4, 61}, {4, 5, 65}, {6, 7, 65}}),
+              (Three{2.0 / 3.0, 5.0 / 3.0, 2.0}));
+    EXPECT_EQ(motion(1.0, {{0, 1, 60}, {2, 3, 65}, {3, 4, 60}}), (Three{0.0, 5.0, 2.0}));
+    // A chord is one onset from its first note on, up to a moment.
+    EXPECT_EQ(motion(0.02, {{0, 50, 64}, {1, 50, 60}, {50, 60, 67}}), (Three{1.0, 3.0, 1.0}));
+    EXPECT_EQ(motion(0.02, {{0, 50, 60}, {1, 50, 64}, {50, 60, 67}}), (Three{1.0, 3.0, 1.0}));
+    EXPECT_EQ(motion(kMidiMoment, {{0, 9, 60}, {1, 9, 72}}), (Three{0.0, 12.0, kMidiMoment}));
+}
+
+TEST(MidiVoices, PointsAreForWhatLiesHighestSoundsAndMovesAndLabelsAreTheFirst) {
+    MidiFile file;
+    file.format = 1;
+    file.ticks_of_quarter = 96;
+    // Eight notes at MIDI's upper end for half a second each, one of no length and drums beside them; eight
+    // at the lower end, the first in the middle of those, each half as long again as the way to the next.
+    for (int i = 0; i < 8; ++i) {
+        const int start = 96 * i;
+        if (i == 1) file.notes.push_back({start, start, 0, 0, 125, 0});
+        file.notes.push_back({start, start + 96, 0, 0, 127 - i % 2, 0});
+        file.notes.push_back({start, start + 2000, 0, kMidiDrums, 127, 0});
+    }
+    for (int i = 0; i < 8; ++i)
+        file.notes.push_back({384 + 96 * i, 384 + 96 * i + 144, 1, 0, i % 2, 0});
+    file.texts = {{0, 0, kMidiText, "Lead", 0},
+                  {0, 0, kMidiTrackName, "", 0},
+                  {0, 0, kMidiTrackName, "Flute", 0},
+                  {0, 0, kMidiTrackName, "Bass", 0}};
+    file.programs = {{1, 0, 5}, {1, 0, 33}, {0, 1, 33}};
+    const auto voices = VoicesOf(file);
+    ASSERT_EQ(voices.size(), 3u);
+    const MidiVoice& high = voices[0];
+    const MidiVoice& low = voices[2];
+    EXPECT_EQ(high.name, "Flute");
+    EXPECT_EQ(high.program, -1);
+    EXPECT_EQ(low.name, "");
+    EXPECT_EQ(low.program, 5);
+    EXPECT_EQ(low.track, 1);
+    EXPECT_EQ(low.channel, 0);
+    EXPECT_EQ(low.overlapping, 7);
+    // Of 1,200 ticks the high one sounds for 768 and is always highest, the low one for 816 and 432 alone.
+    EXPECT_NEAR(high.points, 20.0 * 0.64 + 25.0 + 20.0 * 0.64 + 15.0 * 3.0 / 12.0 + 20.0, 1e-9);
+    EXPECT_NEAR(low.points, 20.0 * 0.36 + 25.0 / 8.0 + 20.0 * 0.68 + 15.0 * 2.0 / 12.0 + 20.0, 1e-9);
+    EXPECT_EQ(voices[1].points, 0.0);
+    EXPECT_EQ(MelodyOf(voices, -1, -1), 0);
+    EXPECT_EQ(MelodyOf(voices, 1, -1), 2);
+    EXPECT_EQ(MelodyOf(voices, 1, 0), 2);
+    auto turned = voices;
+    std::swap(turned[0], turned[2]);
+    EXPECT_EQ(MelodyOf(turned, 0, -1), 2);
+    EXPECT_EQ(MelodyOf(turned, 1, -1), 0);
+    turned[2].channel = 1;
+    EXPECT_EQ(MelodyOf(turned, -1, 0), 0);
+}
+
+TEST(MidiVoices, WhereNothingSoundsThereAreNoPoints) {
+    EXPECT_EQ(VoiceOf(1.0, {{3, 3, 60}}).points, 0.0);
+}
+
 TEST(MidiVoices, InFormatTwoATrackGoesByItsOwnTempos) {
     Bytes bytes = Header(2, 2, 96);
     AddTrack(bytes, {0, 0xFF, 0x51, 3, 0x0F, 0x42, 0x40, 0, 0x90, 60, 100, 96, 60, 0});
@@ -152,7 +241,8 @@ TEST(MidiVoices, NamesAreReadByWholeWords) {
          {"Bass", "Bassline", "Contrabass", "E-Bass (finger)", "Drums", "percussion", "Accompaniment",
           "a chord", "Piano chords", "Rhythm", "Harmony", "backing 2", "Pad", "Pads"})
         EXPECT_NEAR(PointsOfName(name), plain - 30.0, 1e-6) << name;
-    for (const char* name : {"Paddy Whack", "Harpsichord", "Bassoon", "Fortune", "Single coil", "Resolution"})
+    for (const char* name : {"Paddy Whack", "Harpsichord", "Bassoon", "Fortune", "Single coil", "Resolution",
+                             "Jazzsolo", "Voicing", "Bass solo"})
         EXPECT_NEAR(PointsOfName(name), plain, 1e-6) << name;
 }
 
