@@ -1,6 +1,7 @@
 #include "exchange/midi_clock.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace tonex {
 
@@ -23,6 +24,14 @@ double SecondsAt(const MidiClock& clock, double tick) {
                          [](double at, const MidiClock::Stretch& other) { return at < other.tick; });
     if (stretch != clock.stretches.begin()) --stretch;
     return stretch->seconds + (tick - stretch->tick) * stretch->seconds_of_tick;
+}
+
+double TickAt(const MidiClock& clock, double seconds) {
+    const auto behind =
+        std::upper_bound(clock.stretches.begin(), clock.stretches.end(), seconds,
+                         [](double at, const MidiClock::Stretch& other) { return at < other.seconds; });
+    const MidiClock::Stretch& stretch = *std::prev(behind);
+    return stretch.tick + (seconds - stretch.seconds) / stretch.seconds_of_tick;
 }
 
 } // namespace tonex

@@ -23,4 +23,7 @@ MidiClock ClockOf(const MidiFile& file, int track);
 /// Seconds from the file's begin to a tick.
 double SecondsAt(const MidiClock& clock, double tick);
 
+/// The tick, or the part of one, that is reached so many seconds, 0 or more, behind the file's begin.
+double TickAt(const MidiClock& clock, double seconds);
+
 } // namespace tonex

@@ -34,8 +34,7 @@ std::vector<Sound> SoundsOf(const MidiClock& clock, const MidiVoice& voice, doub
             continue;
         }
         if (sound.end_seconds > to) {
-            const double part = (to - sound.start_seconds) / (sound.end_seconds - sound.start_seconds);
-            sound.end = sound.start + part * (sound.end - sound.start);
+            sound.end = TickAt(clock, to);
             sound.end_seconds = to;
         }
         sounds.push_back(sound);

@@ -249,7 +249,7 @@ Bytes Riff(std::size_t other, std::size_t length, const Bytes& data) {
             riff.push_back(static_cast<std::uint8_t>(number >> (8 * i)));
     };
     add(other);
-    riff.insert(riff.end(), other, 0);
+    riff.insert(riff.end(), other, 0xFF);
     riff.insert(riff.end(), {'d', 'a', 't', 'a'});
     add(length);
     riff.insert(riff.end(), data.begin(), data.end());
@@ -273,6 +273,7 @@ TEST(MidiReader, ARiffWrappersChunksAreAsLongAsTheySay) {
     other[16] = 8; // the other chunk has all there is
     EXPECT_EQ(FaultOf(other).reason, "the RIFF file has no data chunk");
     EXPECT_EQ(FaultOf(other).offset, 12u);
+    other[16] = 0;
     other[19] = 0xFF;
     EXPECT_EQ(FaultOf(other).offset, 12u);
     EXPECT_EQ(FaultOf({'R', 'I', 'F', 'F'}).offset, 4u);
@@ -311,6 +312,8 @@ TEST(MidiReader, RefusesWithTheOffset) {
         AddTrack(bytes, note);
         return bytes;
     };
+    Bytes longer_header = Header(0, 1, 96); // than the file
+    longer_header[7] = 7;
     Bytes two_tracks = Header(1, 2, 96);
     AddTrack(two_tracks, {0, 0x90, 60}, {});
     AddTrack(two_tracks, note);
@@ -319,6 +322,7 @@ TEST(MidiReader, RefusesWithTheOffset) {
         {{'M', 'T', 'h', 'd'}, 4, "an event goes on beyond the end of its track"},
         {header(0), 4, "the header's length is 0"},
         {header(5), 4, "the header's length is 5"},
+        {longer_header, 4, "the header's length is 7"},
         {header(0xFFFFFFFF), 4, "the header's length is 4294967295"},
         {with(3, 96), 8, "the format is 3, not 0 to 2"},
         {with(3, 0), 8, "the format is 3, not 0 to 2"}, // of two faults the first

@@ -66,15 +66,17 @@ TEST(MidiTune, OfAChordTheHighestAndALowerNoteUnderAHeldOneIsLeftOut) {
 
 TEST(MidiTune, OnsetsAreAChordWithinAMomentAndWithinHalfOfEitherNote) {
     constexpr double tick = 1.0 / 128.0; // seconds, the 64th part of a quarter note; a moment is 3.84
-    const auto items = [](int first_end, int next, int next_end) {
-        return ItemsOf(OfSeconds(tick, {{0, first_end, 60}, {next, next_end, 64}}));
-    };
-    EXPECT_EQ(items(20, 3, 20), "e4 0.3125");
-    EXPECT_EQ(items(20, 4, 20), "c4 0.0625, e4 0.25");
-    EXPECT_EQ(items(7, 3, 20), "e4 0.3125");
-    EXPECT_EQ(items(6, 3, 20), "c4 0.04688, e4 0.2656");
-    EXPECT_EQ(items(20, 3, 10), "e4 0.1562");
-    EXPECT_EQ(items(20, 3, 9), "c4 0.04688, e4 0.09375");
+    for (const int at : {0, 640}) {
+        const auto items = [&](int first_end, int next, int next_end) {
+            return ItemsOf(OfSeconds(tick, {{at, at + first_end, 60}, {at + next, at + next_end, 64}}));
+        };
+        EXPECT_EQ(items(20, 3, 20), "e4 0.3125");
+        EXPECT_EQ(items(20, 4, 20), "c4 0.0625, e4 0.25");
+        EXPECT_EQ(items(7, 3, 20), "e4 0.3125");
+        EXPECT_EQ(items(6, 3, 20), "c4 0.04688, e4 0.2656");
+        EXPECT_EQ(items(20, 3, 10), "e4 0.1562");
+        EXPECT_EQ(items(20, 3, 9), "c4 0.04688, e4 0.09375");
+    }
     EXPECT_EQ(ItemsOf(OfSeconds(kMidiMoment, {{0, 10, 60}, {1, 10, 64}})), "c4 0.06, e4 0.54");
 }
 
@@ -128,6 +130,10 @@ TEST(MidiTune, WritesPlacesLengthsAndRests) {
                              "g5 0.04167, r 0.04167, a5 0.5");
     EXPECT_EQ(RemarksOf(tune.remarks), "");
     EXPECT_NEAR(LengthOf(tune), 3.5, 1e-9);
+    for (const TuneItem& item : tune.items)
+        EXPECT_EQ(item.pitch == 0, item.kind == TuneKind::Rest);
+    // Where ticks are long, half of one is near a place.
+    EXPECT_EQ(ItemsOf(OfNotes(10, {{0, 3, 60}, {3, 10, 62}})), "c4 0.3333, d4 0.6667");
 }
 
 TEST(MidiTune, NineOnsetsOfTenMakeAGrid) {
@@ -236,6 +242,7 @@ std::string LastOf(int ticks_of_quarter, const std::vector<std::array<int, 3>>& 
 TEST(MidiTune, TheLastNoteEndsAtAQuarterOrAThirdOfAQuarterNoteIfOneIsNear) {
     for (const auto& [ticks, length] : {std::pair{16, "c4 0.1667"}, // 0.25 is 0.09 away
                                         {17, "c4 0.25"},
+                                        {60, "c4 0.6667"}, // not 0.625, which is nearer
                                         {65, "c4 0.6667"},
                                         {74, "c4 0.75"},
                                         {425, "c4 4.25"}})
@@ -249,11 +256,14 @@ TEST(MidiTune, TheLastNoteEndsAtOnceAtHalfAQuarterNote) {
     // So is half a tick, which a part's end can come to.
     EXPECT_EQ(LastOf(10, {{0, 7, 60}, {10, 17, 60}, {20, 30, 62}}, 25.45 * 0.05), "d4 0.5");
     EXPECT_EQ(LastOf(10, {{0, 7, 60}, {10, 17, 60}, {20, 30, 62}}, 25.53 * 0.05), "d4 0.75");
+    EXPECT_EQ(LastOf(2, {{0, 2, 60}}, 0.125), "c4 0.5");
 }
 
 TEST(MidiTune, AsManyNotesSoundLongerThanUsualAsShorter) {
     EXPECT_EQ(LastOf(100, {{0, 70, 60}, {100, 190, 60}, {200, 280, 60}, {300, 360, 62}}), "d4 0.75");
     EXPECT_EQ(LastOf(100, {{0, 70, 60}, {100, 190, 60}, {200, 260, 62}}), "d4 0.6667");
+    // A note sounds to the next onset at most.
+    EXPECT_EQ(LastOf(100, {{0, 110, 60}, {100, 210, 62}, {200, 275, 64}}), "e4 0.75");
     // Notes in front of a rest tell nothing: half a quarter note ends at a place, 0.55 at none.
     EXPECT_EQ(LastOf(100, {{0, 50, 60}, {100, 145, 62}}), "d4 0.5");
     EXPECT_EQ(LastOf(100, {{0, 55, 60}, {100, 145, 62}}), "d4 0.75");
@@ -263,6 +273,8 @@ TEST(MidiTune, ALastNoteTooShortForAnyPlaceKeepsItsTime) {
     const Tune tune = Melody0(OneTrack({0, 0x90, 60, 100, 96, 60, 0, 0, 62, 100, 1, 62, 0}));
     ASSERT_EQ(tune.items.size(), 2u);
     EXPECT_NEAR(tune.items[1].seconds, 0.5 / 96.0, 1e-9);
+    // From the 40th tick to the place at the 48th there is room.
+    EXPECT_NEAR(OfNotes(96, {{0, 40, 60}, {40, 47, 62}}).items[1].seconds, 0.5 * 8.0 / 96.0, 1e-9);
 }
 
 TEST(MidiTune, SecondsAreThoseOfTheFileAndNotOfThePlacesWhereNotesAreWritten) {
@@ -341,6 +353,21 @@ TEST(MidiTune, TheTempoIsTheOneThatLastsLongestInAll) {
     EXPECT_DOUBLE_EQ(even.tempo, 90.5);
     EXPECT_FALSE(even.bends);
     EXPECT_EQ(RemarksOf(even.remarks), "");
+}
+
+TEST(MidiTune, ANoteThatIsCutWhileTheTempoChangesLastsUpToThere) {
+    // A tick lasts 5 ms, from the 96th on twice as long. The note begins at no place of a score.
+    MidiFile file;
+    file.ticks_of_quarter = 100;
+    file.tempos = {{96, 0, 1000000}};
+    MidiVoice voice;
+    voice.notes = {{5, 200, 0, 0, 60, 0}};
+    const Tune tune = TuneOfVoice(file, voice, 0.0, 0.68);
+    EXPECT_NEAR(tune.items[0].seconds, 0.68 - 0.025, 1e-9);
+    EXPECT_NEAR(tune.items[0].quarters, 1.16 - 0.05, 1e-9);
+    // However little of another tempo is heard, it is told.
+    EXPECT_TRUE(TuneOfVoice(file, voice, 0.0, 0.4805).bends);
+    EXPECT_FALSE(TuneOfVoice(file, voice, 0.0, 0.48).bends);
 }
 
 TEST(MidiTune, TemposWithinAHundredthOfEachOtherAreOne) {

@@ -75,6 +75,18 @@ TEST(MidiClock, TakesTheTemposOfAllTracksByTheirTime) {
     EXPECT_DOUBLE_EQ(SecondsAt(clock, 288), 1.75);
 }
 
+TEST(MidiClock, TellsTheTickOfASecond) {
+    MidiFile file;
+    file.ticks_of_quarter = 100;
+    file.tempos = {{0, 0, 250000}, {100, 0, 1000000}, {200, 0, 1000000}, {200, 0, 500000}};
+    const MidiClock clock = ClockOf(file, 0);
+    for (const auto& [tick, seconds] :
+         {std::pair{0.0, 0.0}, {50.0, 0.125}, {100.0, 0.25}, {110.0, 0.35}, {200.0, 1.25}, {300.0, 1.75}}) {
+        EXPECT_NEAR(TickAt(clock, seconds), tick, 1e-9);
+        EXPECT_NEAR(SecondsAt(clock, tick), seconds, 1e-9);
+    }
+}
+
 TEST(MidiClock, TemposCountUnlessTicksArePartsOfASecond) {
     MidiFile file;
     file.tempos.push_back({0, 0, 1000000});
