@@ -11,69 +11,74 @@ namespace {
 
 constexpr int kReach = 3; ///< units that an onset may be off its place, either way
 constexpr int kPlaces = 2 * kReach + 1;
-constexpr int kCoinLimit = 1024;       ///< units up to which rests are made of the fewest entries
 constexpr int kFinestByte = 4;         ///< tempo bytes up to here have units that are short enough
 constexpr double kSilenceHeard = 0.25; ///< of a length: silence behind a note that is just minded
 constexpr double kLeastSilence = 0.03; ///< seconds
 constexpr double kNever = 1e18;
 /// What an entry more costs, in squares of just heard differences. The dearer ones are tried when the melody
 /// does not fit otherwise.
-constexpr std::array<double, 3> kEntryPrices = {0.5, 2.0, 8.0};
+constexpr std::array kEntryPrices = {0.5, 2.0, 8.0};
 
-/// The lengths of a timing mode in whole units.
-struct UnitTable {
-    std::vector<std::pair<int, int>> lengths; ///< units and the length code that has them, each units once
-    std::vector<int> rests_for;               ///< by units: the fewest rests; 0 for none
-    std::vector<int> last_rest;               ///< by units: index in `lengths` of one of them
+/// A length in whole units and the length code that has it.
+struct Length {
+    int units;
+    int code;
 };
 
-/// How much more a length costs in a mode than in the cheapest one, so that the writer keeps to the mode.
-int LossOf(const TimingTables& tables, int code, int mode) {
-    int least = At(At(tables.length_cost, 0), code);
-    for (int other = 1; other < kTimingModes; ++other)
-        least = std::min<int>(least, At(At(tables.length_cost, other), code));
-    return At(At(tables.length_cost, mode), code) - least;
-}
+/// The fewest rests that fill so many units, and the first of them.
+struct Rests {
+    int count{};
+    Length first{};
+};
 
+/// The lengths of a timing mode.
+struct UnitTable {
+    std::vector<Length> lengths; ///< each of its units once; the last one is the longest
+    std::vector<Rests> rests;    ///< by units, below twice the longest
+};
+
+/// Of lengths with the same units the cheapest is kept, so that the writer keeps to the mode.
 void AddLength(const TimingTables& tables, UnitTable& table, int code, int mode) {
     int toggle = 0;
     const int units = RoundUnits(At(At(tables.length_units, mode), code), toggle);
-    for (auto& [known, known_code] : table.lengths) {
-        if (known != units) continue;
-        if (LossOf(tables, code, mode) < LossOf(tables, known_code, mode)) known_code = code;
-        return;
+    const auto& costs = At(tables.length_cost, mode);
+    const auto known = std::find_if(table.lengths.begin(), table.lengths.end(),
+                                    [&](const Length& length) { return length.units == units; });
+    if (known == table.lengths.end()) {
+        table.lengths.push_back({units, code});
+    } else if (At(costs, code) < At(costs, known->code)) {
+        known->code = code;
     }
-    table.lengths.emplace_back(units, code);
+}
+
+Rests FewestRests(const UnitTable& table, int units) {
+    Rests fewest{kMaxEntries, {}};
+    for (const Length& length : table.lengths) {
+        if (length.units > units) continue;
+        const int count = At(table.rests, units - length.units).count + 1;
+        if (count < fewest.count) fewest = {count, length};
+    }
+    return fewest;
 }
 
 UnitTable UnitTableOf(const TimingTables& tables, int mode) {
     UnitTable table;
     for (int code = 0; code < kLengthCodes; ++code)
         AddLength(tables, table, code, mode);
-    table.rests_for.assign(kCoinLimit + 1, kCoinLimit);
-    table.last_rest.assign(kCoinLimit + 1, -1);
-    table.rests_for[0] = 0;
-    for (int sum = 1; sum <= kCoinLimit; ++sum) {
-        for (int i = 0; i < static_cast<int>(table.lengths.size()); ++i) {
-            const int before = sum - At(table.lengths, i).first;
-            if (before < 0 || At(table.rests_for, before) + 1 >= At(table.rests_for, sum)) continue;
-            At(table.rests_for, sum) = At(table.rests_for, before) + 1;
-            At(table.last_rest, sum) = i;
-        }
-    }
+    table.rests.emplace_back();
+    for (int units = 1; units < 2 * table.lengths.back().units; ++units)
+        table.rests.push_back(FewestRests(table, units));
     return table;
 }
 
-/// Whole longest rests in front of what the coin table knows.
-int LongestOf(const UnitTable& table) {
-    return std::max_element(table.lengths.begin(), table.lengths.end())->first;
+/// Whole longest rests behind what the table knows. From there on they are the fewest in every mode.
+int LongestRests(const UnitTable& table, int units) {
+    return std::max(0, units / table.lengths.back().units - 1);
 }
 
 int RestsFor(const UnitTable& table, int units) {
-    if (units <= kCoinLimit) return At(table.rests_for, units);
-    const int longest = LongestOf(table);
-    const int whole = (units - kCoinLimit + longest - 1) / longest;
-    return whole + At(table.rests_for, units - whole * longest);
+    const int longest = LongestRests(table, units);
+    return At(table.rests, units - longest * table.lengths.back().units).count + longest;
 }
 
 /// One interval on its way through the table: what it should be, in units, and what it may cost.
@@ -87,8 +92,8 @@ struct Step {
 
 struct Choice {
     double cost = kNever;
-    int from = -1;   ///< place of the onset before
-    int length = -1; ///< index of the note's length; -1 for rests only
+    int from{};                   ///< place of the onset before
+    const Length* note = nullptr; ///< in the table; none for rests only
 };
 
 struct Path {
@@ -99,13 +104,12 @@ struct Path {
 Choice Fill(const UnitTable& table, const Step& step, int units, double price) {
     Choice best;
     const double off = (units - step.units) / step.heard;
-    if (!step.note) return {off * off + price * RestsFor(table, units), -1, -1};
-    for (int i = 0; i < static_cast<int>(table.lengths.size()); ++i) {
-        const int note = At(table.lengths, i).first;
-        if (note > units) continue;
-        const double silent = (units - note - (step.units - step.sounding)) / step.silence;
-        const double cost = off * off + silent * silent + price * RestsFor(table, units - note);
-        if (cost < best.cost) best = {cost, -1, i};
+    if (!step.note) return {off * off + price * RestsFor(table, units)};
+    for (const Length& note : table.lengths) {
+        if (note.units > units) continue;
+        const double silent = (units - note.units - (step.units - step.sounding)) / step.silence;
+        const double cost = off * off + silent * silent + price * RestsFor(table, units - note.units);
+        if (cost < best.cost) best = {cost, {}, &note};
     }
     return best;
 }
@@ -144,7 +148,7 @@ void Advance(const UnitTable& table, const Step& step, int distance, double pric
             const int to = from + units - distance;
             if (to < 0 || to >= kPlaces) continue;
             const double cost = At(before, from).cost + filled.cost;
-            if (cost < At(next, to).cost) At(next, to) = {cost, from, filled.length};
+            if (cost < At(next, to).cost) At(next, to) = {cost, from, filled.note};
         }
     }
     path.at.push_back(next);
@@ -161,21 +165,18 @@ Path FindPath(const UnitTable& table, const std::vector<Step>& steps, const std:
     return path;
 }
 
+void AddEntry(int code, int pitch, int interval, Candidate& candidate) {
+    candidate.entries.push_back({static_cast<std::uint16_t>(code), static_cast<std::uint16_t>(pitch)});
+    candidate.interval_of.push_back(interval);
+}
+
 void AddRests(const UnitTable& table, int units, int interval, Candidate& candidate) {
-    const int longest = LongestOf(table);
-    while (units > 0) {
-        int length = units;
-        if (units > kCoinLimit) {
-            length = longest;
-        } else {
-            length = At(table.lengths, At(table.last_rest, units)).first;
-        }
-        const auto found = std::find_if(table.lengths.begin(), table.lengths.end(),
-                                        [&](const auto& known) { return known.first == length; });
-        candidate.entries.push_back({static_cast<std::uint16_t>(kFileRests + found->second), kFileRestPitch});
-        candidate.interval_of.push_back(interval);
-        units -= length;
-    }
+    const Length& longest = table.lengths.back();
+    const int behind = LongestRests(table, units);
+    for (int left = units - behind * longest.units; left > 0; left -= At(table.rests, left).first.units)
+        AddEntry(kFileRests + At(table.rests, left).first.code, kFileRestPitch, interval, candidate);
+    for (int i = 0; i < behind; ++i)
+        AddEntry(kFileRests + longest.code, kFileRestPitch, interval, candidate);
 }
 
 /// Writes down the cheapest path. False when there is none.
@@ -191,14 +192,9 @@ bool Follow(const UnitTable& table, const std::vector<Interval>& intervals, cons
     std::reverse(places.begin(), places.end());
     for (int i = 0; i < static_cast<int>(intervals.size()) && candidate.entries.size() <= kMaxEntries; ++i) {
         int units = At(onsets, i + 1) + At(places, i + 1) - At(onsets, i) - At(places, i);
-        const int length = At(At(path.at, i + 1), At(places, i + 1)).length;
-        if (length >= 0) {
-            const auto& [note, code] = At(table.lengths, length);
-            const int pitch = At(intervals, i).pitch - 1;
-            candidate.entries.push_back(
-                {static_cast<std::uint16_t>(code), static_cast<std::uint16_t>(pitch)});
-            candidate.interval_of.push_back(i);
-            units -= note;
+        if (const Length* note = At(At(path.at, i + 1), At(places, i + 1)).note) {
+            AddEntry(note->code, At(intervals, i).pitch - 1, i, candidate);
+            units -= note->units;
         }
         AddRests(table, units, i, candidate);
     }

@@ -4,6 +4,7 @@
 #include "exchange/played.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <utility>
 
@@ -12,13 +13,13 @@ namespace tonex {
 namespace {
 
 constexpr std::size_t kMostItems = std::size_t{4} * kMaxEntries; ///< separators among them
-constexpr double kMostSeconds = 5000.0; ///< a play block of the longest tones lasts 4080
-constexpr double kSameJ = 0.001;        ///< differences below are none
-constexpr double kSameTempo = 0.001;    ///< part of a tempo
-constexpr double kPriceOfAll = 0.5;     ///< as J: what may be heard more to hold the whole tune
-constexpr double kHardlyHeard = 1.0;    ///< as J
-constexpr double kEarly = 0.03;         ///< seconds that a note may end too early
-constexpr std::array<double, 3> kScales = {1.0, 0.5, 2.0}; ///< the first wins where all do as well
+constexpr double kMostSeconds = 5000.0;         ///< a play block of the longest tones lasts 4080
+constexpr double kSameJ = 0.001;                ///< differences below are none
+constexpr double kSameTempo = 0.001;            ///< part of a tempo
+constexpr double kPriceOfAll = 0.5;             ///< as J: what may be heard more to hold the whole tune
+constexpr double kHardlyHeard = 1.0;            ///< as J
+constexpr double kEarly = 0.03;                 ///< seconds that a note may end too early
+constexpr std::array kScales = {1.0, 0.5, 2.0}; ///< the first wins where all do as well
 
 /// The first entries of a candidate, as many as a melody has.
 FileList ListOf(const Candidate& candidate) {
@@ -37,10 +38,9 @@ int IntervalsWithin(const Candidate& candidate, int written) {
 
 /// Counts the notes that a rest follows before they should end; `units` are by entry.
 void CountEarlyNotes(const std::vector<Interval>& intervals, const std::vector<int>& units, Fit& fit) {
-    int before = -1;
     for (int i = 0; i + 1 < fit.encoding.entries_written; ++i) {
         const int interval = At(fit.melody.interval_of, i);
-        const bool first = interval != std::exchange(before, interval);
+        const bool first = i == 0 || At(fit.melody.interval_of, i - 1) != interval;
         if (!first || At(fit.melody.interval_of, i + 1) != interval || interval >= fit.intervals_written)
             continue;
         const double lasts = SecondsOfUnits(At(units, i), fit.tempo_byte);
@@ -60,7 +60,7 @@ void Measure(const TimingTables& tables, const Tune& tune, const FileList& list,
     FileList written = list;
     At(written, fit.encoding.entries_written) = FileEntry{};
     const auto units = UnitsPlayed(tables, block, written, fit.mode);
-    if (!units) return;
+    assert(units);
     fit.intervals_written = IntervalsWithin(fit.melody, fit.encoding.entries_written);
     fit.played.assign(static_cast<std::size_t>(fit.intervals_written), 0.0);
     for (int i = 0; i < fit.encoding.entries_written; ++i) {
@@ -198,7 +198,6 @@ bool TakeFront(Tune& tune) {
     while (items < tune.items.size() && items < kMostItems && seconds < kMostSeconds) {
         TuneItem& item = tune.items[items++];
         if (item.seconds > kMostSeconds) {
-            item.quarters *= kMostSeconds / item.seconds;
             item.seconds = kMostSeconds;
             cut = true;
         }

@@ -46,7 +46,8 @@ Fit Evaluate(const TimingTables& tables, const Tune& tune, Candidate candidate);
 Candidate WriteLengths(const Tune& tune, double scale);
 
 /// By the tune's written lengths, by half of them and by twice: the tempo of the list that is heard nearest.
-/// What is written is kept where the difference is hardly heard.
+/// What is written is kept where the difference is hardly heard. `kSndNotFound` when a pitch is outside what
+/// a file can hold.
 Fit FitScore(const TimingTables& tables, const Tune& tune);
 
 /// By seconds alone: whole time units from onset to onset, with few entries. A worse fit than FitScore's, or
