@@ -328,8 +328,10 @@ void AddLine(std::string_view text, std::size_t begin, std::size_t end, std::vec
     if (places.empty() || (colon && HasHead(text, places.back()))) places.push_back({begin, end, {}});
     Place& place = places.back();
     place.end = end;
-    for (std::size_t i = begin; i < end && place.colons.size() < 2; ++i) {
-        if (text[i] == ':' && !(place.colons.size() == 1 && HasHead(text, place))) place.colons.push_back(i);
+    for (std::size_t i = begin; i < end; ++i) {
+        if (text[i] != ':') continue;
+        if (HasHead(text, place)) return;
+        place.colons.push_back(i);
     }
 }
 

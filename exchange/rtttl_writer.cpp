@@ -38,31 +38,46 @@ double QuartersOfText(const TextLength& length) {
     return 4.0 / length.number * (length.dotted ? 1.5 : 1.0);
 }
 
+/// All of them, longest first.
+constexpr std::array<TextLength, 12> kTextLengths = {{
+    {1, true},
+    {1, false},
+    {2, true},
+    {2, false},
+    {4, true},
+    {4, false},
+    {8, true},
+    {8, false},
+    {16, true},
+    {16, false},
+    {32, true},
+    {32, false},
+}};
+
 /// The longest length of the text that is no longer than this, quarter notes; the shortest when all are.
 TextLength LongestWithin(double quarters) {
-    TextLength best{32, false};
-    for (const int number : {1, 2, 4, 8, 16, 32}) {
-        for (const bool dotted : {true, false}) {
-            const TextLength length{number, dotted};
-            if (QuartersOfText(length) > quarters + 1e-4) continue;
-            if (QuartersOfText(length) > QuartersOfText(best)) best = length;
-        }
-    }
-    return best;
+    const auto found = std::find_if(kTextLengths.begin(), kTextLengths.end(), [&](const TextLength& length) {
+        return QuartersOfText(length) <= quarters + 1e-4;
+    });
+    return found == kTextLengths.end() ? kTextLengths.back() : *found;
+}
+
+/// How far a length of the text is from this one, quarter notes.
+double DistanceOf(const TextLength& length, double quarters) {
+    return std::abs(QuartersOfText(length) - quarters);
 }
 
 /// The length of the text nearest to this.
 TextLength NearestTo(double quarters) {
-    TextLength best{32, false};
-    for (const int number : {1, 2, 4, 8, 16, 32}) {
-        for (const bool dotted : {false, true}) {
-            const TextLength length{number, dotted};
-            if (std::abs(QuartersOfText(length) - quarters) <
-                std::abs(QuartersOfText(best) - quarters) - 1e-9)
-                best = length;
-        }
-    }
-    return best;
+    return *std::min_element(kTextLengths.begin(), kTextLengths.end(),
+                             [&](const TextLength& one, const TextLength& other) {
+                                 return DistanceOf(one, quarters) < DistanceOf(other, quarters);
+                             });
+}
+
+/// Whether the text has just this length.
+bool IsHeld(double quarters) {
+    return DistanceOf(NearestTo(quarters), quarters) < 1e-4;
 }
 
 /// A length as a note or rest and at most two rests behind it.
@@ -70,7 +85,7 @@ std::vector<TextLength> LengthsOf(double quarters) {
     std::vector<TextLength> lengths;
     constexpr double least_rest = 1.0 / 16.0; // half of the shortest
     const TextLength nearest = NearestTo(quarters);
-    if (std::abs(QuartersOfText(nearest) - quarters) < least_rest / 2.0) return {nearest};
+    if (DistanceOf(nearest, quarters) < least_rest / 2.0) return {nearest};
     while (lengths.size() < 3 && (lengths.empty() || quarters >= least_rest)) {
         lengths.push_back(LongestWithin(quarters));
         quarters -= QuartersOfText(lengths.back());
@@ -87,9 +102,8 @@ std::vector<TextItem> TextItemsOf(const Tune& tune, double scale) {
         if (item.kind == TuneKind::Note || interval < 0) ++interval;
         if (item.kind == TuneKind::Separator) continue;
         const double quarters = item.quarters * scale;
-        const bool held = std::abs(QuartersOfText(NearestTo(quarters)) - quarters) < 1e-4;
-        int pitch = item.kind == TuneKind::Note ? item.pitch : 0;
-        for (const TextLength& length : LengthsOf(held ? quarters : quarters - late)) {
+        int pitch = item.pitch;
+        for (const TextLength& length : LengthsOf(IsHeld(quarters) ? quarters : quarters - late)) {
             items.push_back({length, pitch, interval});
             late += QuartersOfText(length);
             pitch = 0;
@@ -106,13 +120,14 @@ std::vector<double> SecondsOf(const std::vector<TextItem>& items, std::size_t in
     return seconds;
 }
 
-/// The value that most items have, of several the first to have come so often; `usual` when there are none.
+/// The value that most items have, of several the first to have come so often; `usual` when there are
+/// none. Items of value 0 do not count.
 template <class Of> int MostFrequent(const std::vector<TextItem>& items, int usual, Of of) {
-    std::array<int, 40> counts{};
+    std::array<int, 33> counts{}; // the longest number is 32
     int best = usual;
     for (const TextItem& item : items) {
         const int value = of(item);
-        if (value < 0) continue;
+        if (value == 0) continue;
         if (++At(counts, value) > At(counts, best)) best = value;
     }
     return best;
@@ -125,10 +140,10 @@ int OctaveOf(int pitch) {
 /// The octave that is left out: where most dotted notes lie, as some readers overlook a dot behind an octave.
 int OctaveToLeaveOut(const std::vector<TextItem>& items) {
     const int most = MostFrequent(items, kLowestOctave, [](const TextItem& item) {
-        return item.pitch == 0 ? -1 : OctaveOf(item.pitch);
+        return item.pitch == 0 ? 0 : OctaveOf(item.pitch);
     });
     return MostFrequent(items, most, [](const TextItem& item) {
-        return item.pitch == 0 || !item.length.dotted ? -1 : OctaveOf(item.pitch);
+        return item.pitch == 0 || !item.length.dotted ? 0 : OctaveOf(item.pitch);
     });
 }
 
@@ -187,8 +202,7 @@ void TryBeats(const std::vector<TextItem>& items, const std::vector<double>& pla
 /// Whether the text has all the tune's lengths as they are.
 bool HoldsLengths(const Tune& tune) {
     return std::all_of(tune.items.begin(), tune.items.end(), [](const TuneItem& item) {
-        return item.kind == TuneKind::Separator ||
-               std::abs(QuartersOfText(NearestTo(item.quarters)) - item.quarters) < 1e-4;
+        return item.kind == TuneKind::Separator || IsHeld(item.quarters);
     });
 }
 

@@ -3,6 +3,7 @@
 #include "exchange/rtttl.h"
 #include "tests/tune_items.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -141,6 +142,7 @@ TEST(RtttlReader, ALineWithAColonBeginsTheNextTune) {
     const auto tunes =
         Read("// a comment\none:b=100:c,\n d,e\n# another\n\ntwo:b=120:f // a third\nb=90:g\n");
     ASSERT_EQ(tunes.size(), 3u);
+    EXPECT_EQ(tunes[0].name, "one");
     EXPECT_EQ(tunes[0].items.size(), 3u);
     EXPECT_EQ(tunes[1].name, "two");
     EXPECT_EQ(tunes[2].name, "");
@@ -183,7 +185,7 @@ TEST(RtttlReader, NamesAreKeptWithoutControlCharactersAndOuterBlanks) {
 }
 
 TEST(RtttlReader, AnyTextWithAColonMayBeRingTones) {
-    EXPECT_TRUE(LooksLikeRtttl("a\tb:\r\n\x1a"));
+    EXPECT_TRUE(LooksLikeRtttl("a\tb !:\r\n\x1a"));
     EXPECT_FALSE(LooksLikeRtttl("a\x1f:"));
     EXPECT_FALSE(LooksLikeRtttl("a"));
     EXPECT_EQ(ItemsOf(ReadOne("x:d=4,o=5,b=120:c\x1a")), "c5 1");
@@ -221,11 +223,8 @@ TEST(RtttlReader, TextOfTwoBytesALetterIsReadEitherWay) {
         EXPECT_EQ(ItemsOf(tune), "c5 1");
         EXPECT_EQ(tune.name, "Ann?");
     }
-    // Letters 80h and 441h, a byte too many.
-    const Tune odd = ReadOne(std::string_view("\xFF\xFE~\0\x80\0\x41\x04:\0:\0c\0#\0"
-                                              "5\0"
-                                              "6",
-                                              19));
+    // Letters 7Eh, 7Fh, which is none, 80h and 441h, and a byte too many.
+    const Tune odd = ReadOne(std::string_view("\xFF\xFE~\0\x7F\0\x80\0\x41\x04:\0:\0c\0#\0005\0006", 21));
     EXPECT_EQ(odd.name, "~??");
     EXPECT_EQ(ItemsOf(odd), "c5# 1");
     EXPECT_FALSE(LooksLikeRtttl(std::string_view("\xFF\xFE\0\0:\0", 6)));
@@ -478,6 +477,13 @@ TEST(RtttlWriter, KeepsTheScaleUntilTheRoundingIsHeard) {
     EXPECT_EQ(scale_of(5), 1.0); // J 0.97
 }
 
+TEST(RtttlWriter, KeepsTheTempoAtAScaleWhereTheWholesLengthWouldBeNoNearer) {
+    // A 32nd of a quarter note is lost, so with 179 beats the whole is as long as it is played; but J is
+    // 0.824 with 180 and 0.826 with 179.
+    EXPECT_EQ(WrittenAsMeant(120, 120, "c5 1/2\nc5 1/16..\nc5 1/1\nc5 1/8t\n").text,
+              "x:d=8,o=5,b=180:2c.,c,32p,1c.,c\n");
+}
+
 TEST(RtttlWriter, LengthsThatTheTextHasStayHoweverTheyArePlayed) {
     const Melody melody = MelodyFrom("tempo 120\nc5 1/4\n|\nc5 1/4\n");
     EXPECT_EQ(WriteRtttl(melody, {1.0, 0.5}, 120.0, "x").text, "x:d=4,o=5,b=120:c,c\n");
@@ -528,6 +534,17 @@ TEST(RtttlWriter, KeepsTheWrittenTempoUntilTheOtherIsHeard) {
     EXPECT_EQ(beats_of(20), 108); // J 0.98
 }
 
+TEST(RtttlWriter, AnotherTempoIsTakenWhereItIsNearerByAThousandthOfJ) {
+    // A quarter note that lasts nearly as long as lies in the middle between the tempos 120 and 130.
+    const auto beats_of = [](double nearer) {
+        const double both = std::log(130.0 / 120.0) / kLeastHeardSpeed;
+        const double seconds = 0.5 * std::exp(-kLeastHeardSpeed * (both + nearer) / 2.0);
+        return WriteRtttl(MelodyFrom("tempo 120\nc5 1/4\n"), {seconds}, 130.0, "x").beats;
+    };
+    EXPECT_EQ(beats_of(0.00095), 120);
+    EXPECT_EQ(beats_of(0.00105), 130);
+}
+
 TEST(RtttlWriter, TripletsOnlyArePlainLengthsAtAnotherTempo) {
     const RtttlText made = Written("tempo 80\nc5 1/8t\nd5 1/8t\ne5 1/8t\nc5 1/8t\nd5 1/8t\ne5 1/8t\n");
     EXPECT_EQ(made.text, "x:d=8,o=5,b=120:c,d,e,c,d,e\n");
@@ -574,8 +591,9 @@ TEST(RtttlWriter, RefusesWhatTheFormatDoesNotHave) {
                   fits ? "" : "no tempo from 25 to 900 fits");
     }
     melody.list[1].code = 50;
-    EXPECT_EQ(WriteRtttl(melody, play.seconds, play.true_tempo, "x").reason,
-              "entry 2 has the unknown code 50");
+    const RtttlText refused = WriteRtttl(melody, play.seconds, play.true_tempo, "x");
+    EXPECT_EQ(refused.reason, "entry 2 has the unknown code 50");
+    EXPECT_EQ(refused.text, "");
 }
 
 // Both ways.
