@@ -63,8 +63,8 @@ std::pair<int, int> RangeOf(const Tune& tune) {
     bool first = true;
     for (const TuneItem& item : tune.items) {
         if (item.kind != TuneKind::Note) continue;
-        if (first || item.pitch < range.first) range.first = item.pitch;
-        if (first || item.pitch > range.second) range.second = item.pitch;
+        range.first = first ? item.pitch : std::min(range.first, item.pitch);
+        range.second = first ? item.pitch : std::max(range.second, item.pitch);
         first = false;
     }
     return range;

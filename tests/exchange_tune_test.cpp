@@ -126,6 +126,11 @@ TEST(Tune, APartHasWhatStartsInItAndWhatIsLeftOfARest) {
     EXPECT_EQ(PartOf(0.0, 1.0), "n 40 2 1; at 0.00");
     EXPECT_EQ(PartOf(3.5, 4.25), "| 41 0 0; n 42 0.5 0.25; at 4.00");
     EXPECT_EQ(PartOf(5.0, 6.0), "at 9.00");
+    // Less than a nanosecond is rounding.
+    EXPECT_EQ(PartOf(3.0 + 5e-10, 4.0), "n 41 2 1; at 3.00");
+    EXPECT_EQ(PartOf(3.0 + 5e-9, 4.0), "at 9.00");
+    EXPECT_EQ(PartOf(0.0, 1.0 + 5e-10), "n 40 2 1; | 40 0 0; at 0.00");
+    EXPECT_EQ(PartOf(1.5, 3.0 + 5e-9), "r 0 3 1.5; n 41 1e-08 5e-09; at 1.50");
 }
 
 TEST(Tune, SpeedChangesTempoAndSecondsOfAll) {
