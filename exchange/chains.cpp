@@ -56,10 +56,6 @@ std::vector<int> ChainOf(double quarters) {
         chain.push_back(kLongestCode);
         quarters -= longest;
     }
-    if (const int code = CodeOfQuarters(quarters); code >= 0) {
-        chain.push_back(code);
-        return chain;
-    }
     Search search{quarters};
     TryChains(search, quarters, most_codes);
     chain.insert(chain.end(), search.best.begin(), search.best.end());

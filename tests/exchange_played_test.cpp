@@ -83,7 +83,8 @@ TEST(Chains, OthersAreTheFewestEntriesThatComeNearest) {
     EXPECT_EQ(ChainOf(2.5), (std::vector<int>{14, 6}));
     EXPECT_NEAR(QuartersOfChain(ChainOf(5.0)), 5.0, 1e-9);
     EXPECT_EQ(ChainOf(5.0).size(), 2u);
-    EXPECT_EQ(ChainOf(0.0).size(), 1u);
+    EXPECT_EQ(ChainOf(0.0), std::vector<int>{1}); // the shortest
+    EXPECT_EQ(ChainOf(-3.0), std::vector<int>{1});
     EXPECT_NEAR(QuartersOfChain(ChainOf(100.0)), 100.0, 0.05);
 }
 
@@ -127,6 +128,7 @@ TEST(Chains, ALengthIsThatOfACodeWithinATenThousandthOfAQuarterNote) {
 TEST(Chains, OfMoreThanTwiceTheLongestBeginWithTheLongest) {
     EXPECT_EQ(ChainOf(14.0), (std::vector<int>{19, 19}));
     EXPECT_EQ(ChainOf(14.5), (std::vector<int>{19, 19, 6}));
+    EXPECT_EQ(ChainOf(15.25), (std::vector<int>{19, 19, 10, 2}));
     EXPECT_EQ(ChainOf(21.0), (std::vector<int>{19, 19, 19}));
     EXPECT_EQ(ChainOf(1e9), std::vector<int>(kMaxEntries + 3, 19)); // no melody holds all of them
 }
@@ -170,6 +172,8 @@ TEST(Played, AMelodyAsATuneIsAsWrittenWithoutItsUnknownCodes) {
     EXPECT_EQ(tune.items[1].seconds, 0.5);
     EXPECT_EQ(tune.items[2].kind, TuneKind::Separator);
     EXPECT_EQ(tune.items[2].seconds, 0.0);
+    melody.list.fill({10, 26}); // no end
+    EXPECT_EQ(TuneOfMelody(melody).items.size(), std::size_t{kFileListRows});
 }
 
 /// A quarter note, a separator, a rest of two whole notes but a quarter, a thirty-second: at 120 of timing
