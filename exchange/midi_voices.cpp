@@ -146,7 +146,7 @@ struct Edge {
 struct Shares {
     std::vector<double> on_top;   ///< ticks in which the voice is the highest, by voice
     std::vector<double> sounding; ///< ticks in which it sounds
-    double any = 0.0;             ///< ticks in which anything sounds
+    double any;                   ///< ticks in which anything sounds
 };
 
 std::vector<Edge> EdgesOf(const std::vector<MidiVoice>& voices) {
@@ -251,7 +251,7 @@ std::vector<MidiVoice> VoicesOf(const MidiFile& file) {
         voices.push_back(std::move(voice));
     }
     const Shares shares = SharesOf(voices);
-    for (int i = 0; i < static_cast<int>(voices.size()) && shares.any > 0.0; ++i) {
+    for (int i = 0; i < static_cast<int>(voices.size()) && shares.any != 0.0; ++i) {
         MidiVoice& voice = At(voices, i);
         voice.points =
             PointsOf(voice, At(shares.on_top, i) / shares.any, At(shares.sounding, i) / shares.any);

@@ -150,6 +150,7 @@ TEST(MidiVoices, MotionGoesFromOnsetToOnsetByTheHighestNotes) {
     // A chord is one onset from its first note on, up to a moment.
     EXPECT_EQ(motion(0.02, {{0, 50, 64}, {1, 50, 60}, {50, 60, 67}}), (Three{1.0, 3.0, 1.0}));
     EXPECT_EQ(motion(0.02, {{0, 50, 60}, {1, 50, 64}, {50, 60, 67}}), (Three{1.0, 3.0, 1.0}));
+    EXPECT_EQ(motion(0.02, {{100, 150, 60}, {101, 150, 64}, {150, 160, 67}}), (Three{1.0, 3.0, 1.0}));
     EXPECT_EQ(motion(kMidiMoment, {{0, 9, 60}, {1, 9, 72}}), (Three{0.0, 12.0, kMidiMoment}));
 }
 
@@ -161,7 +162,7 @@ TEST(MidiVoices, PointsAreForWhatLiesHighestSoundsAndMovesAndLabelsAreTheFirst) 
     // at the lower end, the first in the middle of those, each half as long again as the way to the next.
     for (int i = 0; i < 8; ++i) {
         const int start = 96 * i;
-        if (i == 1) file.notes.push_back({start, start, 0, 0, 125, 0});
+        if (i == 4) file.notes.push_back({start, start, 0, 0, 127, 0});
         file.notes.push_back({start, start + 96, 0, 0, 127 - i % 2, 0});
         file.notes.push_back({start, start + 2000, 0, kMidiDrums, 127, 0});
     }
@@ -184,7 +185,7 @@ TEST(MidiVoices, PointsAreForWhatLiesHighestSoundsAndMovesAndLabelsAreTheFirst) 
     EXPECT_EQ(low.channel, 0);
     EXPECT_EQ(low.overlapping, 7);
     // Of 1,200 ticks the high one sounds for 768 and is always highest, the low one for 816 and 432 alone.
-    EXPECT_NEAR(high.points, 20.0 * 0.64 + 25.0 + 20.0 * 0.64 + 15.0 * 3.0 / 12.0 + 20.0, 1e-9);
+    EXPECT_NEAR(high.points, 20.0 * 0.64 + 25.0 + 20.0 * 0.64 + 15.0 * 2.0 / 12.0 + 20.0, 1e-9);
     EXPECT_NEAR(low.points, 20.0 * 0.36 + 25.0 / 8.0 + 20.0 * 0.68 + 15.0 * 2.0 / 12.0 + 20.0, 1e-9);
     EXPECT_EQ(voices[1].points, 0.0);
     EXPECT_EQ(MelodyOf(voices, -1, -1), 0);
@@ -192,7 +193,9 @@ TEST(MidiVoices, PointsAreForWhatLiesHighestSoundsAndMovesAndLabelsAreTheFirst) 
     EXPECT_EQ(MelodyOf(voices, 1, 0), 2);
     auto turned = voices;
     std::swap(turned[0], turned[2]);
+    turned[0].points = 100.0;
     EXPECT_EQ(MelodyOf(turned, 0, -1), 2);
+    turned[0].points = 1.0;
     EXPECT_EQ(MelodyOf(turned, 1, -1), 0);
     turned[2].channel = 1;
     EXPECT_EQ(MelodyOf(turned, -1, 0), 0);

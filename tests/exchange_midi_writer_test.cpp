@@ -120,6 +120,13 @@ TEST(MidiWriter, WritesLengthsByteByByte) {
     EXPECT_EQ(made.ticks, 960);
 }
 
+TEST(MidiWriter, NumbersFrom128OnTakeASecondByte) {
+    const Bytes short_one = WriteNominalMidi(FourEntries(10, 6, 6), std::string(127, 'x')).bytes;
+    EXPECT_EQ(Bytes(short_one.begin() + 22, short_one.begin() + 27), (Bytes{0, 0xFF, 3, 0x7F, 'x'}));
+    const Bytes long_one = WriteNominalMidi(FourEntries(10, 6, 6), std::string(128, 'x')).bytes;
+    EXPECT_EQ(Bytes(long_one.begin() + 22, long_one.begin() + 28), (Bytes{0, 0xFF, 3, 0x81, 0, 'x'}));
+}
+
 TEST(MidiWriter, WritesRecordsByteByByte) {
     // 8 time units of which half sound, a rest of 290 in 19 records, and 20 of which the last of 4 does not
     // sound.
@@ -214,6 +221,9 @@ TEST(MidiWriter, RefusesARecordAboveMidiFromTheShortestThatSounds) {
     EXPECT_EQ(written(93, 16).reason, "");
     EXPECT_EQ(written(94, 16).reason, "record 2 is higher than MIDI goes");
     EXPECT_EQ(written(94, 15).reason, ""); // silent
+    const std::vector<std::uint8_t> first = {94, 24, 26, 24};
+    EXPECT_EQ(WritePlayedMidi({4, first}, melody, 0, {8, 8}, "x").reason,
+              "record 1 is higher than MIDI goes");
     EXPECT_EQ(Read(written(94, 15).bytes).notes.size(), 1u);
 }
 
