@@ -39,6 +39,7 @@ struct Drawn {
     float unit = 0; ///< pixels of a staff space
     int line = 0;   ///< pixels of a staff line
     PlacedMask placed;
+    std::vector<PixelBox> pieces; ///< of all that is a third black and more
     std::vector<PixelBox> ledgers;
 };
 
@@ -47,7 +48,7 @@ int ColumnPixels(const TestScale& scale) {
     return static_cast<int>(390 * scale.pixels_per_twip + 0.01F);
 }
 
-Drawn Draw(const StripPicture& shown, const TestScale& scale) {
+Drawn DrawAfresh(const StripPicture& shown, const TestScale& scale) {
     const StripColumn column{scale.pixels_per_twip, ColumnPixels(scale)};
     Drawn drawn;
     drawn.what = "picture " + std::to_string(shown.picture) + (shown.sharp ? " sharp" : "") + " at height " +
@@ -57,8 +58,18 @@ Drawn Draw(const StripPicture& shown, const TestScale& scale) {
     drawn.unit = 120 * scale.pixels_per_twip;
     drawn.line = StaffLinePixels(scale.pixels_per_twip);
     drawn.placed = StripPictureMask(shown, column);
+    drawn.pieces = PiecesOf(drawn.placed.mask, 90);
     drawn.ledgers = LedgerLineBoxes(shown, column);
     return drawn;
+}
+
+/// Every picture is drawn once for all tests, which takes longer than looking at it.
+const Drawn& Draw(const StripPicture& shown, const TestScale& scale) {
+    static std::map<std::tuple<int, bool, int, float>, Drawn> pictures;
+    const auto [place, fresh] =
+        pictures.try_emplace({shown.picture, shown.sharp, shown.y, scale.pixels_per_twip});
+    if (fresh) place->second = DrawAfresh(shown, scale);
+    return place->second;
 }
 
 /// A note of a length code 1 to 20 as the strip shows it for a key.
@@ -76,7 +87,7 @@ template <class Check> void ForEveryNote(const Check& check) {
     for (const TestScale& scale : AllScales())
         for (int pitch = kLowestKeyPitch; pitch <= kHighestKeyPitch; ++pitch)
             for (int code = 1; code <= kLengthCodes; ++code) {
-                const Drawn drawn = Draw(NoteOn(pitch, code), scale);
+                const Drawn& drawn = Draw(NoteOn(pitch, code), scale);
                 SCOPED_TRACE(drawn.what);
                 check(drawn, scale);
                 if (::testing::Test::HasFailure()) return; // the rest would say the same
@@ -86,7 +97,7 @@ template <class Check> void ForEveryNote(const Check& check) {
 template <class Check> void ForEveryRest(const Check& check) {
     for (const TestScale& scale : AllScales())
         for (int code = 1; code <= kLengthCodes; ++code) {
-            const Drawn drawn = Draw(RestOf(code), scale);
+            const Drawn& drawn = Draw(RestOf(code), scale);
             SCOPED_TRACE(drawn.what);
             check(drawn, scale);
             if (::testing::Test::HasFailure()) return;
@@ -155,7 +166,7 @@ int PiecesByRule(const Drawn& drawn) {
 /// The dots of a picture: its last pieces to the right.
 std::vector<PixelBox> DotsOf(const Drawn& drawn) {
     if (drawn.form.dots == 0) return {};
-    std::vector<PixelBox> pieces = PiecesOf(drawn.placed.mask, 90);
+    std::vector<PixelBox> pieces = drawn.pieces;
     pieces.erase(pieces.begin(), pieces.end() - drawn.form.dots);
     for (PixelBox& box : pieces) {
         box.top += drawn.placed.top;
@@ -166,7 +177,7 @@ std::vector<PixelBox> DotsOf(const Drawn& drawn) {
 
 /// The 3 of a picture: the piece farthest from the head on the stem's side, above a rest.
 PixelBox ThreeOf(const Drawn& drawn) {
-    std::vector<PixelBox> pieces = PiecesOf(drawn.placed.mask, 90);
+    std::vector<PixelBox> pieces = drawn.pieces;
     std::sort(pieces.begin(), pieces.end(),
               [](const PixelBox& a, const PixelBox& b) { return a.top < b.top; });
     const bool above = Up(drawn) || !IsNotePicture(drawn.shown.picture);
@@ -178,7 +189,7 @@ PixelBox ThreeOf(const Drawn& drawn) {
 
 /// A rest without dots, apart from its 3: the lowest piece.
 PixelBox RestBox(const Drawn& drawn) {
-    const std::vector<PixelBox> pieces = PiecesOf(drawn.placed.mask, 90);
+    const std::vector<PixelBox>& pieces = drawn.pieces;
     return *std::max_element(pieces.begin(), pieces.end(),
                              [](const PixelBox& a, const PixelBox& b) { return a.bottom < b.bottom; });
 }
@@ -248,7 +259,7 @@ TEST(Engraving, NothingIsCutAtThePanelsEdgeOrAtTheMasks) {
 /// Heads, dots, sharps and 3s have white around them: the least is a pixel with hardly any ink.
 TEST(Engraving, PartsDoNotTouch) {
     const auto check = [](const Drawn& drawn, const TestScale&) {
-        EXPECT_EQ(static_cast<int>(PiecesOf(drawn.placed.mask, 90).size()), PiecesByRule(drawn));
+        EXPECT_EQ(static_cast<int>(drawn.pieces.size()), PiecesByRule(drawn));
     };
     ForEveryNote(check);
     ForEveryRest(check);
@@ -310,7 +321,7 @@ TEST(Engraving, HeadsBeginAtOnePlaceOfTheirColumn) {
 TEST(Engraving, BlackHeadsAreAlike) {
     ForEveryNote([](const Drawn& drawn, const TestScale& scale) {
         if (drawn.form.division <= 2) return;
-        const Drawn quarter = Draw({.picture = Up(drawn) ? 11 : 51, .y = drawn.shown.y}, scale);
+        const Drawn& quarter = Draw({.picture = Up(drawn) ? 11 : 51, .y = drawn.shown.y}, scale);
         const int row = LineRow(drawn.shown.y, scale), half = static_cast<int>(0.6F * drawn.unit);
         for (int y = row - half; y <= row + half; ++y)
             for (int x = HeadLeft(drawn) + drawn.line; x < HeadRight(drawn) - drawn.line; ++x)
@@ -340,7 +351,7 @@ TEST(Engraving, HeadsStandOnLinesAndInSpaces) {
 
 TEST(Engraving, HeadsAreAsWideAndHighAsTheyShouldBe) {
     for (const TestScale& scale : kScreenScales) {
-        const Drawn drawn = Draw({.picture = 11}, scale);
+        const Drawn& drawn = Draw({.picture = 11}, scale);
         const float width = static_cast<float>(HeadRight(drawn) - HeadLeft(drawn)) / drawn.unit;
         EXPECT_NEAR(width, 1.18F, 0.07F) << scale.percent;
         double ink = 0;
@@ -385,7 +396,7 @@ TEST(Engraving, StemsOfLedgerLineNotesReachTheMiddleLine) {
 TEST(Engraving, StemsAreWholePixelsAsThickAsStaffLines) {
     for (const TestScale& scale : AllScales())
         for (const int picture : {11, 15, 51, 55}) {
-            const Drawn drawn = Draw({.picture = picture}, scale);
+            const Drawn& drawn = Draw({.picture = picture}, scale);
             const int row =
                 LineRow(kMiddleStaffLine, scale) + (Up(drawn) ? -2 : 2) * static_cast<int>(drawn.unit);
             int stem = 0;
@@ -425,7 +436,7 @@ TEST(Engraving, FlagsAreEvenlyApart) {
     const int wanted[] = {6, 8, 10, 11, 13};
     for (std::size_t i = 0; i < std::size(kScreenScales); ++i)
         for (const int picture : {1, 3, 41, 43}) {
-            const Drawn drawn = Draw({.picture = picture}, kScreenScales[i]);
+            const Drawn& drawn = Draw({.picture = picture}, kScreenScales[i]);
             const int end = StemEnd(drawn, kScreenScales[i]);
             const int x = StemColumn(drawn) + (Up(drawn) ? 1 : drawn.line);
             const int reach = static_cast<int>(2.6F * drawn.unit);
@@ -509,7 +520,7 @@ TEST(Engraving, DoubleDotsAreAsFarApartAsTheColumnAllows) {
     const int behind_heads[] = {1, 1, 1, 2, 2}, behind_rests[] = {2, 2, 2, 3, 3};
     for (std::size_t i = 0; i < std::size(kScreenScales); ++i)
         for (const int picture : {5, 13, 17, 20, 45, 57, 25, 33}) {
-            const Drawn drawn = Draw({.picture = picture}, kScreenScales[i]);
+            const Drawn& drawn = Draw({.picture = picture}, kScreenScales[i]);
             const std::vector<PixelBox> dots = DotsOf(drawn);
             ASSERT_EQ(dots.size(), 2U) << drawn.what;
             EXPECT_EQ(dots[1].left - dots[0].right,
@@ -595,8 +606,8 @@ TEST(Engraving, ASharpDoesNotMoveItsNote) {
     for (const TestScale& scale : AllScales())
         for (int picture = 1; picture < kBarLinePicture; ++picture) {
             if (!IsNotePicture(picture)) continue;
-            const Drawn plain = Draw({.picture = picture}, scale);
-            const Drawn sharp = Draw({.picture = picture, .sharp = true}, scale);
+            const Drawn& plain = Draw({.picture = picture}, scale);
+            const Drawn& sharp = Draw({.picture = picture, .sharp = true}, scale);
             for (int row = plain.placed.top; row < plain.placed.top + plain.placed.mask.height; ++row)
                 for (int x = HeadLeft(plain); x < plain.placed.mask.width; ++x)
                     ASSERT_NEAR(PanelInk(sharp, x, row), PanelInk(plain, x, row), 1) << plain.what;
@@ -656,7 +667,7 @@ TEST(Engraving, LedgerLinesCoverTheirRowsAndAreAsThickAsBarLines) {
 
 TEST(Engraving, RestsSitAndHangOnTheirLines) {
     for (const TestScale& scale : AllScales()) {
-        const Drawn half = Draw(RestOf(15), scale), whole = Draw(RestOf(18), scale);
+        const Drawn &half = Draw(RestOf(15), scale), &whole = Draw(RestOf(18), scale);
         const int x = HeadLeft(half) + static_cast<int>(half.unit / 2), line = half.line;
         const int middle = LineRow(1410, scale), fourth = LineRow(1290, scale);
         const int space = static_cast<int>(half.unit);
@@ -679,7 +690,7 @@ TEST(Engraving, ShortRestsReachWhereTheyShould) {
     };
     for (const TestScale& scale : AllScales())
         for (const Reach& reach : {Reach{1, 1.75F, 2}, Reach{3, 0.75F, 2}, Reach{7, 0.75F, 1}}) {
-            const Drawn drawn = Draw(RestOf(reach.code), scale);
+            const Drawn& drawn = Draw(RestOf(reach.code), scale);
             const PixelBox box = PiecesOf(drawn.placed.mask, 30).front();
             const float middle =
                 static_cast<float>(LineRow(1410, scale)) + static_cast<float>(drawn.line) / 2;
@@ -698,7 +709,7 @@ TEST(Engraving, BarLinesCoverTheStaffAndAreThickerThanItsLinesFrom125PercentOn) 
         if (scale.percent > 100) {
             EXPECT_GT(BarLinePixels(scale.pixels_per_twip), StaffLinePixels(scale.pixels_per_twip));
         }
-        const Drawn drawn = Draw({.picture = kBarLinePicture, .y = kTopStaffLine}, scale);
+        const Drawn& drawn = Draw({.picture = kBarLinePicture, .y = kTopStaffLine}, scale);
         EXPECT_EQ(drawn.placed.top, LineRow(kTopStaffLine, scale));
         EXPECT_EQ(drawn.placed.top + drawn.placed.mask.height, LineRow(kBottomStaffLine, scale) + drawn.line);
         for (int y = 0; y < drawn.placed.mask.height; ++y) {
@@ -751,7 +762,7 @@ TEST(Engraving, OnlyNotesHaveLedgerLines) {
 
 TEST(Engraving, TheSignOfAnUnknownEntryIsABoxWithAQuestionMarkCutOut) {
     for (const TestScale& scale : kScreenScales) {
-        const Drawn drawn = Draw({.picture = kUnknownPicture}, scale);
+        const Drawn& drawn = Draw({.picture = kUnknownPicture}, scale);
         const int middle = drawn.placed.mask.width / 2, row = LineRow(kMiddleStaffLine, scale);
         EXPECT_EQ(PiecesOf(drawn.placed.mask).size(), 1U) << scale.percent;
         for (const int x : {-1, 1})

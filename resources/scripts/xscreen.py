@@ -20,10 +20,15 @@ KEY_NAMES = {
 PATIENCE = 4
 
 
-def wait_until(predicate, timeout=10.0, what="condition", step=0.01):
+# Seconds between two looks: the first ones, and what they grow to, so that looking does not keep others from working.
+SHORT_STEP, LONG_STEP = 0.01, 0.05
+
+
+def wait_until(predicate, timeout=10.0, what="condition", step=None):
     """Polls until the predicate gives something true and returns that; fails by name after the timeout, which is that
-    of a machine with nothing else to do."""
+    of a machine with nothing else to do. Without a step of its own it looks ever less often."""
     timeout *= PATIENCE
+    pause = step or SHORT_STEP
     end = time.monotonic() + timeout
     while True:
         value = predicate()
@@ -31,7 +36,9 @@ def wait_until(predicate, timeout=10.0, what="condition", step=0.01):
             return value
         if time.monotonic() > end:
             raise AssertionError(f"waited {timeout} s in vain for: {what}")
-        time.sleep(step)
+        time.sleep(pause)
+        if not step:
+            pause = min(1.3 * pause, LONG_STEP)
 
 
 def holds(predicate, seconds, what):
