@@ -29,6 +29,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -58,18 +59,37 @@ std::string Number(HWND window) {
     return std::to_string(reinterpret_cast<std::uintptr_t>(window));
 }
 
-std::vector<DWORD> ProcessesNamed(const std::wstring& name) {
-    std::vector<DWORD> found;
+template <class Visit> void ForEveryProcess(const Visit& visit) {
     const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
     PROCESSENTRY32W entry = {};
     entry.dwSize = sizeof entry;
-    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
-        if (lstrcmpiW(entry.szExeFile, name.c_str()) == 0) {
-            found.push_back(entry.th32ProcessID);
-        }
-    }
+    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry))
+        visit(entry);
     CloseHandle(snapshot);
+}
+
+std::vector<DWORD> ProcessesNamed(const std::wstring& name) {
+    std::vector<DWORD> found;
+    ForEveryProcess([&](const PROCESSENTRY32W& entry) {
+        if (lstrcmpiW(entry.szExeFile, name.c_str()) == 0) found.push_back(entry.th32ProcessID);
+    });
     return found;
+}
+
+// The program of a process. Listing all processes takes longer than listing all windows, and the tests ask
+// for windows all the time: it is done for a process that was not seen before. A handle to one keeps its
+// number from being used again.
+const std::wstring& ProgramOf(DWORD process) {
+    static std::map<DWORD, std::wstring> programs;
+    if (programs.find(process) == programs.end())
+        ForEveryProcess([](const PROCESSENTRY32W& entry) {
+            if (programs.find(entry.th32ProcessID) == programs.end() &&
+                OpenProcess(SYNCHRONIZE, FALSE, entry.th32ProcessID) != nullptr)
+                programs[entry.th32ProcessID] = entry.szExeFile;
+        });
+    static const std::wstring unknown;
+    const auto found = programs.find(process);
+    return found == programs.end() ? unknown : found->second;
 }
 
 std::wstring TextOf(HWND window) {
@@ -115,7 +135,7 @@ std::string Describe(HWND window, const std::wstring& text) {
 }
 
 struct Gathering {
-    std::vector<DWORD> processes;
+    std::wstring program;
     std::string json;
 };
 
@@ -123,12 +143,10 @@ BOOL CALLBACK GatherTopLevel(HWND window, LPARAM where) {
     auto& gathering = *reinterpret_cast<Gathering*>(where);
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
-    for (const DWORD one : gathering.processes) {
-        if (one == process) {
-            wchar_t text[300] = L"";
-            GetWindowTextW(window, text, 300);
-            gathering.json += (gathering.json.empty() ? "" : ",") + Describe(window, text);
-        }
+    if (lstrcmpiW(ProgramOf(process).c_str(), gathering.program.c_str()) == 0) {
+        wchar_t text[300] = L"";
+        GetWindowTextW(window, text, 300);
+        gathering.json += (gathering.json.empty() ? "" : ",") + Describe(window, text);
     }
     return TRUE;
 }
@@ -141,7 +159,7 @@ BOOL CALLBACK GatherChild(HWND window, LPARAM where) {
 
 std::string Windows(const Words& words) {
     Gathering gathering;
-    gathering.processes = ProcessesNamed(Wide(words[1]));
+    gathering.program = Wide(words[1]);
     EnumWindows(GatherTopLevel, reinterpret_cast<LPARAM>(&gathering));
     return "[" + gathering.json + "]";
 }
