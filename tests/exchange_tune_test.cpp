@@ -126,6 +126,9 @@ TEST(Tune, APartHasWhatStartsInItAndWhatIsLeftOfARest) {
     EXPECT_EQ(PartOf(0.0, 1.0), "n 40 2 1; at 0.00");
     EXPECT_EQ(PartOf(3.5, 4.25), "| 41 0 0; n 42 0.5 0.25; at 4.00");
     EXPECT_EQ(PartOf(5.0, 6.0), "at 9.00");
+    Tune quick = TuneFrom({{kNote, 40, 0.25, 0.0625}});
+    KeepPart(quick, 0.0, 0.03125);
+    EXPECT_EQ(TextOf(quick), "n 40 0.125 0.03125; ");
     // Less than a nanosecond is rounding.
     EXPECT_EQ(PartOf(3.0 + 5e-10, 4.0), "n 41 2 1; at 3.00");
     EXPECT_EQ(PartOf(3.0 + 5e-9, 4.0), "at 9.00");
