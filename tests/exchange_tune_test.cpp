@@ -49,8 +49,8 @@ TEST(Tune, OnlyNotesCountHaveARangeAndAreMoved) {
     EXPECT_EQ(CountNotes(tune), 5);
     EXPECT_EQ(LengthOf(tune), 3.0);
     EXPECT_EQ(RangeOf(tune), (std::pair{27, 50}));
-    TransposeTune(tune, -30);
-    EXPECT_EQ(RangeOf(tune), (std::pair{-3, 20}));
+    TransposeTune(tune, -60);
+    EXPECT_EQ(RangeOf(tune), (std::pair{-33, -10}));
     EXPECT_EQ(tune.items[0].pitch, 0);
     EXPECT_EQ(tune.items[2].pitch, 0);
     const Tune silent = TuneFrom({{kRest, 5, 1.0, 0.5}});
