@@ -16,10 +16,10 @@ constexpr std::size_t kBufferSize = 256 * 1024;
 
 /// What one record asks for.
 struct Note {
-    std::uint64_t samples = 0;  ///< the whole span
-    std::uint64_t sounding = 0; ///< at this sample the tone starts to end; 0 = all silent
-    std::uint32_t step = 1;     ///< table phases a sample
-    std::uint32_t period = 1;   ///< table phases a cycle
+    std::uint64_t samples;  ///< the whole span
+    std::uint64_t sounding; ///< at this sample the tone starts to end; 0 = all silent
+    std::uint32_t step;     ///< table phases a sample
+    std::uint32_t period;   ///< table phases a cycle
     std::span<const std::uint8_t> wave;
 };
 
@@ -115,9 +115,22 @@ SynthesisResult WriteDriftingTone(const Note& note, const ByteSink& sink) {
     return WriteEnd(buffer, filled, note.samples - filled, sink);
 }
 
-void PutLittleEndian(std::uint8_t* at, std::uint32_t value, int size) {
-    for (int i = 0; i < size; ++i)
-        at[i] = static_cast<std::uint8_t>(value >> (8 * i));
+constexpr std::uint8_t kRateLow = kSampleRate & 255;
+constexpr std::uint8_t kRateHigh = kSampleRate >> 8;
+
+/// Without the two sizes, at bytes 4 and 40.
+constexpr std::array<std::uint8_t, kWavHeaderSize> kWavHeader = {
+    'R',      'I',       'F', 'F', 0,  0, 0, 0, 'W', 'A', 'V', 'E', //
+    'f',      'm',       't', ' ', 16, 0, 0, 0,                     // size of the format chunk
+    1,        0,         1,   0,                                    // PCM, channels
+    kRateLow, kRateHigh, 0,   0,                                    // samples a second
+    kRateLow, kRateHigh, 0,   0,                                    // bytes a second
+    1,        0,         8,   0, // bytes a sample of all channels, bits a sample
+    'd',      'a',       't', 'a', 0,  0, 0, 0};
+
+void PutSize(std::uint8_t* at, std::uint32_t size) {
+    for (int i = 0; i < 4; ++i)
+        at[i] = static_cast<std::uint8_t>(size >> (8 * i));
 }
 
 } // namespace
@@ -168,20 +181,9 @@ SynthesisResult WriteNoteSamples(const WaveTable& table, const ByteSink& sink, s
 }
 
 std::array<std::uint8_t, kWavHeaderSize> WavHeader(std::uint32_t data_size) {
-    std::array<std::uint8_t, kWavHeaderSize> header{};
-    std::memcpy(&header[0], "RIFF", 4);
-    PutLittleEndian(&header[4], data_size + 36, 4);
-    std::memcpy(&header[8], "WAVE", 4);
-    std::memcpy(&header[12], "fmt ", 4);
-    PutLittleEndian(&header[16], 16, 4);          // size of the format chunk
-    PutLittleEndian(&header[20], 1, 2);           // PCM
-    PutLittleEndian(&header[22], 1, 2);           // channels
-    PutLittleEndian(&header[24], kSampleRate, 4); // samples a second
-    PutLittleEndian(&header[28], kSampleRate, 4); // bytes a second
-    PutLittleEndian(&header[32], 1, 2);           // bytes a sample of all channels
-    PutLittleEndian(&header[34], 8, 2);           // bits a sample
-    std::memcpy(&header[36], "data", 4);
-    PutLittleEndian(&header[40], data_size, 4);
+    std::array<std::uint8_t, kWavHeaderSize> header = kWavHeader;
+    PutSize(&header[4], data_size + 36);
+    PutSize(&header[40], data_size);
     return header;
 }
 

@@ -2,6 +2,7 @@
 
 #include "score/rows.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tonex {
@@ -63,19 +64,12 @@ TempoValues BuildTempoValues() {
     return values;
 }
 
-/// The mode with the fastest of three tempos; equal ones go to the lower mode.
-std::size_t FastestOf(std::int16_t first, std::int16_t second, std::int16_t third) {
-    if (first < second) return second < third ? 2 : 1;
-    return first < third ? 2 : 0;
-}
-
 void BuildTempoList(TimingTables& tables, const TempoValues& values) {
     std::array<std::size_t, kTimingModes> cursor = {1, 1, 1};
     std::size_t n = 0;
-    while (cursor[0] <= kTempoBytes && n < kTempoListSize) {
-        const std::size_t fastest =
-            FastestOf(values[0][cursor[0]], values[1][cursor[1]], values[2][cursor[2]]);
-        const std::int16_t tempo = values[fastest][cursor[fastest]];
+    while (cursor[0] <= kTempoBytes) {
+        const std::int16_t tempo =
+            std::max({values[0][cursor[0]], values[1][cursor[1]], values[2][cursor[2]]});
         if (tempo < kSlowestListed) return;
         tables.tempo_list[n] = tempo;
         for (std::size_t mode = 0; mode < kTimingModes; ++mode) {
@@ -93,12 +87,12 @@ void BuildTempoList(TimingTables& tables, const TempoValues& values) {
     }
 }
 
+/// Index of the last tempo that is `tempo` or more; the list falls.
 std::int16_t LastAtLeast(const TimingTables& tables, std::int16_t tempo) {
-    std::int16_t index = 0;
-    for (std::size_t i = 0; i < kTempoListSize && tables.tempo_list[i] != 0; ++i) {
-        if (tables.tempo_list[i] >= tempo) index = static_cast<std::int16_t>(i);
-    }
-    return index;
+    std::size_t count = 0;
+    while (tables.tempo_list[count] >= tempo)
+        ++count;
+    return static_cast<std::int16_t>(count - 1);
 }
 
 } // namespace

@@ -120,7 +120,7 @@ bool ParseTempo(const TimingTables& tables, std::string_view line, std::int16_t&
         return false;
     }
     const int number = NumberOf(word, 32767);
-    if (number < 1 || TempoIndexOf(tables, static_cast<std::int16_t>(number)) < 0) {
+    if (TempoIndexOf(tables, static_cast<std::int16_t>(number)) < 0) {
         reason = Quoted(word) + " is not in the tempo list:";
         for (const std::int16_t listed : tables.tempo_list) {
             if (listed == 0) break;

@@ -7,8 +7,7 @@ namespace tonex {
 namespace {
 
 struct ReadNumber {
-    double value = 0;
-    bool any_digit = false;
+    double value = 0;       ///< 0 when there is none
     std::wstring_view rest; ///< the text behind the number
 };
 
@@ -22,7 +21,6 @@ ReadNumber ReadNumberFrom(std::wstring_view text) {
     ReadNumber number;
     while (!text.empty() && IsDigit(text.front())) {
         number.value = number.value * 10 + (text.front() - L'0');
-        number.any_digit = true;
         text.remove_prefix(1);
     }
     if (!text.empty() && text.front() == L'.') {
@@ -35,7 +33,6 @@ ReadNumber ReadNumberFrom(std::wstring_view text) {
                 fraction = fraction * 10 + (text.front() - L'0');
                 weight *= 10;
             }
-            number.any_digit = true;
             text.remove_prefix(1);
         }
         number.value += fraction / weight;
@@ -53,7 +50,6 @@ double NumericValueOf(std::wstring_view text) {
 
 std::int16_t WholeNumberOf(std::wstring_view text) {
     const ReadNumber number = ReadNumberFrom(text);
-    if (!number.any_digit) return 0;
     if (!SkipBlanks(number.rest).empty()) return 0;
     const double rounded = std::nearbyint(number.value);
     if (!(rounded >= -32768.0 && rounded <= 32767.0)) return 0;

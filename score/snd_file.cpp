@@ -192,7 +192,7 @@ std::int16_t RoundUnits(float units, int& toggle) {
         // Both settings of the toggle round down, kept as it is.
         toggle = 1 - toggle;
     }
-    return rounded < 1.0F ? std::int16_t{1} : static_cast<std::int16_t>(rounded);
+    return std::max(std::int16_t{1}, static_cast<std::int16_t>(rounded));
 }
 
 SndEncoding EncodeSnd(const TimingTables& tables, std::int16_t tempo, const FileList& list) {
@@ -223,7 +223,6 @@ SndEncoding EncodeSnd(const TimingTables& tables, std::int16_t tempo, const File
         encoding.entries_left_out = CountEntries(list) - encoding.entries_written;
     AddPair(writer.play, kEndByte, kEndByte);
     AddPair(writer.edit, kEndByte, kEndByte);
-    encoding.bytes.reserve(writer.play.size + writer.edit.size);
     for (const Block* block : {&writer.play, &writer.edit}) {
         const auto bytes = std::span(block->bytes).first(block->size);
         encoding.bytes.insert(encoding.bytes.end(), bytes.begin(), bytes.end());

@@ -18,9 +18,9 @@ bool IsUpperHexDigit(wchar_t digit) {
     return IsDigit(digit) || (digit >= L'A' && digit <= L'F');
 }
 
-/// What stands between a name's start and its end; empty when it has another start or end.
+/// What stands between a name's start and its end, which can not overlap; empty when it has another start or
+/// end.
 std::wstring_view Between(std::wstring_view name, std::wstring_view start, std::wstring_view end) {
-    if (name.size() < start.size() + end.size()) return {};
     if (!name.starts_with(start) || !name.ends_with(end)) return {};
     return name.substr(start.size(), name.size() - start.size() - end.size());
 }

@@ -428,6 +428,7 @@ TEST(FileToSoundData, TellsAMissingFileFromABadOne) {
     std::int16_t tempo = 0;
     FileList list{};
     EXPECT_EQ(FileToSoundData(tempo, list, kPath), kSndNotFound);
+    EXPECT_FALSE(desktop::Asked("ReadWholeFile")) << "it may be the name of a device";
     desk.files[kPath] = {{7, 0, 8, 0, 255}};
     EXPECT_EQ(FileToSoundData(tempo, list, kPath), kSndBadFormat);
     desk.files[kPath] = {{7, 0, 8, 0, 255, 255, 0, 0, 60, 0, 40, 3, 40, 3, 255, 255}};

@@ -151,6 +151,29 @@ TEST(MelodyText, NoOtherPitchIsTaken) {
     }
 }
 
+TEST(MelodyText, AReasonSaysWhatIsWrongWithAPitchOrLength) {
+    const std::string no_note = " is no note, r or |";
+    const std::string no_octave = " is no note: an octave 1 to 23 follows the letter, then # for a sharp";
+    const std::string outside = " is outside a1# to c23#";
+    const std::pair<const char*, std::string> pitches[] = {{"C4", no_note},
+                                                           {"h4", no_note},
+                                                           {"c", no_octave},
+                                                           {"c#", no_octave},
+                                                           {"c04", no_octave},
+                                                           {"c24", no_octave},
+                                                           {"c4b", no_octave},
+                                                           {"c0", outside},
+                                                           {"a1", outside},
+                                                           {"d23", outside},
+                                                           {"e4#", " is no note: e and b have no sharp"}};
+    for (const auto& [word, reason] : pitches)
+        EXPECT_EQ(FaultOf(std::string("tempo 120\n") + word + " 1/4\n").reason,
+                  "\"" + std::string(word) + "\"" + reason);
+    EXPECT_EQ(FaultOf("tempo 120\nr 1/3\n").reason,
+              "\"1/3\" is no length: 1/1 1/2 1/4 1/8 1/16 1/32, with . or .. on 1/1 to 1/16, "
+              "with t on 1/4 to 1/32");
+}
+
 TEST(MelodyText, EveryKindOfLine) {
     const Melody melody = Parsed("# a comment, also after an entry\n"
                                  "tempo 120\n"
@@ -323,6 +346,8 @@ TEST(MelodyText, AnyBytesAreReadOrRefusedWithALine) {
 TEST(MelodyText, AReasonShowsAWrongWordShortAndWhole) {
     EXPECT_EQ(FaultOf("tempo 120\n" + std::string(500, 'x') + " 1/4\n").reason,
               "\"" + std::string(24, 'x') + "...\" is no note, r or |");
+    EXPECT_EQ(FaultOf("tempo 120\n" + std::string(24, 'x') + " 1/4\n").reason,
+              "\"" + std::string(24, 'x') + "\" is no note, r or |");
     // Never half a character: 23 letters, then one of two bytes that would be cut.
     EXPECT_EQ(FaultOf("tempo 120\n" + std::string(23, 'x') + "\xC3\xA9yyy 1/4\n").reason,
               "\"" + std::string(23, 'x') + "...\" is no note, r or |");
@@ -343,7 +368,7 @@ TEST(MelodyText, AWordOfContinuationBytesIsCutToNothing) {
 }
 
 TEST(MelodyText, ControlCharactersOfAWrongWordAreShownAsQuestionMarks) {
-    EXPECT_EQ(FaultOf("tempo 120\nx\x1F\x7Fy 1/4\n").reason, "\"x??y\" is no note, r or |");
+    EXPECT_EQ(FaultOf("tempo 120\nx!\x1F\x7Fy 1/4\n").reason, "\"x!??y\" is no note, r or |");
     EXPECT_EQ(FaultOf("tempo 120\nx~\xC2\x80y 1/4\n").reason, "\"x~\xC2\x80y\" is no note, r or |");
 }
 

@@ -97,6 +97,17 @@ struct Preview : testing::Test {
         return static_cast<std::size_t>(found - desk.log.begin());
     }
 
+    /// Lets the clock go so many seconds before each look at the player, from shortly before midnight.
+    void ClockGoes(int step, int& gone) {
+        desk.hour = 23, desk.minute = 59, desk.second = 50;
+        desk.during_events = [this, step, &gone] {
+            if (window.Enabled) return;
+            gone += step;
+            const int now = (23 * 3600 + 59 * 60 + 50 + gone) % 86400;
+            desk.hour = now / 3600, desk.minute = now / 60 % 60, desk.second = now % 60;
+        };
+    }
+
     void ExpectIdle() {
         EXPECT_FALSE(window.preview_busy);
         EXPECT_TRUE(window.Enabled);
@@ -196,6 +207,10 @@ TEST_F(Preview, ListHoldsAtMost510Entries) {
     EXPECT_EQ(List().size(), 510u);
     Select(0, 0);
     EXPECT_EQ(List().size(), 510u);
+    Select(1, 510);
+    EXPECT_EQ(List().size(), 510u);
+    Select(1, 600); // beyond the table
+    EXPECT_EQ(List().size(), 510u);
 }
 
 TEST_F(Preview, PitchAndCodesThatNoFileHoldsAreAWriteError) {
@@ -260,9 +275,15 @@ TEST_F(Preview, NameSearchRunsOverMidnight) {
 
 TEST_F(Preview, AllNamesOfAMinuteTakenIsAWriteError) {
     FourEntries();
-    for (int i = 0; i < 60; ++i)
+    for (int i = 0; i < 59; ++i)
         desk.files[L"C:\\Temp\\" + PreviewFileName(45296 + i, L".snd")].bytes = {1};
     mnuPreview_Click(window);
+    EXPECT_TRUE(desktop::Asked("CreateOutput C:\\Temp\\$$123555.snd"));
+    EXPECT_EQ(Messages(), std::vector<std::wstring>{});
+    desk.files[L"C:\\Temp\\$$123555.snd"].bytes = {1};
+    desk.log.clear();
+    mnuPreview_Click(window);
+    EXPECT_FALSE(desktop::Asked("FocusScoreGrid"));
     ExpectSpoken(L"Write error!");
     EXPECT_EQ(Left().size(), 60u);
     ExpectIdle();
@@ -538,34 +559,48 @@ TEST_F(Preview, PlayerThatNeverEndsIsLeftLongAfterTheSound) {
     ExpectNothingLeft();
 }
 
+TEST_F(Preview, ClockThatGoesFiveSecondsBetweenTwoLooksCountsAlsoOverMidnight) {
+    FourEntries(); // 1.75 seconds
+    desk.polls_until_exit = -1;
+    int gone = 0;
+    ClockGoes(5, gone);
+    mnuPreview_Click(window);
+    EXPECT_EQ(gone, 2 + kPlayerPatience + 3);
+    ExpectNothingLeft();
+}
+
 TEST_F(Preview, ClockThatIsSetDoesNotEndTheWait) {
     FourEntries();
-    desk.polls_until_exit = 200;
-    desk.hour = 0;
-    desk.during_events = [&] {
-        if (!window.Enabled) desk.hour = (desk.hour + 1) % 24;
-    };
-    mnuPreview_Click(window);
-    EXPECT_EQ(CountLog("ExitCodeOf"), 201);
-    ExpectNothingLeft();
+    for (const int step : {6, 3600}) {
+        desk.polls_until_exit = 200;
+        desk.log.clear();
+        int gone = 0;
+        ClockGoes(step, gone);
+        mnuPreview_Click(window);
+        EXPECT_EQ(CountLog("ExitCodeOf"), 201) << step;
+        ExpectNothingLeft();
+    }
 }
 
 // The converting window.
 
-TEST_F(Preview, ConvertingWindowStepsOncePerNote) {
+TEST_F(Preview, ConvertingWindowStepsOncePerNoteEveryTime) {
     FourEntries();
     std::vector<ConvertWindow> seen;
     desk.during_events = [&] {
         if (window.FrmWavConvert.Loaded) seen.push_back(window.FrmWavConvert);
     };
-    mnuPreview_Click(window);
-    ASSERT_EQ(seen.size(), 4u); // shown, then after each of three records
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(seen[static_cast<std::size_t>(i)].Min, 0);
-        EXPECT_EQ(seen[static_cast<std::size_t>(i)].Max, 3);
-        EXPECT_EQ(seen[static_cast<std::size_t>(i)].Value, i);
+    for (int time = 0; time < 2; ++time) {
+        seen.clear();
+        mnuPreview_Click(window);
+        ASSERT_EQ(seen.size(), 4u); // shown, then after each of three records
+        for (int i = 0; i < 4; ++i) {
+            EXPECT_EQ(seen[static_cast<std::size_t>(i)].Min, 0);
+            EXPECT_EQ(seen[static_cast<std::size_t>(i)].Max, 3);
+            EXPECT_EQ(seen[static_cast<std::size_t>(i)].Value, i);
+        }
+        ExpectIdle();
     }
-    ExpectIdle();
 }
 
 TEST_F(Preview, ConvertingWindowIsUnloadedAndShownGoneBeforeThePlayerStarts) {
@@ -588,15 +623,26 @@ TEST_F(Preview, ConvertingWindowStandsInTheMiddleOfTheScreen) {
     EXPECT_EQ(window.FrmWavConvert.Top, 4785);
 }
 
+TEST_F(Preview, ConvertingWindowStandsOneTwipFromTheEdgesOfAScreenThatIsHardlyLarger) {
+    FourEntries();
+    window.screen.width = window.FrmWavConvert.Width + 2;
+    window.screen.height = window.FrmWavConvert.Height + 3;
+    mnuPreview_Click(window);
+    EXPECT_EQ(window.FrmWavConvert.Left, 1);
+    EXPECT_EQ(window.FrmWavConvert.Top, 1);
+}
+
 TEST_F(Preview, ConvertingWindowKeepsItsPlaceOnAScreenThatIsTooSmall) {
     FourEntries();
-    window.screen.width = 5400;
-    window.screen.height = 1900;
-    window.FrmWavConvert.Left = 11;
-    window.FrmWavConvert.Top = 12;
-    mnuPreview_Click(window);
-    EXPECT_EQ(window.FrmWavConvert.Left, 11);
-    EXPECT_EQ(window.FrmWavConvert.Top, 12);
+    for (const int larger : {-50, -2, 0, 1}) {
+        window.screen.width = window.FrmWavConvert.Width + larger;
+        window.screen.height = window.FrmWavConvert.Height + larger;
+        window.FrmWavConvert.Left = 11;
+        window.FrmWavConvert.Top = 12;
+        mnuPreview_Click(window);
+        EXPECT_EQ(window.FrmWavConvert.Left, 11) << larger;
+        EXPECT_EQ(window.FrmWavConvert.Top, 12) << larger;
+    }
 }
 
 TEST_F(Preview, WithoutProgressNoConvertingWindowIsLoaded) {

@@ -296,6 +296,8 @@ TEST(Score, TheSaveListOfAFullScoreHas509EntriesAndTheEnd) {
     EXPECT_EQ(CountEntries(list), 509);
     EXPECT_EQ(list[508], (FileEntry{3, 40}));
     EXPECT_EQ(list[509].code, 65535);
+    score.sound.fill({4, 41, 0}); // which no command does
+    EXPECT_EQ(BuildSaveList(score), list);
 }
 
 TEST(Score, TheSaveListOfAnEmptyScoreIsTheEndAlone) {

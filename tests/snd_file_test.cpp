@@ -113,6 +113,19 @@ TEST(SndWriter, AMelodyByteForByte) {
 TEST(SndWriter, TheTempoIsLittleEndian) {
     const Bytes edit = EditBlockOf(EncodeSnd(Tables(), 640, FileList{}).bytes);
     EXPECT_EQ(edit, (Bytes{2, 0, 128, 2, 255, 255}));
+    // Also where a list has tempos beside a change of the second byte.
+    const std::pair<std::int16_t, Bytes> cases[] = {
+        {255, {0, 0, 255, 0, 255, 255}},
+        {256, {0, 0, 0, 1, 255, 255}},
+        {511, {0, 0, 255, 1, 255, 255}},
+        {512, {0, 0, 0, 2, 255, 255}},
+    };
+    for (const auto& [tempo, expected] : cases) {
+        TimingTables tables = BuildTimingTables();
+        tables.tempo_list[0] = tempo;
+        tables.mode_tempo_bytes[0][0] = 1;
+        EXPECT_EQ(EditBlockOf(EncodeSnd(tables, tempo, FileList{}).bytes), expected) << tempo;
+    }
 }
 
 TEST(SndWriter, ATempoThatIsNotInTheListWritesNothing) {
@@ -208,6 +221,16 @@ TEST(SndWriter, TheCheapestModeIsTakenAndTiesGoToTheLower) {
     EXPECT_EQ(ChooseTimingMode(Tables(), ListOf({{4, 1}}), tempo_160), 1);          // 4, 1, 2
     EXPECT_EQ(ChooseTimingMode(Tables(), ListOf({{9, 1}, {11, 1}}), tempo_160), 2); // 2, 1, 0
     EXPECT_EQ(ChooseTimingMode(Tables(), ListOf({{109, 0}, {111, 0}}), tempo_160), 2);
+    EXPECT_EQ(ChooseTimingMode(Tables(), ListOf({{19, 1}}), tempo_160), 2); // 3, 5, 2
+}
+
+TEST(SndWriter, AModeIsOnlyTakenAtACostBelow32767) {
+    TimingTables tables = BuildTimingTables();
+    const int tempo_640 = TempoIndexOf(tables, 640); // in mode 2 only
+    tables.length_cost[2][kQuarter] = 32766;
+    EXPECT_EQ(ChooseTimingMode(tables, ListOf({{kQuarter, 26}}), tempo_640), 2);
+    tables.length_cost[2][kQuarter] = 32767;
+    EXPECT_EQ(ChooseTimingMode(tables, ListOf({{kQuarter, 26}}), tempo_640), 0);
 }
 
 TEST(SndWriter, TheCostOfALongMelodyIsSummedWhole) {
@@ -382,6 +405,13 @@ TEST(SndWriter, AWrongEntryBehindAFullBlockIsOneThatDoesNotFit) {
     std::vector<FileEntry> entries(128, {19, 26});
     entries.push_back({77, 26});
     EXPECT_EQ(EncodeSnd(Tables(), 120, ListOf(entries)).result, kSndFull);
+    // Single records up to byte 1018 or 1020, then three at once: from byte 1026 on no entry is looked at.
+    for (const std::size_t singles : {507U, 508U}) {
+        entries.assign(singles, {10, 26});
+        entries.insert(entries.end(), {{0, 26}, {77, 26}});
+        EXPECT_EQ(EncodeSnd(TablesWithUnits(48), 120, ListOf(entries)).result,
+                  singles == 507 ? kSndWriteError : kSndFull);
+    }
 }
 
 TEST(SndRounding, HalvesRoundDown) {
@@ -415,6 +445,10 @@ TEST(SndRounding, TheToggleFlipsInsideTheBandOnlyAndChangesNothing) {
     EXPECT_EQ(RoundUnits(2.5F, toggle), 2);
     EXPECT_EQ(toggle, 1);
     EXPECT_EQ(RoundUnits(2.5F, toggle), 2);
+    EXPECT_EQ(toggle, 0);
+    EXPECT_EQ(RoundUnits(2.41F, toggle), 2);
+    EXPECT_EQ(toggle, 1);
+    EXPECT_EQ(RoundUnits(2.59F, toggle), 2);
     EXPECT_EQ(toggle, 0);
     EXPECT_EQ(RoundUnits(2.75F, toggle), 3);
     EXPECT_EQ(toggle, 0);

@@ -133,6 +133,7 @@ TEST(WaveTable, OtherSampleRatesStayInsideTheTable) {
         const SynthesisResult result = WriteNoteSamples(table, {&collected, Collect}, 0, 50, 1);
         // A cycle longer than the table has phases that the table does not hold.
         EXPECT_EQ(result, rate > 22400 ? SynthesisResult::PhaseError : SynthesisResult::Done) << rate;
+        EXPECT_EQ(WriteNoteSamples(table, {&collected, Collect}, 0, 2, 1), SynthesisResult::Done) << "a rest";
     }
 }
 
@@ -301,6 +302,18 @@ TEST(Synthesis, ADriftingToneReadsTheUnfilledPartOfTheTable) {
     EXPECT_EQ(SilentTail(tone.samples), 256U);
     // Twice as long a tone leaves the table.
     EXPECT_EQ(Synthesise(103, 16 + 2, 1).result, SynthesisResult::PhaseError);
+}
+
+TEST(Synthesis, ADriftingToneThatStaysInTheTableIsCutAtItsSpansEnd) {
+    // One phase a sample: step 256, cycle 255. The span ends before the table's 384 phases do.
+    WaveTable table;
+    table.period[0] = 255;
+    for (int j = 0; j < kPhases; ++j)
+        At(table.wave[0], j) = static_cast<std::uint8_t>(j % 251);
+    Collected collected;
+    EXPECT_EQ(WriteNoteSamples(table, {&collected, Collect}, 96, 64 + 1, 1), SynthesisResult::Done);
+    const auto& wave = table.wave[0];
+    EXPECT_EQ(collected.bytes, Bytes(wave.begin(), wave.begin() + 344));
 }
 
 TEST(Synthesis, RestsAreHarmlessAtEveryPitch) {

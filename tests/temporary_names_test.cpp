@@ -33,6 +33,8 @@ TEST(TemporaryNames, OfPreviewsAreTwoDollarsHourMinuteSecond) {
     EXPECT_EQ(PreviewFileName(0, L".snd"), L"$$000000.snd");
     EXPECT_EQ(PreviewFileName(45296, L".wav"), L"$$123456.wav");
     EXPECT_EQ(PreviewFileName(32949, L".snd"), L"$$090909.snd");
+    EXPECT_EQ(PreviewFileName(36000, L".snd"), L"$$100000.snd");
+    EXPECT_EQ(PreviewFileName(37230, L".wav"), L"$$102030.wav");
     EXPECT_EQ(PreviewFileName(86399, L".snd"), L"$$235959.snd");
 }
 
@@ -41,6 +43,7 @@ TEST(TemporaryNames, OfPreviewsAreToldFromOthers) {
         EXPECT_TRUE(IsPreviewFileName(PreviewFileName(second, L".wav")));
         EXPECT_TRUE(IsPreviewFileName(PreviewFileName(second, L".snd")));
     }
+    EXPECT_TRUE(IsPreviewFileName(L"$$235959.wav"));
     for (const wchar_t* name :
          {L"$$240000.wav", L"$$126056.wav", L"$$125660.wav", L"$$12345.wav", L"$$1234567.wav", L"$123456.wav",
           L"$$123456.txt", L"$$12345x.wav", L"$$123456", L""})

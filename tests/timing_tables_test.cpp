@@ -167,6 +167,15 @@ TEST(TimingTables, EveryListedTempoIsFoundAndNoOther) {
     EXPECT_EQ(TempoIndexOf(tables, 0), -1);
 }
 
+TEST(TimingTables, AListOf100TemposIsSearchedToItsEndAndNoFurther) {
+    TimingTables tables;
+    tables.tempo_list.fill(50);
+    tables.tempo_list.back() = 40;
+    EXPECT_EQ(TempoIndexOf(tables, 50), 0);
+    EXPECT_EQ(TempoIndexOf(tables, 40), 99);
+    EXPECT_EQ(TempoIndexOf(tables, 30), -1);
+}
+
 TEST(TempoNames, LowerBoundsAreInclusiveUpperBoundsExclusive) {
     EXPECT_EQ(TempoNameOf(50), L"Lento");
     EXPECT_EQ(TempoNameOf(49), L"Largo");

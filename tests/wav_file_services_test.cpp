@@ -237,6 +237,12 @@ TEST(WavFile, OnlyTheFirstMegabyteOfASndFileIsRead) {
     desktop::Reset().files[kSnd].bytes = file;
     EXPECT_EQ(Convert(), -1);
     EXPECT_FALSE(WavIsThere());
+    // An end mark that just fits is found: only the disk, which is full, refuses then.
+    file.erase(file.end() - 4, file.end() - 2);
+    ASSERT_EQ(file.size(), std::size_t{1024} * 1024);
+    desktop::Reset().files[kSnd].bytes = file;
+    desktop::Current().disk_space = 0;
+    EXPECT_EQ(Convert(), -4);
 }
 
 TEST(WavFile, AFullDiskLeavesNoFile) {
@@ -362,6 +368,8 @@ TEST(WavFile, ItsHeaderTellsTheSecondsOfItsSound) {
     EXPECT_EQ(SecondsOfSound(kWav), 3);
     put(WavHeader(3 * kSampleRate));
     EXPECT_EQ(SecondsOfSound(kWav), 4);
+    put(WavHeader(0x12345678)); // 13851 seconds and a part of one
+    EXPECT_EQ(SecondsOfSound(kWav), 13852);
     for (std::size_t place = 0; place < kWavHeaderSize; ++place) {
         auto header = WavHeader(3 * kSampleRate);
         header[place] ^= 0x40;
