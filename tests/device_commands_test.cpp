@@ -361,6 +361,7 @@ TEST_F(Device, NoTemporaryFolderIsAWriteError) {
     desk.temporary_folder.clear();
     mnuFileOverWriteZ730_Click(window);
     EXPECT_EQ(desktop::Told(), Texts{L"Write error!"});
+    EXPECT_FALSE(desktop::Asked("CreateTemporaryFile"));
     EXPECT_FALSE(desktop::Asked("Cor_PutFile"));
     ExpectUntouched(kCacheTune, 0);
 }
@@ -400,6 +401,31 @@ TEST_F(Device, SaveToDeviceSaysWhetherTheDeviceTookTheScore) {
     EXPECT_FALSE(SaveToDevice(window));
     desk.link.conversion_count = 0;
     EXPECT_FALSE(SaveToDevice(window));
+}
+
+TEST_F(Device, SaveToDeviceIsTrueOnlyWhereItCameToTheEnd) {
+    const struct {
+        std::function<void()> bend;
+        bool saved, saved_by_name;
+    } cases[] = {
+        {[] {}, true, true},
+        {[&] { window.link_library.Cor_PutFile = nullptr; }, false, false},
+        {[&] { desk.link.conversion_count = 0; }, false, false},
+        {[&] { window.score.sound[1].pitch = 257; }, false, false},
+        {[&] { desk.link.save_choices = {std::nullopt}; }, true, false},
+        {[&] { window.link_library.Cor_ConvPathCorvaneToCache = nullptr; }, true, false},
+    };
+    for (const auto& [bend, saved, saved_by_name] : cases) {
+        for (const bool by_name : {false, true}) {
+            desk.link = {};
+            window.link_library = LoadLinkLibrary(L"C:\\Link");
+            window.link.CacheSoundDir = kSoundFolder;
+            ComposeOnDevice(by_name ? L"" : kCacheTune);
+            desk.link.save_choices = {kDeviceTune};
+            bend();
+            EXPECT_EQ(SaveToDevice(window), by_name ? saved_by_name : saved) << &bend - &cases[0].bend;
+        }
+    }
 }
 
 // Open on Veloxa.
@@ -598,6 +624,9 @@ TEST_F(Device, ACountSmallerThanTheTextKeepsThatManyCharacters) {
     desk.link.conversion_count = 22;
     mnuFileOverWriteZ730_Click(window);
     EXPECT_EQ(window.document.device_path, L"\\System\\sound\\TUNE.SND");
+    desk.link.conversion_count = 1;
+    mnuFileOverWriteZ730_Click(window);
+    EXPECT_EQ(window.document.device_path, L"\\");
 }
 
 TEST_F(Device, ACountBeyondTheTextStopsAtItsNul) {
@@ -878,7 +907,7 @@ TEST_F(Device, AListingIsReadOnlyAsFarAsItGoes) {
     desk.link.listing_count = 1000000;
     desk.link.listing_bytes = std::string(100000, 'x');
     ReopenLastFile(window, L"Sclview");
-    EXPECT_EQ(window.link.device_sounds.size(), 1u);
+    EXPECT_EQ(window.link.device_sounds, Texts{L"\\system\\sound\\" + std::wstring(8192, L'x')});
     window.link_library.Cor_DirByExt = nullptr;
     ReopenLastFile(window, L"Sclview");
     EXPECT_TRUE(window.link.device_sounds.empty());

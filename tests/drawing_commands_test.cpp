@@ -126,6 +126,11 @@ TEST(DrawStrip, OfAFullScoreEndsAtSlot508) {
     DrawStrip(*window, 490);
     for (int i = 0; i < 30; ++i)
         EXPECT_EQ(ImageOf(*window, i).Visible, i < 19) << i;
+    // Slot 510 is the table's guard, whatever it holds.
+    window->score.sound[509] = window->score.sound[510] = MakeNote(*window, 5, 30);
+    DrawStrip(*window, 490);
+    for (int i = 0; i < 30; ++i)
+        EXPECT_EQ(ImageOf(*window, i).Visible, i < 20) << i;
 }
 
 TEST(ScrollStrip, ShowsWhatDrawingAnewShows) {

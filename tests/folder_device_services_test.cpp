@@ -54,6 +54,7 @@ TEST(FolderDevice, CacheAndDevicePathsConvertIntoEachOther) {
     EXPECT_EQ(DevicePathOf(kDevice, L"C:\\Link\\pcferry\\cache"), L"\\");
     EXPECT_EQ(CachePathOf(kDevice, L"\\"), L"C:\\Link\\pcferry\\cache");
     EXPECT_EQ(CachePathOf(kDevice, L"System\\sound\\A.SND"), kSound + L"A.SND");
+    EXPECT_EQ(CachePathOf(kDevice, L"\\System\\sound\\Sax.SND"), kSound + L"Sax.SND");
 }
 
 TEST(FolderDevice, LetterCaseOfTheFolderDoesNotMatter) {
@@ -71,7 +72,8 @@ TEST(FolderDevice, PathsOutsideAreNotOnTheDevice) {
 TEST(FolderDevice, DevicePathsNeverLeaveTheFolder) {
     for (const wchar_t* path :
          {L"", L"..\\A.SND", L"\\..\\..\\A.SND", L"\\System\\..\\..\\A.SND", L"C:\\A.SND", L"\\System\\*.SND",
-          L"\\System\\?.SND", L"\\System/A.SND", L"\\System\\.."})
+          L"\\System\\?.SND", L"\\System\\<.SND", L"\\System\\>.SND", L"\\System\\|.SND", L"\\System\\\".SND",
+          L"\\System/A.SND", L"\\System\\.."})
         EXPECT_EQ(CachePathOf(kDevice, path), L"") << testing::PrintToString(std::wstring(path));
 }
 
@@ -115,6 +117,8 @@ TEST(FolderDevice, AFileIsPutThereWhole) {
     EXPECT_TRUE(PutDeviceFile(kDevice, L"\\System\\sound\\A.SND", L"C:\\Temp\\Snd1.tmp"));
     EXPECT_EQ(BytesOf(desk, kSound + L"A.SND"), "melody");
     EXPECT_EQ(BytesOf(desk, L"C:\\Temp\\Snd1.tmp"), "melody");
+    EXPECT_TRUE(PutDeviceFile(kDevice, L"\\A", L"C:\\Temp\\Snd1.tmp"));
+    EXPECT_EQ(BytesOf(desk, kDevice.root + L"\\A"), "melody") << "a name of one letter";
 }
 
 TEST(FolderDevice, AFileAboveAMegabyteIsNotPut) {
@@ -131,6 +135,7 @@ TEST(FolderDevice, NothingIsPutWhenTheSourceIsMissingOrTheTargetIsNoFile) {
     AddFile(desk, L"C:\\Temp\\Snd1.tmp", "melody");
     EXPECT_FALSE(PutDeviceFile(kDevice, L"\\System\\sound\\A.SND", L"C:\\Temp\\none.tmp"));
     EXPECT_FALSE(PutDeviceFile(kDevice, L"\\", L"C:\\Temp\\Snd1.tmp"));
+    EXPECT_FALSE(PutDeviceFile(kDevice, L"\\\\", L"C:\\Temp\\Snd1.tmp"));
     EXPECT_FALSE(PutDeviceFile(kDevice, L"", L"C:\\Temp\\Snd1.tmp"));
     EXPECT_FALSE(PutDeviceFile(kDevice, L"\\..\\..\\A.SND", L"C:\\Temp\\Snd1.tmp"));
     EXPECT_EQ(BytesOf(desk, kSound + L"A.SND"), "old");

@@ -356,6 +356,7 @@ TEST(StaffSpace, ShrinksByWholePixels) {
     EXPECT_EQ(SpaceIn(96, 749, 510), 7);
     EXPECT_EQ(SpaceIn(96, 600, 510), 5);
     EXPECT_EQ(SpaceIn(110, 900, 560), 8) << "the screen's own space is 9.2";
+    EXPECT_EQ(SpaceIn(110, 963, 574), 9) << "the first whole one below it";
 }
 
 TEST(StaffSpace, FitsSmallScreens) {

@@ -173,6 +173,9 @@ TEST_F(Commands, ADisabledWindowRunsNothing) {
 }
 
 TEST_F(Commands, AToolButtonRunsItsMenuItemsCommand) {
+    FillScore(window, 2);
+    RunToolButton(window, L"mnuNewFile");
+    EXPECT_EQ(window.score.end_count, 1);
     desk.open_choices = {std::nullopt};
     RunToolButton(window, L"mnuFileOpen");
     EXPECT_TRUE(desktop::Asked("ShowOpenDialog"));

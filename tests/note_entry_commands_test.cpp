@@ -254,6 +254,14 @@ TEST(NoteEntry, ALengthButtonElsewhereChoosesTheLengthAndSetsTheChangedFlag) {
     }
 }
 
+TEST(NoteEntry, ALengthButtonElsewhereShowsThePressedKeyAnew) {
+    auto window = SetUpWindow();
+    FillScore(*window, {Entry{0, 0, 0}});
+    window->score.sound[0] = MakeRest(*window, 23);
+    cbtNote_Click(*window, 4);
+    EXPECT_EQ(window->highlighted_button, 103);
+}
+
 // --- Appending up to the full score
 
 TEST(NoteEntry, AppendingScrollsTheStripFromTheThirtyFirstColumnOn) {
@@ -309,6 +317,7 @@ TEST(NoteEntry, TheEndColumnOfAFullScoreIsWrittenButDoesNotGrow) {
     EXPECT_EQ(window->score.end_count, 510);
     EXPECT_EQ(window->grdScore.Cols, 509);
     EXPECT_EQ(window->grdScore.view.Col, 509) << "there is no column to step to";
+    EXPECT_EQ(window->highlighted_button, 5) << "it counts as an entry, not as an end column";
 }
 
 TEST(NoteEntry, EnteringWhereTheViewIsNotBringsItThere) {
@@ -327,6 +336,12 @@ TEST(NoteEntry, EnteringWhereTheViewIsNotBringsItThere) {
     EXPECT_EQ(window->score.first_shown, 5);
     EXPECT_EQ(window->score.strip_cursor, 1);
     EXPECT_EQ(window->grdScore.view.Col, 6);
+
+    MoveCursor(*window, 70);
+    grdScore_Scroll(*window, 40); // the first column that is not shown
+    kenWhite_Click(*window, 0);
+    EXPECT_EQ(window->score.first_shown, 42);
+    EXPECT_EQ(window->score.strip_cursor, 29);
 }
 
 // --- Typed characters
@@ -437,6 +452,10 @@ TEST(GridEvents, TheViewFollowsTheEndThatMoves) {
     Select(*window, 20, 25);
     EXPECT_EQ(window->grdScore.view.LeftCol, 25);
     EXPECT_EQ(window->grdScore.view.Col, 20) << "the anchor stays";
+    Select(*window, 2, 25);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 2) << "only the anchor moved";
+    Select(*window, 3, 40);
+    EXPECT_EQ(window->grdScore.view.LeftCol, 11) << "both moved";
 }
 
 TEST(GridEvents, AKeyFirstShowsACursorOutOfViewAndLeavesItThere) {

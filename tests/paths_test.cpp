@@ -51,6 +51,15 @@ TEST(Paths, OnlyTheLastFourCharactersCount) {
     EXPECT_TRUE(HasExtension(L"tune.melody", L"lody"));
 }
 
+TEST(Paths, AnExtensionIsPutBehindANameThatHasAnother) {
+    EXPECT_EQ(WithExtension(L"C:\\a\\TUNE", L".snd"), L"C:\\a\\TUNE.snd");
+    EXPECT_EQ(WithExtension(L"C:\\a\\TUNE.SND", L".snd"), L"C:\\a\\TUNE.SND");
+    EXPECT_EQ(WithExtension(L"max", L".snd"), L"max.snd");
+    EXPECT_EQ(WithExtension(L"TUNE.wav", L".snd"), L"TUNE.wav.snd");
+    for (const wchar_t* name : {L"TUNE.", L"TUNE ", L"TUNE. .", L"TUNE ...  "})
+        EXPECT_EQ(WithExtension(name, L".snd"), L"TUNE.snd") << "Windows drops what stands there";
+}
+
 TEST(Paths, QuotesAtBothEndsAreDropped) {
     EXPECT_EQ(WithoutQuotes(L"\"C:\\a b.snd\""), L"C:\\a b.snd");
     EXPECT_EQ(WithoutQuotes(L"C:\\a b.snd"), L"C:\\a b.snd");

@@ -47,6 +47,7 @@ TEST(SingleInstance, OneCharacterShortIsReadAndThenSkipped) {
 
 TEST(SingleInstance, TheExactTitleIsFound) {
     EXPECT_EQ(Search({{L"Sound Editor", kOwner}}), (Log{"ReadCaption 1", "BringToForeground 1"}));
+    EXPECT_EQ(Search({{L"S", kOwner}}, L"S"), (Log{"ReadCaption 1", "BringToForeground 1"}));
 }
 
 TEST(SingleInstance, TheTitleIsComparedWithItsLetterCase) {
