@@ -82,9 +82,7 @@ void RunMenuItem(sndmain& window, MenuItem item) {
 void RunToolButton(sndmain& window, std::wstring_view key) {
     const auto rows = ToolButtonRows();
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (rows[i].key != key) continue;
-        if (window.toolbar_enabled[i]) Run(window, rows[i].item);
-        return;
+        if (rows[i].key == key && window.toolbar_enabled[i]) Run(window, rows[i].item);
     }
 }
 

@@ -1,6 +1,8 @@
 #include "app/menus.h"
 
+#include <algorithm>
 #include <array>
+#include <functional>
 
 namespace tonex {
 
@@ -72,18 +74,12 @@ constexpr std::array<ToolButtonRow, kToolButtons> kToolButtonRows{{
 }};
 // clang-format on
 
-// The rest of the program finds a row by its item's number and an item's state by the same number.
-constexpr bool RowsStandInOrder() {
-    for (std::size_t i = 0; i < kMenuRows.size(); ++i) {
-        if (static_cast<std::size_t>(kMenuRows[i].item) != i) return false;
-        if (i > 0 && kMenuRows[i].menu < kMenuRows[i - 1].menu) return false;
-    }
-    for (std::size_t i = 0; i < kMenuTitles.size(); ++i) {
-        if (static_cast<std::size_t>(kMenuTitles[i].menu) != i) return false;
-    }
-    return true;
-}
-static_assert(RowsStandInOrder());
+// The rest of the program finds a row by its item's number and an item's state by the same number: as many
+// rows as there are items, each of a higher item than the row before, stand in their order. So do the titles.
+static_assert(std::ranges::adjacent_find(kMenuRows, std::greater_equal(), &MenuRow::item) == kMenuRows.end());
+static_assert(std::ranges::adjacent_find(kMenuRows, std::greater(), &MenuRow::menu) == kMenuRows.end());
+static_assert(std::ranges::adjacent_find(kMenuTitles, std::greater_equal(), &MenuTitle::menu) ==
+              kMenuTitles.end());
 static_assert(kMenuItems == 32 && kMenus == 5);
 
 } // namespace

@@ -66,16 +66,14 @@ std::vector<std::wstring> DeviceFiles(const FolderDevice& device, std::wstring_v
     if (folder.empty()) return {};
     std::vector<std::wstring> names = ListFiles(folder, L"*." + std::wstring(extension));
     std::erase_if(names, [](const std::wstring& name) { return !FitsAnsi(name); });
-    std::sort(names.begin(), names.end(), [](const std::wstring& a, const std::wstring& b) {
-        const std::wstring upper_a = UpperCase(a), upper_b = UpperCase(b);
-        return upper_a != upper_b ? upper_a < upper_b : a < b;
-    });
+    std::sort(names.begin(), names.end(),
+              [](const std::wstring& a, const std::wstring& b) { return UpperCase(a) < UpperCase(b); });
     return names;
 }
 
 bool PutDeviceFile(const FolderDevice& device, std::wstring_view device_path, const std::wstring& path) {
     const std::wstring target = CachePathOf(device, device_path);
-    if (target.empty() || target.size() <= device.root.size() + 1) return false;
+    if (target.size() <= device.root.size() + 1) return false; // the folder itself, or none
     std::vector<std::uint8_t> bytes;
     if (!ReadWholeFile(path, bytes, kLargestDeviceFile + 1) || bytes.size() > kLargestDeviceFile)
         return false;

@@ -16,9 +16,9 @@ constexpr std::wstring_view kSchedulerAlarm = L"Veloxa Scheduler - Matching with
 /// The caption, cut before its first NUL; empty when it is too short for the title or can not be read.
 /// Lengths in characters are compared with the title's length in bytes; kept as it is.
 std::wstring CaptionOf(WindowId window, std::size_t title_bytes) {
-    const int size = CaptionLength(window) + 1;
-    if (size <= 0 || static_cast<std::size_t>(size) < title_bytes) return {};
-    std::wstring caption(static_cast<std::size_t>(size), L' ');
+    const std::size_t size = static_cast<std::size_t>(CaptionLength(window)) + 1;
+    if (size < title_bytes) return {};
+    std::wstring caption(size, L' ');
     if (ReadCaption(window, caption) <= 0) return {};
     return caption.substr(0, caption.find(L'\0'));
 }
