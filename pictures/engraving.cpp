@@ -45,11 +45,11 @@ void DrawFlags(const Pen& pen, const Flags& flags) {
 
 /// A bar of a sharp: `reach` to both sides of its middle, rising to the right.
 void DrawSharpBar(const Pen& pen, float middle, float y, float reach, float lean) {
-    const PathStep steps[] = {{PathStep::Move, 0, 0, 0, 0, -1, -1},
-                              {PathStep::Line, 0, 0, 0, 0, 1, -1},
-                              {PathStep::Line, 0, 0, 0, 0, 1, 1},
-                              {PathStep::Line, 0, 0, 0, 0, -1, 1},
-                              {PathStep::Close, 0, 0, 0, 0, 0, 0}};
+    const PathStep steps[] = {{.kind = PathStep::Move, .x = -1, .y = -1},
+                              {.kind = PathStep::Line, .x = 1, .y = -1},
+                              {.kind = PathStep::Line, .x = 1, .y = 1},
+                              {.kind = PathStep::Line, .x = -1, .y = 1},
+                              {PathStep::Close}};
     const float thick = 0.24F * pen.unit;
     Placement slanted;
     slanted.xx = reach;
@@ -171,8 +171,8 @@ void DrawNote(const Pen& pen, const Note& note) {
 
 RestExtent ExtentOf(const NoteLength& form) {
     switch (form.division) {
-    case 1: return {0.6F, 1.0F, -0.45F};
-    case 2: return {0.6F, 0.55F, 0.0F};
+    case 1:
+    case 2: return {.half_width = 0.6F};
     case 4: return {0.5F, 1.47F, 1.47F};
     case 8: return {0.5F, 0.78F, 1.0F};
     case 16: return {0.62F, 0.78F, 2.0F};

@@ -89,9 +89,9 @@ void DrawDots(const Pen& pen, const Dots& dots);
 void DrawThree(const Pen& pen, const Three& three);
 
 /// How far a rest reaches from its middle without dots and 3, in spaces: to both sides, above the middle line
-/// and below it.
+/// and below it. The bars of whole and half rests go by their line instead.
 struct RestExtent {
-    float half_width, top, bottom;
+    float half_width, top = 0, bottom = 0;
 };
 RestExtent ExtentOf(const NoteLength& form);
 /// How wide a rest is; whole pixels for the bars of whole and half rests.

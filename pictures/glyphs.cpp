@@ -74,7 +74,6 @@ float HeadWidth(const Strip& strip, const NoteLength& form) {
 /// Dots behind a head or a rest that ends at `left`: as far apart as the column allows.
 Dots DotsBehind(const Strip& strip, int count, float left, float middle) {
     Dots dots{.count = count, .size = DotSize(strip.unit), .left = left, .middle = middle};
-    if (count == 0) return dots;
     const int room = strip.width - static_cast<int>(std::ceil(left - kRounding)) - count * dots.size;
     dots.apart = count == 1 ? 0 : std::clamp(room / 2, 1, DotsApart(strip.unit));
     dots.gap = std::clamp(room - dots.apart, 1, DotGap(strip.unit));
@@ -98,7 +97,7 @@ Sharp SharpBefore(const Strip& strip) {
 /// Where a stem ends: at its length from the head, but not before the middle line; the flags of short values
 /// go beyond it.
 float StemEnd(const Strip& strip, const Note& note) {
-    const int flags = FlagsOf(note.form), beyond = flags > 1 ? (flags - 1) * kFlagStep : 0;
+    const int flags = FlagsOf(note.form), beyond = std::max(flags - 1, 0) * kFlagStep;
     const float length = static_cast<float>(flags > 2 ? kThirtySecondStem : kStem) * strip.scale;
     if (note.up)
         return std::min(WholePixel(note.head_middle - length), LineRow(strip, kMiddleStaffLine - beyond));

@@ -84,9 +84,9 @@ void AddPolygon(Easel& easel, std::initializer_list<GridPoint> points) {
     for (const GridPoint& p : points) {
         // 64 units a grid step, so that the tables' whole numbers are fine enough.
         const auto x = static_cast<std::int16_t>(p.x * 64), y = static_cast<std::int16_t>(-p.y * 64);
-        steps.push_back({steps.empty() ? PathStep::Move : PathStep::Line, 0, 0, 0, 0, x, y});
+        steps.push_back({.kind = steps.empty() ? PathStep::Move : PathStep::Line, .x = x, .y = y});
     }
-    steps.push_back({PathStep::Close, 0, 0, 0, 0, 0, 0});
+    steps.push_back({PathStep::Close});
     Placement placement;
     placement.xx = easel.unit / 64;
     placement.yy = -easel.unit / 64;
@@ -287,9 +287,8 @@ std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px, bool on_dark
 }
 
 std::vector<std::uint32_t> ProgramIconPixels(int size_px) {
-    if (size_px < 1) return {};
     Easel easel{size_px, static_cast<float>(size_px) / 16, {}, {}};
-    const float size = static_cast<float>(size_px), inset = size_px < 32 ? 0 : std::floor(size / 32);
+    const float size = static_cast<float>(size_px), inset = std::floor(size / 32);
     Begin(easel);
     AddRoundRectangle(easel.raster, inset, inset, size - inset, size - inset, size * 0.2F);
     const CoverageMask tile = FinishMask(easel.raster);

@@ -6,11 +6,11 @@ namespace {
 
 // The steps are short so that an outline reads like a drawing: move, line, curve, close.
 constexpr PathStep M(int x, int y) {
-    return {PathStep::Move, 0, 0, 0, 0, static_cast<std::int16_t>(x), static_cast<std::int16_t>(y)};
+    return {.kind = PathStep::Move, .x = static_cast<std::int16_t>(x), .y = static_cast<std::int16_t>(y)};
 }
 
 constexpr PathStep L(int x, int y) {
-    return {PathStep::Line, 0, 0, 0, 0, static_cast<std::int16_t>(x), static_cast<std::int16_t>(y)};
+    return {.kind = PathStep::Line, .x = static_cast<std::int16_t>(x), .y = static_cast<std::int16_t>(y)};
 }
 
 constexpr PathStep C(int x1, int y1, int x2, int y2, int x, int y) {
@@ -23,7 +23,7 @@ constexpr PathStep C(int x1, int y1, int x2, int y2, int x, int y) {
             static_cast<std::int16_t>(y)};
 }
 
-constexpr PathStep Z{PathStep::Close, 0, 0, 0, 0, 0, 0};
+constexpr PathStep Z{PathStep::Close};
 
 // clang-format off
 constexpr PathStep kBlackHeadSteps[] = {

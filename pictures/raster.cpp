@@ -63,7 +63,7 @@ void AddClippedRowPiece(float* row, int width, float x0, float x1, float height)
     const float length = high - low;
     const float outside_left = std::max(0.0F, -low) / length,
                 outside_right = std::max(0.0F, high - limit) / length;
-    if (outside_left > 0) row[0] += height * outside_left;
+    row[0] += height * outside_left;
     AddRowPiece(row, width, std::max(low, 0.0F), std::min(high, limit),
                 height * (1 - outside_left - outside_right));
 }
@@ -96,7 +96,7 @@ void AddEdge(Raster& raster, Point a, Point b, float sign) {
         AddUpright(raster, a.x, y0, y1, direction);
         return;
     }
-    const int first = static_cast<int>(y0), last = std::min(static_cast<int>(std::ceil(y1)), raster.height);
+    const int first = static_cast<int>(y0), last = static_cast<int>(std::ceil(y1));
     for (int line = first; line < last; ++line) {
         const float top = std::max(y0, static_cast<float>(line)),
                     end = std::min(y1, static_cast<float>(line + 1));
@@ -107,8 +107,7 @@ void AddEdge(Raster& raster, Point a, Point b, float sign) {
 }
 
 void AddCurve(Raster& raster, Point a, Point b, Point c, Point d, float sign) {
-    // A step of about a pixel and a half keeps the error of the chords far below what a byte of coverage
-    // shows.
+    // A step of about a pixel and a half: the chords take no more than 6 of 255 from a pixel's coverage.
     const float length = std::abs(b.x - a.x) + std::abs(b.y - a.y) + std::abs(c.x - b.x) +
                          std::abs(c.y - b.y) + std::abs(d.x - c.x) + std::abs(d.y - c.y);
     const int steps = std::clamp(static_cast<int>(length * 0.7F) + 3, 4, 24);
@@ -116,9 +115,9 @@ void AddCurve(Raster& raster, Point a, Point b, Point c, Point d, float sign) {
     for (int i = 1; i <= steps; ++i) {
         const float t = static_cast<float>(i) / static_cast<float>(steps), u = 1 - t;
         const float ka = u * u * u, kb = 3 * u * u * t, kc = 3 * u * t * t, kd = t * t * t;
-        const Point to = i == steps ? d
-                                    : Point{ka * a.x + kb * b.x + kc * c.x + kd * d.x,
-                                            ka * a.y + kb * b.y + kc * c.y + kd * d.y};
+        // The last is `d` to the bit.
+        const Point to = {ka * a.x + kb * b.x + kc * c.x + kd * d.x,
+                          ka * a.y + kb * b.y + kc * c.y + kd * d.y};
         AddEdge(raster, from, to, sign);
         from = to;
     }
@@ -134,6 +133,7 @@ constexpr int kRun = 4; ///< pixels that are looked at together
 /// Whether nothing begins or ends in a run of pixels: its differences are zeros to the bit.
 bool IsEvenRun(const float* differences) {
     std::uint64_t halves[2];
+    static_assert(sizeof halves == kRun * sizeof(float));
     std::memcpy(halves, differences, sizeof halves);
     return (halves[0] | halves[1]) == 0;
 }
@@ -158,7 +158,6 @@ Raster MakeRaster(int width, int height) {
 }
 
 void AddOutline(Raster& raster, Outline outline, const Placement& placement) {
-    if (raster.area.empty()) return;
     const float sign = placement.xx * placement.yy - placement.xy * placement.yx < 0 ? 1.0F : -1.0F;
     Point start{}, at{};
     for (const PathStep& step : outline) {
@@ -183,7 +182,7 @@ void AddOutline(Raster& raster, Outline outline, const Placement& placement) {
 }
 
 void AddRectangle(Raster& raster, float left, float top, float right, float bottom) {
-    if (raster.area.empty() || left >= right || top >= bottom) return;
+    if (left >= right || top >= bottom) return;
     AddEdge(raster, {left, top}, {left, bottom}, 1);
     AddEdge(raster, {right, bottom}, {right, top}, 1);
 }
@@ -194,7 +193,6 @@ void AddEllipse(Raster& raster, float centre_x, float centre_y, float radius_x, 
 }
 
 void AddRoundRectangle(Raster& raster, float left, float top, float right, float bottom, float radius) {
-    if (raster.area.empty()) return;
     constexpr float kRound = 0.4477F; // what a quarter circle's control points leave free of its radius
     const float rx = radius < 0 ? (right - left) / 2 : std::min(radius, (right - left) / 2);
     const float ry = radius < 0 ? (bottom - top) / 2 : std::min(radius, (bottom - top) / 2);
@@ -209,7 +207,6 @@ void AddRoundRectangle(Raster& raster, float left, float top, float right, float
 }
 
 void AddStroke(Raster& raster, float x1, float y1, float x2, float y2, float width) {
-    if (raster.area.empty()) return;
     const float length = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
     if (!(length > 0)) return;
     const float nx = (y2 - y1) / length * width / 2, ny = -(x2 - x1) / length * width / 2;
@@ -220,7 +217,6 @@ void AddStroke(Raster& raster, float x1, float y1, float x2, float y2, float wid
 
 CoverageMask FinishMask(const Raster& raster) {
     CoverageMask mask;
-    if (raster.area.empty()) return mask;
     mask.width = raster.width;
     mask.height = raster.height;
     mask.alpha.resize(static_cast<std::size_t>(raster.width) * static_cast<std::size_t>(raster.height));
@@ -229,7 +225,7 @@ CoverageMask FinishMask(const Raster& raster) {
         std::uint8_t* out = &At(mask.alpha, y * raster.width);
         float sum = 0;
         std::uint8_t covered = 0;
-        for (int x = 0; x < raster.width; ++x) {
+        for (int x = 0;; ++x) {
             // Most pixels are covered as their neighbour is.
             for (; x + kRun <= raster.width && IsEvenRun(row + x); x += kRun)
                 std::memset(out + x, covered, kRun);

@@ -19,7 +19,7 @@ struct CoverageMask {
 /// and `Line` the last (x, y), `Curve` (a cubic) all three.
 struct PathStep {
     enum Kind : std::uint8_t { Move, Line, Curve, Close } kind;
-    std::int16_t x1, y1, x2, y2, x, y;
+    std::int16_t x1 = 0, y1 = 0, x2 = 0, y2 = 0, x = 0, y = 0;
 };
 
 using Outline = std::span<const PathStep>;

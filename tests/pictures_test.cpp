@@ -1,6 +1,6 @@
-// The rasteriser, buttons, clef and icons, and pictures kept as golden files in tests/golden/. To draw the
-// golden files anew after a deliberate change run the tests once with TONEX_WRITE_GOLDEN=1: they are written
-// and the tests fail, so that a run that writes is never taken for one that compares.
+// Buttons, clef and icons, and pictures kept as golden files in tests/golden/. To draw the golden files anew
+// after a deliberate change run the tests once with TONEX_WRITE_GOLDEN=1: they are written and the tests
+// fail, so that a run that writes is never taken for one that compares.
 #include "pictures/glyphs.h"
 #include "score/codes.h"
 #include "score/rows.h"
@@ -13,112 +13,17 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tonex {
 
+using testing::AllScales;
 using testing::InkAt;
 using testing::InkOf;
 using testing::kScreenScales;
 using testing::PiecesOf;
 using testing::TestScale;
-
-TEST(Raster, RectanglesCoverTheirArea) {
-    Raster raster = MakeRaster(4, 3);
-    AddRectangle(raster, 0.5F, 1.0F, 3.0F, 2.5F);
-    const CoverageMask mask = FinishMask(raster);
-    const std::vector<std::uint8_t> expected = {0, 0, 0, 0, 128, 255, 255, 0, 64, 128, 128, 0};
-    EXPECT_EQ(mask.alpha, expected);
-}
-
-TEST(Raster, SlantedEdgesCoverTheirArea) {
-    const PathStep triangle[] = {{PathStep::Move, 0, 0, 0, 0, 1, 1},
-                                 {PathStep::Line, 0, 0, 0, 0, 23, 4},
-                                 {PathStep::Line, 0, 0, 0, 0, 9, 17},
-                                 {PathStep::Close, 0, 0, 0, 0, 0, 0}};
-    const float area = 0.5F * ((23 - 1) * (17 - 1) - (9 - 1) * (4 - 1));
-    for (const float yy : {1.0F, -1.0F}) {
-        Raster raster = MakeRaster(25, 20);
-        Placement placement;
-        placement.yy = yy;
-        placement.dy = yy < 0 ? 19.0F : 0.3F;
-        AddOutline(raster, triangle, placement);
-        EXPECT_NEAR(static_cast<double>(InkOf(FinishMask(raster))) / 255, area, 0.3);
-    }
-}
-
-TEST(Raster, AnEdgeHardlySlantedInTheFirstColumnCoversItsArea) {
-    const PathStep box[] = {{PathStep::Move, 0, 0, 0, 0, 0, 0},
-                            {PathStep::Line, 0, 0, 0, 0, 2, 0},
-                            {PathStep::Line, 0, 0, 0, 0, 2, 10},
-                            {PathStep::Line, 0, 0, 0, 0, 0, 10},
-                            {PathStep::Close, 0, 0, 0, 0, 0, 0}};
-    Raster raster = MakeRaster(4, 10);
-    Placement placement;
-    placement.xy = 1.2e-8F; // in one row no step of a single-precision number
-    placement.dx = 0.5F;
-    AddOutline(raster, box, placement);
-    EXPECT_NEAR(static_cast<double>(InkOf(FinishMask(raster))) / 255, 20.0, 0.1);
-}
-
-TEST(Raster, EllipsesCoverTheirArea) {
-    Raster raster = MakeRaster(40, 30);
-    AddEllipse(raster, 19.3F, 14.6F, 15, 10);
-    EXPECT_NEAR(static_cast<double>(InkOf(FinishMask(raster))) / 255, 3.14159 * 150, 1.5);
-}
-
-TEST(Raster, WhatLiesOutsideIsCutOff) {
-    Raster raster = MakeRaster(5, 5);
-    AddEllipse(raster, 2.5F, 2.5F, 50, 50);
-    AddEllipse(raster, -100, 2, 20, 20);
-    AddEllipse(raster, 100, -90, 20, 20);
-    AddStroke(raster, -50, -50, 60, 61, 1);
-    for (const std::uint8_t a : FinishMask(raster).alpha)
-        EXPECT_EQ(a, 255);
-}
-
-TEST(Raster, NoSizeGivesAnEmptyMask) {
-    Raster raster = MakeRaster(0, 7);
-    AddRectangle(raster, 0, 0, 1, 1);
-    AddEllipse(raster, 0, 0, 1, 1);
-    AddStroke(raster, 0, 0, 1, 1, 1);
-    EXPECT_EQ(FinishMask(raster), CoverageMask{});
-}
-
-TEST(Raster, MixedPixelsAreRounded) {
-    for (unsigned below = 0; below < 256; ++below)
-        for (unsigned above = 0; above < 256; above += 5)
-            for (unsigned share = 0; share < 256; ++share) {
-                const unsigned each = (below * (255 - share) + above * share + 127) / 255;
-                ASSERT_EQ(MixPixels(below * 0x010101, above * 0x010101, share), each * 0x010101)
-                    << below << ", " << above << ", " << share;
-            }
-    EXPECT_EQ(MixPixels(0x102030, 0xFFFFFF, 0), 0x102030U);
-    EXPECT_EQ(MixPixels(0x102030, 0xA0B0C0, 255), 0xA0B0C0U);
-}
-
-TEST(Raster, WhatIsCutOutIsRounded) {
-    for (unsigned ink = 0; ink < 256; ++ink)
-        for (unsigned hole = 0; hole < 256; ++hole) {
-            CoverageMask mask{1, 1, {static_cast<std::uint8_t>(ink)}};
-            CutOut(mask, {1, 1, {static_cast<std::uint8_t>(hole)}});
-            ASSERT_EQ(mask.alpha[0], std::lround(ink * (255 - hole) / 255.0)) << ink << ", " << hole;
-        }
-}
-
-TEST(Raster, ABlendedRowIsMixedPixelByPixel) {
-    const std::vector<std::uint8_t> coverage = {0, 0, 0,   0,   0,   255, 0, 0, 7, 0, 0,
-                                                0, 0, 255, 255, 128, 0,   1, 0, 0, 0};
-    const int most = static_cast<int>(coverage.size());
-    for (int from = 0; from <= most; ++from)
-        for (int count = 0; from + count <= most; ++count) {
-            std::vector<std::uint32_t> row(coverage.size(), 0x204060), expected = row;
-            for (int x = from; x < from + count; ++x)
-                At(expected, x) = MixPixels(0x204060, 0xF08010, At(coverage, x));
-            BlendRow(row.data() + from, coverage.data() + from, count, 0xF08010);
-            EXPECT_EQ(row, expected) << from << ", " << count;
-        }
-}
 
 TEST(Pictures, ButtonsShowTheirDotsAndTriplets) {
     for (const TestScale& scale : kScreenScales) {
@@ -163,6 +68,9 @@ TEST(Pictures, SmallButtonsStillShowTheirPicture) {
         EXPECT_NO_FATAL_FAILURE(ButtonPictureMask(picture, 1, 1, 1 / 15.0F));
     }
     EXPECT_EQ(ButtonPictureMask(1, 0, 10, 1 / 15.0F), CoverageMask{});
+    EXPECT_EQ(ButtonPictureMask(1, 10, 0, 1 / 15.0F), CoverageMask{});
+    EXPECT_EQ(ButtonPictureMask(0, 31, 34, 1 / 15.0F), CoverageMask{});
+    EXPECT_EQ(ButtonPictureMask(41, 31, 34, 1 / 15.0F), CoverageMask{});
 }
 
 TEST(Pictures, OnButtonsTheLineOfAHalfRestIsInTheMiddle) {
@@ -223,6 +131,7 @@ TEST(Pictures, ToolIconsDifferAndHaveTheSizeAskedFor) {
         }
     }
     EXPECT_TRUE(ToolIconLayers(ToolIcon::New, 0).empty());
+    EXPECT_FALSE(ToolIconLayers(ToolIcon::New, 1).empty());
 }
 
 TEST(Pictures, OnADarkToolbarNoIconIsDarkWhereItHasNoPaperBehindIt) {
@@ -285,6 +194,27 @@ TEST(Pictures, AHalfCoveredPixelKeepsItsColourWhole) {
     EXPECT_EQ(FlattenLayers({{0xC93F38, {1, 1, {0}}}}, 1), (std::vector<std::uint32_t>{0}));
 }
 
+/// Worked out in double precision: what is below shows as far as the layer above leaves it.
+TEST(Pictures, FlattenedLayersAreRoundedOnce) {
+    for (int low = 0; low < 256; low += 3)
+        for (int high = 0; high < 256; high += 5) {
+            const auto layer = [](std::uint32_t rgb, int alpha) {
+                return ColourLayer{rgb, {1, 1, {static_cast<std::uint8_t>(alpha)}}};
+            };
+            const std::uint32_t pixel =
+                FlattenLayers({layer(0x10C8FF, low), layer(0xF00A64, high)}, 1).front();
+            const double left = low * (255 - high) / 255.0, whole = high + left;
+            ASSERT_EQ(pixel >> 24, std::lround(whole)) << low << ", " << high;
+            const auto mixed = [&](int below, int above) {
+                if (whole == 0) return 0.0;
+                return std::floor((above * high + below * left) / whole + 0.5 + 1e-9); // a half is rounded up
+            };
+            ASSERT_EQ(pixel >> 16 & 255, mixed(0x10, 0xF0)) << low << ", " << high;
+            ASSERT_EQ(pixel >> 8 & 255, mixed(0xC8, 0x0A)) << low << ", " << high;
+            ASSERT_EQ(pixel & 255, mixed(0xFF, 0x64)) << low << ", " << high;
+        }
+}
+
 TEST(Pictures, OpenAndSaveOfTheOrganiserDifferAtAGlance) {
     for (const int size : {16, 20, 25, 30, 40}) {
         const auto open = FlattenLayers(ToolIconLayers(ToolIcon::OpenVeloxa, size), size);
@@ -309,6 +239,7 @@ TEST(Pictures, TheProgramIconIsARoundedTileWithPremultipliedColours) {
                 ASSERT_LE(pixel >> shift & 255, pixel >> 24);
     }
     EXPECT_TRUE(ProgramIconPixels(0).empty());
+    EXPECT_TRUE(ProgramIconPixels(-1).empty());
 }
 
 // ---- golden files ----
@@ -383,7 +314,97 @@ std::string Name(const char* what, int number) {
     return what + std::to_string(number) + ".pgm";
 }
 
+/// A sum of many pictures, for those that are too many for files.
+struct Sum {
+    std::uint64_t value = 14695981039346656037U;
+};
+
+void AddNumber(Sum& sum, std::uint32_t number) {
+    sum.value = (sum.value ^ number) * 1099511628211U;
+}
+
+void AddMask(Sum& sum, const CoverageMask& mask) {
+    AddNumber(sum, static_cast<std::uint32_t>(mask.width));
+    AddNumber(sum, static_cast<std::uint32_t>(mask.height));
+    for (const std::uint8_t alpha : mask.alpha)
+        AddNumber(sum, alpha);
+}
+
+std::string SumLine(const std::string& what, const Sum& sum) {
+    char line[80];
+    std::snprintf(line, sizeof line, "%s %08x%08x\n", what.c_str(), static_cast<unsigned>(sum.value >> 32),
+                  static_cast<unsigned>(sum.value & 0xFFFFFFFF));
+    return line;
+}
+
+/// All pictures of the strip in a column, with and without a sharp, on lines and between them.
+Sum SumOfStrip(const StripColumn& column) {
+    Sum sum;
+    for (int picture = 1; picture <= kLastPicture; ++picture)
+        for (const bool sharp : {false, true})
+            for (const int steps : {-5, 0, 9, 13}) {
+                const StripPicture shown{picture, sharp, kTopStaffLine + steps * kStepHeight};
+                const PlacedMask placed = StripPictureMask(shown, column);
+                AddNumber(sum, static_cast<std::uint32_t>(placed.top));
+                AddMask(sum, placed.mask);
+                for (const PixelBox& box : LedgerLineBoxes(shown, column))
+                    for (const int edge : {box.left, box.top, box.right, box.bottom})
+                        AddNumber(sum, static_cast<std::uint32_t>(edge));
+            }
+    return sum;
+}
+
+/// Clef and buttons.
+Sum SumOfPanels(const TestScale& scale) {
+    Sum sum;
+    AddMask(sum, ClefMask(scale.pixels_per_twip).mask);
+    for (int picture = 1; picture <= 2 * kLengthCodes; ++picture)
+        for (const auto& [width, height] : {std::pair{31, 34}, {23, 34}, {31, 25}, {12, 12}, {200, 200}})
+            AddMask(sum, ButtonPictureMask(picture, width * scale.percent / 100, height * scale.percent / 100,
+                                           scale.pixels_per_twip));
+    return sum;
+}
+
+/// The toolbar's icons with their colours.
+Sum SumOfToolIcons(int size) {
+    Sum sum;
+    for (int icon = 0; icon < kToolIcons; ++icon)
+        for (const bool on_dark : {false, true})
+            for (const std::uint32_t pixel :
+                 FlattenLayers(ToolIconLayers(static_cast<ToolIcon>(icon), size, on_dark), size))
+                AddNumber(sum, pixel);
+    return sum;
+}
+
+Sum SumOfProgramIcon(int size) {
+    Sum sum;
+    for (const std::uint32_t pixel : ProgramIconPixels(size))
+        AddNumber(sum, pixel);
+    return sum;
+}
+
 } // namespace
+
+/// The pictures at more scales than there are files of. What changes here without a deliberate change is
+/// looked at in the program.
+TEST(PicturesGolden, SumsOfAllPictures) {
+    std::string sums;
+    for (const TestScale& scale : AllScales()) {
+        const StripColumn column{scale.pixels_per_twip,
+                                 static_cast<int>(kColumnWidth * scale.pixels_per_twip + 0.01F)};
+        sums += SumLine("strip " + std::to_string(scale.percent), SumOfStrip(column));
+        sums += SumLine("panels " + std::to_string(scale.percent), SumOfPanels(scale));
+    }
+    for (const int size : {8, 12, 16, 18, 20, 22, 24, 25, 28, 30, 32, 36, 40, 44, 48, 56, 64})
+        sums += SumLine("icons " + std::to_string(size), SumOfToolIcons(size));
+    for (const int size : {8, 16, 20, 24, 31, 32, 40, 48, 64, 72, 96, 128, 256})
+        sums += SumLine("program icon " + std::to_string(size), SumOfProgramIcon(size));
+    const std::string golden = ReadGolden(GoldenPath("sums.txt"));
+    for (std::size_t from = 0, to; (to = sums.find('\n', from)) != std::string::npos; from = to + 1)
+        EXPECT_TRUE(golden.find(sums.substr(from, to + 1 - from)) != std::string::npos)
+            << sums.substr(from, to - from) << " is drawn otherwise than it was";
+    CompareWithGolden("sums.txt", sums);
+}
 
 TEST(PicturesGolden, NotesAndRests) {
     for (const TestScale& scale : kScreenScales) {
