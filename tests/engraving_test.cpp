@@ -615,6 +615,24 @@ TEST(Engraving, ASharpDoesNotMoveItsNote) {
         }
 }
 
+TEST(Engraving, ASharpWithoutWidthIsNone) {
+    const auto ink = [](const Sharp& sharp) {
+        Raster raster = MakeRaster(40, 60);
+        Note note;
+        note.form = kNoteLengths[10];
+        note.head_left = 12;
+        note.head_width = 9;
+        note.head_middle = 40;
+        note.stem_end = 12;
+        note.sharp = sharp;
+        DrawNote({raster, 8, 1}, note);
+        return InkOf(FinishMask(raster));
+    };
+    EXPECT_EQ(ink({.left = 2, .width = 0}), ink({}));
+    EXPECT_GT(ink({.left = 2, .width = 1}), ink({}));
+    EXPECT_GT(ink({.left = 2, .width = 7}), ink({.left = 2, .width = 1}));
+}
+
 TEST(Engraving, OnlyNotesHaveASharp) {
     for (int picture = 1; picture <= kLastPicture; ++picture) {
         const StripPicture plain{.picture = picture}, sharp{.picture = picture, .sharp = true};

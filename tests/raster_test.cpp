@@ -217,7 +217,7 @@ TEST(Raster, EveryPixelOfATriangleIsCoveredByItsShare) {
     }
 }
 
-/// Every placement that turns, slants or mirrors by whole numbers.
+/// Every placement that turns, slants or mirrors by steps of a half.
 TEST(Raster, AnOutlineFillsOrCutsTheSameHoweverItIsPlaced) {
     std::vector<PathStep> fills =
         TriangleOf({PathStep::Line, 0, 0, 0, 0, -3, -2}, {PathStep::Line, 0, 0, 0, 0, 3, -1},
@@ -225,7 +225,7 @@ TEST(Raster, AnOutlineFillsOrCutsTheSameHoweverItIsPlaced) {
     std::vector<PathStep> cuts = fills;
     std::swap(cuts[1], cuts[2]);
     for (int i = 0; i < 81; ++i) {
-        const auto factor = [&](int place) { return static_cast<float>(i / place % 3 - 1); };
+        const auto factor = [&](int place) { return static_cast<float>(i / place % 3 - 1) / 2; };
         const Placement placement{factor(1), factor(3), 8, factor(9), factor(27), 8};
         if (placement.xx * placement.yy == placement.xy * placement.yx) continue; // nothing is left of it
         const Corners shape = CornersOf(fills, placement);
