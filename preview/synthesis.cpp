@@ -28,10 +28,6 @@ std::uint64_t SamplesIn(int quarter_units) {
     return static_cast<std::uint64_t>(quarter_units) * kSampleRate / 256;
 }
 
-bool Write(const ByteSink& sink, const std::uint8_t* bytes, std::size_t count) {
-    return count == 0 || sink.write(sink.context, bytes, count);
-}
-
 std::size_t AtMost(std::uint64_t count, std::size_t limit) {
     return static_cast<std::size_t>(std::min<std::uint64_t>(count, limit));
 }
@@ -71,7 +67,7 @@ SynthesisResult WriteEnd(std::span<std::uint8_t> buffer, std::size_t front, std:
     std::fill_n(buffer.data() + front, AtMost(silence, buffer.size() - front), kSilence);
     while (front + silence > 0) {
         const std::size_t gap = AtMost(silence, buffer.size() - front);
-        if (!Write(sink, buffer.data(), front + gap)) return SynthesisResult::WriteError;
+        if (!sink.write(sink.context, buffer.data(), front + gap)) return SynthesisResult::WriteError;
         silence -= gap;
         std::fill_n(buffer.data(), AtMost(silence, front), kSilence);
         front = 0;
@@ -88,7 +84,7 @@ SynthesisResult WriteRepeatingTone(const Note& note, const ByteSink& sink) {
     FillTone(note, std::span(buffer).first(AtMost(tone, buffer.size())));
     const std::size_t whole = buffer.size() / RepetitionOf(note) * RepetitionOf(note);
     while (tone > buffer.size()) {
-        if (!Write(sink, buffer.data(), whole)) return SynthesisResult::WriteError;
+        if (!sink.write(sink.context, buffer.data(), whole)) return SynthesisResult::WriteError;
         tone -= whole;
     }
     return WriteEnd(buffer, static_cast<std::size_t>(tone), silence, sink);
