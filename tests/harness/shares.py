@@ -5,7 +5,7 @@ A worker takes the next share when it is done with its last, and has a screen an
 
 from xdist.scheduler.loadscope import LoadScopeScheduling
 
-LARGEST = 16  # tests; a small share keeps all workers busy to the end, a large one starts Wine less often
+LARGEST = 24  # tests; a small share keeps all workers busy to the end, a large one starts Wine less often
 
 
 class Shares(LoadScopeScheduling):

@@ -1,7 +1,7 @@
 // A server that tells the window tests what stands inside another program's windows.
 //
 // One command a line on standard input, its words separated by tabs, UTF-8; one line of JSON as the answer.
-//   windows PROGRAM.exe            all top-level windows of the processes of that name
+//   windows PROGRAM.exe            all top-level windows of the processes of that name; little of hidden ones
 //   processes PROGRAM.exe          their process identifiers
 //   children WINDOW                all windows inside a window
 //   focus WINDOW                   which window of that window's thread has the keyboard
@@ -134,6 +134,15 @@ std::string Describe(HWND window, const std::wstring& text) {
     return result;
 }
 
+// Hidden windows are most of a program's; all that can be told of one is as much work as the rest of the
+// answer.
+std::string DescribeHidden(HWND window, const std::wstring& text) {
+    wchar_t class_name[100] = L"";
+    GetClassNameW(window, class_name, 100);
+    return "{\"hwnd\":" + Number(window) + ",\"text\":" + Quoted(text) + ",\"class\":" + Quoted(class_name) +
+           ",\"visible\":false}";
+}
+
 struct Gathering {
     std::wstring program;
     std::string json;
@@ -146,7 +155,9 @@ BOOL CALLBACK GatherTopLevel(HWND window, LPARAM where) {
     if (lstrcmpiW(ProgramOf(process).c_str(), gathering.program.c_str()) == 0) {
         wchar_t text[300] = L"";
         GetWindowTextW(window, text, 300);
-        gathering.json += (gathering.json.empty() ? "" : ",") + Describe(window, text);
+        const bool visible = IsWindowVisible(window) != FALSE;
+        gathering.json += (gathering.json.empty() ? "" : ",") +
+                          (visible ? Describe(window, text) : DescribeHidden(window, text));
     }
     return TRUE;
 }
