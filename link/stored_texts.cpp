@@ -34,8 +34,7 @@ LastDocument ParseLastDocument(const std::wstring& text) {
     LastDocument last;
     const std::size_t first = text.find(L',');
     last.location_flag = WholeNumberOf(std::wstring_view(text).substr(0, first));
-    if (first == std::wstring::npos) return last;
-    const std::size_t second = text.find(L',', first + 1);
+    const std::size_t second = text.find(L',', first + 1); // none where there is no first
     if (second != std::wstring::npos) last.path = text.substr(second + 1);
     return last;
 }

@@ -527,6 +527,14 @@ TEST_F(Device, SaveAsProposesTheNameOrUntitled) {
     EXPECT_TRUE(window.score.changed);
 }
 
+TEST_F(Device, SaveAsInAFolderThatIsNotTheDevicesAsksForNoName) {
+    Compose();
+    desk.link.conversion_count = 0;
+    mnuFileSaveWithNameZ730_Click(window);
+    EXPECT_FALSE(desktop::Asked("Cor_PIMSaveFileDialog"));
+    ExpectUntouched(L"", 1);
+}
+
 TEST_F(Device, SaveAsReplacesTheCacheCopyAndHandsOver) {
     Compose();
     window.document.current_path = L"D:\\x\\SONG.SND";

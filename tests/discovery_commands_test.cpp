@@ -91,6 +91,14 @@ TEST_F(Discovery, AReportedSizeThatIsTooLargeStillFindsTheTerminator) {
     EXPECT_EQ(GetInstallDir(), L"C:\\Link");
 }
 
+TEST_F(Discovery, AValueThatGrewBetweenTheTwoQuestionsEndsInSilence) {
+    Install(L"C:\\Link");
+    desk.registry_size = 5;
+    EXPECT_EQ(GetInstallDir(), std::nullopt);
+    EXPECT_TRUE(desktop::Asked("QueryText InstallDir 6"));
+    EXPECT_TRUE(desk.messages.empty());
+}
+
 TEST_F(Discovery, EveryPathVariableHasItsPlaceBelowTheInstallation) {
     desktop::InstallLinkSoftware();
     EXPECT_TRUE(DiscoverLinkSoftware(window));

@@ -276,6 +276,8 @@ TEST(PressedKey, NothingOnARangeTheEndColumnASeparatorAndAForeignCode) {
         Select(*window, column, far_end);
         EXPECT_EQ(HighlightedButtons(*window), 0) << column << " to " << far_end;
         EXPECT_EQ(HighlightedKeys(*window), 0) << column << " to " << far_end;
+        EXPECT_EQ(window->highlighted_button, 0);
+        EXPECT_FALSE(window->highlighted_key.has_value());
     }
 }
 

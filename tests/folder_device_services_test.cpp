@@ -210,7 +210,9 @@ TEST(FolderDeviceBorder, ABackslashAsSecondByteIsPartOfItsLetter) {
     AddFile(desk, kSound + name, "x");
     char buffer[kLinkBufferSize];
     const std::string device_path = "\\System\\sound\\\x83\x5C.SND";
-    EXPECT_NE(FolderIsExist(kDevice, device_path.c_str()), 0);
+    EXPECT_EQ(FolderIsExist(kDevice, device_path.c_str()), 1);
+    EXPECT_EQ(FolderIsExist(kDevice, "\\System\\sound\\A.SND"), 0);
+    EXPECT_EQ(FolderIsExist(kDevice, nullptr), 0);
     EXPECT_EQ(FolderGetFile(kDevice, buffer, device_path.c_str()), 0);
     EXPECT_EQ(FromAnsi(buffer), kSound + name);
     EXPECT_EQ(FolderConvPathCacheToCorvane(kDevice, buffer, kLinkBufferSize, ToAnsi(kSound + name).c_str()),
@@ -220,7 +222,7 @@ TEST(FolderDeviceBorder, ABackslashAsSecondByteIsPartOfItsLetter) {
 
 TEST(FolderDeviceBorder, TellsPcFilesFromDeviceFiles) {
     FreshDesktop();
-    EXPECT_NE(FolderIsOnPcFile(kDevice, "C:\\A.SND"), 0);
+    EXPECT_EQ(FolderIsOnPcFile(kDevice, "C:\\A.SND"), 1);
     EXPECT_NE(FolderIsOnPcFile(kDevice, ""), 0);
     EXPECT_NE(FolderIsOnPcFile(kDevice, nullptr), 0);
     EXPECT_EQ(FolderIsOnPcFile(kDevice, "C:\\Link\\pcferry\\cache\\System\\sound\\NOT THERE.SND"), 0);
@@ -238,7 +240,7 @@ TEST(FolderDeviceBorder, PuttingAFileGivesZeroAndElseOne) {
 TEST(FolderDeviceBorder, FetchingAMissingFileFails) {
     FreshDesktop();
     char buffer[kLinkBufferSize] = "";
-    EXPECT_NE(FolderGetFile(kDevice, buffer, "\\System\\sound\\A.SND"), 0);
+    EXPECT_EQ(FolderGetFile(kDevice, buffer, "\\System\\sound\\A.SND"), 1);
     EXPECT_NE(FolderGetFile(kDevice, buffer, nullptr), 0);
     EXPECT_STREQ(buffer, "");
 }
@@ -270,6 +272,8 @@ TEST(FolderDeviceBorder, AListThatDoesNotFitIsCutAfterAWholeName) {
     EXPECT_EQ(names[18], '#');
     EXPECT_EQ(FolderDirByExt(kDevice, "\\System\\sound", "snd", names.data(), 1), 0);
     EXPECT_EQ(names[0], '\0');
+    names.fill('#');
     EXPECT_EQ(FolderDirByExt(kDevice, "\\System\\sound", "snd", names.data(), 0), 0);
+    EXPECT_EQ(names[0], '#');
     EXPECT_EQ(FolderDirByExt(kDevice, "\\System\\sound", "snd", nullptr, 40), 0);
 }

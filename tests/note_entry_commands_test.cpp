@@ -31,6 +31,7 @@ TEST(NoteEntry, WhiteKey0WithLength5OnAnEmptyScore) {
     EXPECT_EQ(TextOf(*window, 1), L" - ");
     EXPECT_EQ(ImageOf(*window, 0).Picture, 5);
     EXPECT_TRUE(ImageOf(*window, 0).Visible);
+    EXPECT_EQ(window->highlighted_button, 0) << "the cursor is on the end column";
     EXPECT_TRUE(window->score.changed);
     EXPECT_TRUE(window->item(MenuItem::mnuCut).Enabled);
 }
@@ -110,6 +111,8 @@ TEST(NoteEntry, RestIndicesAbove100BecomeRestCodes) {
     auto window = SetUpWindow();
     EnterAtCursor(*window, 103, kEmpty);
     EXPECT_EQ(SlotOf(*window, 0).code, 23);
+    EnterAtCursor(*window, 101, kEmpty);
+    EXPECT_EQ(SlotOf(*window, 1).code, 21);
 }
 
 TEST(NoteEntry, ARangeOfTwoColumnsTakesNothing) {

@@ -468,6 +468,14 @@ TEST_F(StartUpTest, TheSessionsEndDisconnectsAndStoresThePlacementWhateverTheLin
     }
 }
 
+TEST_F(StartUpTest, TheSessionsEndDeletesWhatAPlayerHeld) {
+    StartAndCompose();
+    desk.files[L"C:\\Temp\\$$235959.wav"] = {{1}};
+    window.leftovers = {L"C:\\Temp\\$$235959.wav"};
+    EndSession(window);
+    EXPECT_FALSE(desk.files.contains(L"C:\\Temp\\$$235959.wav"));
+}
+
 TEST_F(StartUpTest, ASecondCopyHasNothingToDoAtTheSessionsEnd) {
     StartAndCompose();
     window.second_copy = true;

@@ -152,10 +152,8 @@ void UpdateStripCursor(sndmain& window) {
 }
 
 void KeepColumnInView(sndmain& window, int column) {
-    int left = window.grdScore.view.LeftCol;
-    if (column < left) left = column;
-    if (column >= left + kGridColumnsShown) left = column - kGridColumnsShown + 1;
-    ScrollStrip(window, left);
+    const int left = window.grdScore.view.LeftCol;
+    ScrollStrip(window, std::clamp(left, column - kGridColumnsShown + 1, column));
     UpdateStripCursor(window);
 }
 

@@ -149,12 +149,9 @@ void mnuInsert_Click(sndmain& window) {
     Score& score = window.score;
     ScoreGrid& grid = window.grdScore;
     ColumnRange range = SelectedColumns(grid.view);
-    int count = range.hi - range.lo + 1;
-    if (score.end_count + count > kInsertLimit) {
-        count = kInsertLimit - score.end_count;
-        range.hi = range.lo + count - 1;
-    }
+    const int count = std::min(range.hi - range.lo + 1, kInsertLimit - score.end_count);
     if (count <= 0) return;
+    range.hi = range.lo + count - 1;
 
     MoveRight(window, range.lo, count);
     const Entry blank{kSeparator, 0, 0};
@@ -175,8 +172,7 @@ void mnuPaste_Click(sndmain& window) {
     Score& score = window.score;
     const auto& columns = window.clipboard.columns;
     const int position = SelectedColumns(window.grdScore.view).lo;
-    int count = static_cast<int>(columns.size());
-    if (score.end_count + count > kMaxEndCount) count = kMaxEndCount - score.end_count;
+    const int count = std::min(static_cast<int>(columns.size()), kMaxEndCount - score.end_count);
     if (count <= 0) return;
 
     MoveRight(window, position, count);

@@ -44,7 +44,6 @@ void AppendColumn(sndmain& window) {
     } else {
         ScrollStrip(window, score.first_shown + 1);
     }
-    if (grid.Cols > kGridColumnsShown) grid.view.LeftCol = LastLeftCol(grid);
 }
 
 void MoveOn(sndmain& window, int column) {

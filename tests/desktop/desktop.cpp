@@ -475,9 +475,8 @@ std::uint32_t QueryTextSize(RegistryKey& key, const std::wstring& name) {
 bool QueryText(RegistryKey& key, const std::wstring& name, std::wstring& buffer) {
     Log("QueryText " + Utf8(name) + " " + std::to_string(buffer.size()));
     const auto found = Current().registry.find(key.path + L"\\" + name);
-    if (found == Current().registry.end()) return false;
-    const std::size_t count = std::min(buffer.size(), found->second.size());
-    std::copy_n(found->second.begin(), count, buffer.begin());
+    if (found == Current().registry.end() || found->second.size() > buffer.size()) return false;
+    std::copy(found->second.begin(), found->second.end(), buffer.begin());
     return true;
 }
 
