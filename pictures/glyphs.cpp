@@ -341,7 +341,7 @@ std::vector<PixelBox> LedgerLineBoxes(const StripPicture& shown, const StripColu
 }
 
 CoverageMask ButtonPictureMask(int picture, int width, int height, float pixels_per_twip) {
-    if (picture < 1 || picture > 2 * kLengthCodes || width < 1 || height < 1) return {};
+    if (picture < 1 || picture > 2 * kLengthCodes) return {};
     const float w = static_cast<float>(width), h = static_cast<float>(height);
     // One scale for all buttons: the tallest picture has 4 spaces, the widest 2.7.
     const float unit = std::max(2.0F, std::min({kStaffSpace * pixels_per_twip, (h - 6) / 4, (w - 6) / 2.7F}));

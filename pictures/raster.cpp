@@ -89,8 +89,8 @@ void AddEdge(Raster& raster, Point a, Point b, float sign) {
         direction = -sign;
     }
     const float bottom = static_cast<float>(raster.height);
-    if (b.y <= 0 || a.y >= bottom) return;
     const float slope = (b.x - a.x) / (b.y - a.y);
+    // Above and below the raster no row is left of it.
     const float y0 = std::max(a.y, 0.0F), y1 = std::min(b.y, bottom);
     if (a.x == b.x && a.x > 0 && a.x < static_cast<float>(raster.width)) {
         AddUpright(raster, a.x, y0, y1, direction);
@@ -210,7 +210,7 @@ void AddStroke(Raster& raster, float x1, float y1, float x2, float y2, float wid
     const float length = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
     if (!(length > 0)) return;
     const float nx = (y2 - y1) / length * width / 2, ny = -(x2 - x1) / length * width / 2;
-    const Point corner[4] = {{x1 + nx, y1 + ny}, {x1 - nx, y1 - ny}, {x2 - nx, y2 - ny}, {x2 + nx, y2 + ny}};
+    const Point corner[] = {{x1 + nx, y1 + ny}, {x1 - nx, y1 - ny}, {x2 - nx, y2 - ny}, {x2 + nx, y2 + ny}};
     for (int i = 0; i < 4; ++i)
         AddEdge(raster, corner[i], corner[(i + 1) % 4], 1);
 }

@@ -501,7 +501,8 @@ TEST(Engraving, DotsHaveOneSize) {
 }
 
 TEST(Engraving, DotsAndTheirGapsGrowByWholePixels) {
-    for (const auto& [space, size, gap, apart] : {std::tuple{8.0F, 3, 2, 2},
+    for (const auto& [space, size, gap, apart] : {std::tuple{1.0F, 1, 1, 1},
+                                                  {8.0F, 3, 2, 2},
                                                   {9.5F, 3, 2, 2},
                                                   {9.9F, 4, 2, 2},
                                                   {10.0F, 4, 3, 2},

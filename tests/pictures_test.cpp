@@ -69,6 +69,7 @@ TEST(Pictures, SmallButtonsStillShowTheirPicture) {
     }
     EXPECT_EQ(ButtonPictureMask(1, 0, 10, 1 / 15.0F), CoverageMask{});
     EXPECT_EQ(ButtonPictureMask(1, 10, 0, 1 / 15.0F), CoverageMask{});
+    EXPECT_EQ(ButtonPictureMask(35, -10, -10, 1 / 15.0F), CoverageMask{});
     EXPECT_EQ(ButtonPictureMask(0, 31, 34, 1 / 15.0F), CoverageMask{});
     EXPECT_EQ(ButtonPictureMask(41, 31, 34, 1 / 15.0F), CoverageMask{});
 }
