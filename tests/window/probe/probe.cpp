@@ -18,10 +18,12 @@
 //   failcall WINDOW NUMBER         see probe_faults.h: the file call with that number fails
 //   failfrom WINDOW NUMBER         and all after it
 //   told WINDOW                    the items that screen readers were told to have the keyboard, since the
-//   last
-//                                  such question about any window: numbers from 1, 0 = the window itself
-//   getreg KEY NAME / setreg KEY NAME TEXT / setnumber KEY NAME NUMBER / delreg KEY NAME   current user's
-//   registry quit
+//                                  last such question about any window: numbers from 1, 0 = the window itself
+//   getreg KEY NAME                a text of the current user's registry; null when there is none
+//   setreg KEY NAME TEXT           makes one
+//   setnumber KEY NAME NUMBER      makes a number
+//   delreg KEY NAME                deletes either
+//   quit
 #include "probe_shared.h"
 
 #include <shlobj.h>
