@@ -85,7 +85,7 @@ MidiBytes Finish(Writer& writer) {
 }
 
 /// Why MIDI can not hold the melody; empty when it can.
-std::string ReasonAgainst(const Melody& melody) {
+std::string ReasonAgainstMidi(const Melody& melody) {
     const int count = CountEntries(melody.list);
     for (int i = 0; i < count; ++i) {
         const FileEntry& entry = At(melody.list, i);
@@ -148,7 +148,7 @@ MidiBytes WritePlayedMidi(const PlayBlock& block, const Melody& melody, int mode
 
 MidiBytes WriteNominalMidi(const Melody& melody, std::string_view name) {
     MidiBytes refused;
-    refused.reason = ReasonAgainst(melody);
+    refused.reason = ReasonAgainstMidi(melody);
     if (!refused.reason.empty()) return refused;
     Writer writer;
     AddText(writer, kMidiTrackName, name);

@@ -12,7 +12,7 @@ namespace {
 constexpr int kUsualLength = 4;
 constexpr int kUsualOctave = 6;
 constexpr int kUsualBeats = 63;
-constexpr int kMostBeats = 1000;
+constexpr int kMostReadBeats = 1000;
 constexpr int kShortestLength = 128;
 constexpr int kHighestOctave = 9;
 constexpr std::size_t kMostTextName = 60; ///< bytes of a name that are kept
@@ -127,7 +127,7 @@ bool SetControl(Reading& reading, char control, int value, const Word& whole) {
     default:
         if (value < 1) {
             return Wrong(reading, at,
-                         Quoted(whole) + " is no tempo: b is 1 to " + std::to_string(kMostBeats));
+                         Quoted(whole) + " is no tempo: b is 1 to " + std::to_string(kMostReadBeats));
         }
         if (reading.in_notes && value != static_cast<int>(reading.beats)) reading.tune.bends = true;
         reading.beats = value;
@@ -147,7 +147,7 @@ bool ReadControl(Reading& reading, const Word& whole) {
         Remark(reading.tune.remarks, "left out an unknown control");
         return true;
     }
-    const int value = TakeNumber(word, kMostBeats);
+    const int value = TakeNumber(word, kMostReadBeats);
     if (!word.empty() || whole.size() > kMostLetters)
         return Wrong(reading, whole.front().at, Quoted(whole) + " has no number behind the =");
     return SetControl(reading, control, value, whole);

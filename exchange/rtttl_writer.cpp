@@ -20,7 +20,7 @@ constexpr int kOctaves = 4; ///< 4 to 7
 constexpr int kHighestPitch = kLowestKey + kOctaves * kOctave - 1;
 /// Lengths in the text by those of the melody; the first wins where all do as well. With one and a half, a
 /// triplet eighth becomes a plain one.
-constexpr std::array kScales = {1.0, 1.5, 0.75, 2.0, 0.5};
+constexpr std::array kTextScales = {1.0, 1.5, 0.75, 2.0, 0.5};
 
 /// A length that the format has.
 struct TextLength {
@@ -214,7 +214,7 @@ Trial BestTrial(const Tune& tune, const std::vector<double>& played, double true
     TryBeats(as_written, played, 1.0, tune.tempo, best);
     if (best.j > 1.0) TryBeats(as_written, played, 1.0, true_tempo, best);
     if (best.j <= 1.0 || HoldsLengths(tune)) return best;
-    for (const double scale : kScales) {
+    for (const double scale : kTextScales) {
         const std::vector<TextItem> items = TextItemsOf(tune, scale);
         const std::vector<double> at_sixty = SecondsOf(items, played.size(), 60.0);
         TryBeats(items, played, scale, true_tempo * scale, best);
@@ -224,7 +224,7 @@ Trial BestTrial(const Tune& tune, const std::vector<double>& played, double true
 }
 
 /// Why a text can not hold the melody, its range aside; empty when it can.
-std::string ReasonAgainst(const Melody& melody) {
+std::string ReasonAgainstRtttl(const Melody& melody) {
     const int count = CountEntries(melody.list);
     bool note = false;
     for (int i = 0; i < count; ++i) {
@@ -255,7 +255,7 @@ RtttlText WriteRtttl(const Melody& melody, const std::vector<double>& played, do
                      std::string_view name) {
     RtttlText result;
     Tune tune = TuneOfMelody(melody);
-    result.reason = ReasonAgainst(melody);
+    result.reason = ReasonAgainstRtttl(melody);
     if (!result.reason.empty()) return result;
     if (!HalfTonesInto(RangeOf(tune), {kLowestKey, kHighestPitch}, true, result.half_tones)) {
         result.reason = "the melody is wider than the four octaves that a ring tone has";

@@ -13,7 +13,7 @@ namespace tonex {
 
 namespace {
 
-constexpr std::size_t kLargestDeviceFile = 1024 * 1024; // bytes; a melody has two thousand
+constexpr std::size_t kLargestDeviceFile = std::size_t{1024} * 1024; // bytes; a melody has two thousand
 
 // Every part of a path names something inside the folder before it.
 bool StaysInside(std::wstring_view path) {

@@ -99,7 +99,7 @@ void AddGridStroke(Easel& easel, GridPoint from, GridPoint to, float width) {
 }
 
 /// An eighth note in one colour: the head's centre, the height of the whole.
-void Note(Easel& easel, std::uint32_t rgb, float x, float y, float high) {
+void DrawEighth(Easel& easel, std::uint32_t rgb, float x, float y, float high) {
     Begin(easel);
     const float space = high * easel.unit / 3.6F;
     Placement placement;
@@ -264,7 +264,7 @@ std::vector<ColourLayer> ToolIconLayers(ToolIcon icon, int size_px, bool on_dark
     switch (icon) {
     case ToolIcon::New:
         Page(easel, 2, 1, 14, 15);
-        Note(easel, kBlue, 6.8F, 11.2F, 9.6F);
+        DrawEighth(easel, kBlue, 6.8F, 11.2F, 9.6F);
         break;
     case ToolIcon::OpenPc: Folder(easel); break;
     case ToolIcon::SavePc: Disk(easel); break;
@@ -300,7 +300,7 @@ std::vector<std::uint32_t> ProgramIconPixels(int size_px) {
         AddRectangle(easel.raster, inset, y, size - inset, y + thin);
     }
     const CoverageMask lines = FinishMask(easel.raster);
-    Note(easel, kPaper, 6.6F, 11.6F, 11.6F);
+    DrawEighth(easel, kPaper, 6.6F, 11.6F, 11.6F);
     const CoverageMask note = easel.layers.front().mask;
 
     std::vector<std::uint32_t> pixels(tile.alpha.size());

@@ -12,10 +12,10 @@ namespace {
 
 /// Samples handed over at once: the longest record, 176,400 samples, goes to the system in one write. It
 /// stands on the stack; smaller parts cost the system up to twice the time.
-constexpr std::size_t kBufferSize = 256 * 1024;
+constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 
 /// What one record asks for.
-struct Note {
+struct PlayedRecord {
     std::uint64_t samples;  ///< the whole span
     std::uint64_t sounding; ///< at this sample the tone starts to end; 0 = all silent
     std::uint32_t step;     ///< table phases a sample
@@ -34,25 +34,27 @@ std::size_t AtMost(std::uint64_t count, std::size_t limit) {
 
 /// Samples of the tone before it stops. It starts to end behind sample `sounding` and stops at the next start
 /// of a cycle, or where the note's span does.
-std::uint64_t ToneLength(const Note& note) {
-    const std::uint64_t cycles = (note.sounding + 1) * note.step / note.period + 1;
-    const std::uint64_t length = (cycles * note.period + note.step - 1) / note.step;
-    return std::min(length, note.samples);
+std::uint64_t ToneLength(const PlayedRecord& record) {
+    const std::uint64_t cycles = (record.sounding + 1) * record.step / record.period + 1;
+    const std::uint64_t length = (cycles * record.period + record.step - 1) / record.step;
+    return std::min(length, record.samples);
 }
 
 /// Samples after which the phase is back at 0 and the tone repeats.
-std::size_t RepetitionOf(const Note& note) {
-    return note.period / std::gcd(note.period, note.step);
+std::size_t RepetitionOf(const PlayedRecord& record) {
+    const std::size_t samples = record.period / std::gcd(record.period, record.step);
+    assert(samples > 0);
+    return samples;
 }
 
 /// Fills a buffer with the start of a tone: the first repetition from the table, the rest by copying.
-void FillTone(const Note& note, std::span<std::uint8_t> buffer) {
+void FillTone(const PlayedRecord& record, std::span<std::uint8_t> buffer) {
     std::uint32_t phase = 0;
-    std::size_t filled = std::min(RepetitionOf(note), buffer.size());
+    std::size_t filled = std::min(RepetitionOf(record), buffer.size());
     for (std::size_t k = 0; k < filled; ++k) {
-        buffer[k] = note.wave[phase];
-        phase += note.step;
-        if (phase >= note.period) phase -= note.period;
+        buffer[k] = record.wave[phase];
+        phase += record.step;
+        if (phase >= record.period) phase -= record.period;
     }
     while (filled < buffer.size()) {
         const std::size_t count = std::min(filled, buffer.size() - filled);
@@ -76,13 +78,13 @@ SynthesisResult WriteEnd(std::span<std::uint8_t> buffer, std::size_t front, std:
 }
 
 /// A tone whose step is no longer than its cycle: the phase never leaves the cycle and the samples repeat.
-SynthesisResult WriteRepeatingTone(const Note& note, const ByteSink& sink) {
+SynthesisResult WriteRepeatingTone(const PlayedRecord& record, const ByteSink& sink) {
     std::array<std::uint8_t, kBufferSize> buffer;
-    std::uint64_t tone = note.sounding == 0 ? 0 : ToneLength(note);
-    const std::uint64_t silence = note.samples - tone;
+    std::uint64_t tone = record.sounding == 0 ? 0 : ToneLength(record);
+    const std::uint64_t silence = record.samples - tone;
 
-    FillTone(note, std::span(buffer).first(AtMost(tone, buffer.size())));
-    const std::size_t whole = buffer.size() / RepetitionOf(note) * RepetitionOf(note);
+    FillTone(record, std::span(buffer).first(AtMost(tone, buffer.size())));
+    const std::size_t whole = buffer.size() / RepetitionOf(record) * RepetitionOf(record);
     while (tone > buffer.size()) {
         if (!sink.write(sink.context, buffer.data(), whole)) return SynthesisResult::WriteError;
         tone -= whole;
@@ -92,23 +94,23 @@ SynthesisResult WriteRepeatingTone(const Note& note, const ByteSink& sink) {
 
 /// A tone whose step is longer than its cycle. The phase goes back by one cycle a sample at most, so it grows
 /// with every sample, drifts into the unfilled part of the table and in the end out of it.
-SynthesisResult WriteDriftingTone(const Note& note, const ByteSink& sink) {
+SynthesisResult WriteDriftingTone(const PlayedRecord& record, const ByteSink& sink) {
     std::array<std::uint8_t, kBufferSize> buffer;
     std::size_t filled = 0;
     std::uint32_t phase = 0;
     bool silent = false;
     bool finishing = false;
-    for (; filled < note.samples && !silent; ++filled) {
-        if (phase >= note.wave.size()) return SynthesisResult::PhaseError;
-        buffer[filled] = note.wave[phase];
-        phase += note.step;
-        if (phase >= note.period) {
-            phase -= note.period;
+    for (; filled < record.samples && !silent; ++filled) {
+        if (phase >= record.wave.size()) return SynthesisResult::PhaseError;
+        buffer[filled] = record.wave[phase];
+        phase += record.step;
+        if (phase >= record.period) {
+            phase -= record.period;
             silent = finishing;
         }
-        finishing = filled >= note.sounding;
+        finishing = filled >= record.sounding;
     }
-    return WriteEnd(buffer, filled, note.samples - filled, sink);
+    return WriteEnd(buffer, filled, record.samples - filled, sink);
 }
 
 constexpr std::uint8_t kRateLow = kSampleRate & 255;
@@ -164,16 +166,16 @@ SynthesisResult WriteNoteSamples(const WaveTable& table, const ByteSink& sink, s
     const int sounding = tempo_byte * UnitsOfRecord(length_byte) * (length_byte >> 4);
     if (sounding >= 32768) return SynthesisResult::Overflow;
     const int pitch_class = pitch_byte % kPitchClasses;
-    const Note note{
+    const PlayedRecord record{
         .samples = NoteSampleCount(length_byte, tempo_byte),
         .sounding = SamplesIn(sounding),
         .step = std::uint32_t{1} << (pitch_byte / kPitchClasses),
         .period = static_cast<std::uint32_t>(At(table.period, pitch_class)),
         .wave = At(table.wave, pitch_class),
     };
-    if (note.sounding > 0 && note.period > kPhases) return SynthesisResult::PhaseError;
-    if (note.sounding > 0 && note.step > note.period) return WriteDriftingTone(note, sink);
-    return WriteRepeatingTone(note, sink);
+    if (record.sounding > 0 && record.period > kPhases) return SynthesisResult::PhaseError;
+    if (record.sounding > 0 && record.step > record.period) return WriteDriftingTone(record, sink);
+    return WriteRepeatingTone(record, sink);
 }
 
 std::array<std::uint8_t, kWavHeaderSize> WavHeader(std::uint32_t data_size) {

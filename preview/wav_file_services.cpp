@@ -17,7 +17,7 @@ constexpr std::int16_t kNotAMelody = -1;
 constexpr std::int16_t kFailed = -4;
 
 /// Far above the longest file that the editor writes; what is behind it is not read.
-constexpr std::size_t kMostSndBytes = 1024 * 1024;
+constexpr std::size_t kMostSndBytes = std::size_t{1024} * 1024;
 
 bool WriteToFile(void* context, const std::uint8_t* bytes, std::size_t count) {
     return WriteOutput(*static_cast<OutputFile*>(context), bytes, count);

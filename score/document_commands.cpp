@@ -47,7 +47,7 @@ std::wstring ChooseNameOnPc(sndmain& window) {
     PrepareSaveDialog(window);
     FileDialog& dialog = window.document.ComSave;
     while (ShowSaveDialog(dialog)) {
-        const std::wstring path = WithExtension(dialog.FileName, L".snd");
+        std::wstring path = WithExtension(dialog.FileName, L".snd");
         // The dialog has asked about the name it was given. Of a completed one that is taken it asks next
         // time.
         const bool asked = path == dialog.FileName || !FileExists(path);

@@ -131,7 +131,7 @@ SndResult SoundDataToFile(const TimingTables& tables, std::int16_t tempo, const 
 SndResult FileToSoundData(std::int16_t& tempo, FileList& list, const std::wstring& path) {
     if (!FileExists(path)) return kSndNotFound;
     std::vector<std::uint8_t> bytes;
-    if (!ReadWholeFile(path, bytes, 2 * kSndBlockSize)) return kSndNotFound;
+    if (!ReadWholeFile(path, bytes, std::size_t{2} * kSndBlockSize)) return kSndNotFound;
     return DecodeSnd(bytes, tempo, list);
 }
 

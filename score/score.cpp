@@ -37,7 +37,8 @@ std::optional<std::int16_t> StaffPositionOf(std::uint16_t pitch, std::int16_t st
     if (!from_zero) return std::nullopt;
     const Semitone* semitone = SemitoneOf(AsSigned(pitch));
     const int step = semitone == nullptr ? 0 : semitone->step;
-    const std::optional<std::int16_t> rise = ToInt16((*from_zero / kOctave - kZeroOctave) * kOctaveHeight);
+    const std::optional<std::int16_t> rise =
+        ToInt16(std::int64_t{*from_zero / kOctave - kZeroOctave} * kOctaveHeight);
     if (!rise) return std::nullopt;
     const std::optional<std::int16_t> position = ToInt16(step * kStepHeight + kRestPosition - *rise);
     if (!position) return std::nullopt;

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace tonex {
+namespace tonex::codes_test {
 namespace {
 
 TEST(Codes, CodesAreNotesRestsOrNeither) {
@@ -48,4 +48,4 @@ TEST(Codes, TheOctavesNumberChangesBetweenBAndC) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::codes_test

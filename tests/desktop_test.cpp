@@ -21,13 +21,13 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::desktop_test {
 
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-struct DesktopTest : testing::Test {
+struct DesktopTest : ::testing::Test {
     desktop::Desktop& desk = desktop::Reset();
 
     static Bytes Read(const std::wstring& path, std::size_t limit = 1000) {
@@ -435,3 +435,5 @@ TEST_F(DesktopTest, TheLogIsUtf8) {
     ShowMessage(L"ド é \xD83C\xDFB5");
     EXPECT_EQ(desk.log.back(), "ShowMessage \xE3\x83\x89 \xC3\xA9 \xF0\x9F\x8E\xB5");
 }
+
+} // namespace tonex::desktop_test

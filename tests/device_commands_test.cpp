@@ -15,7 +15,8 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::device_commands_test {
+
 using namespace tonex::testing;
 
 namespace {
@@ -920,3 +921,5 @@ TEST_F(Device, AListingIsReadOnlyAsFarAsItGoes) {
     ReopenLastFile(window, L"Sclview");
     EXPECT_TRUE(window.link.device_sounds.empty());
 }
+
+} // namespace tonex::device_commands_test

@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::discovery_commands_test {
 
 namespace {
 
 constexpr const wchar_t* kInstallDir = L"Software\\QMT\\Corvane-e\\PC\\InstallDir";
 constexpr const wchar_t* kMissing = L"Directory does not exist.\r\nPlease install the PC Application again.";
 
-struct Discovery : testing::Test {
+struct Discovery : ::testing::Test {
     desktop::Desktop& desk = desktop::Reset();
     sndmain window;
 
@@ -253,3 +253,5 @@ TEST_F(Remember, WithoutTheLibraryWhatLiesBelowTheCacheIsADeviceFile) {
     Run(L"");
     EXPECT_EQ(is_on_pc, 1);
 }
+
+} // namespace tonex::discovery_commands_test

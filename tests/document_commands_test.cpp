@@ -14,7 +14,8 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::document_commands_test {
+
 using namespace tonex::testing;
 
 namespace {
@@ -738,3 +739,5 @@ TEST_F(DocumentTest, ASaveSweepsWhatKilledSavesLeftLongAgo) {
     mnuFileOverWrite_Click(window);
     EXPECT_EQ(FilesWith(L"~snd"), 0);
 }
+
+} // namespace tonex::document_commands_test

@@ -8,7 +8,7 @@
 
 #include <string>
 
-namespace tonex {
+namespace tonex::drawing_commands_test {
 namespace {
 
 using namespace tonex::testing;
@@ -407,4 +407,4 @@ TEST(Doremi, IsOffWhenTheSettingIsMissing) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::drawing_commands_test

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <array>
 
-namespace tonex {
+namespace tonex::edit_commands_test {
 namespace {
 
 using namespace tonex::testing;
@@ -673,4 +673,4 @@ TEST(Undo, OfTheEntryThatFilledTheScore) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::edit_commands_test

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-namespace tonex {
+namespace tonex::enabling_commands_test {
 namespace {
 
 using namespace tonex::testing;
@@ -153,4 +153,4 @@ TEST(Enabling, LeavesTheOtherItemsAlone) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::enabling_commands_test

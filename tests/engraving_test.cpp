@@ -19,7 +19,7 @@
 #include <utility>
 #include <vector>
 
-namespace tonex {
+namespace tonex::engraving_test {
 namespace {
 
 using testing::AllScales;
@@ -800,4 +800,4 @@ TEST(Engraving, TheSignOfAnUnknownEntryIsABoxWithAQuestionMarkCutOut) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::engraving_test

@@ -10,7 +10,7 @@
 #include <random>
 #include <tuple>
 
-namespace tonex {
+namespace tonex::exchange_fit_test {
 namespace {
 
 const TimingTables& Tables() {
@@ -697,4 +697,4 @@ TEST(Tune, SpeedChangesSecondsAndTempoOnly) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::exchange_fit_test

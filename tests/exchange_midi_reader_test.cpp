@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace tonex {
+namespace tonex::exchange_midi_reader_test {
 namespace {
 
 using testing::AddTrack;
@@ -395,4 +395,4 @@ TEST(MidiReader, SmpteDivisionsAreSeconds) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::exchange_midi_reader_test

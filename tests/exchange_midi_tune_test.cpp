@@ -6,7 +6,7 @@
 #include <array>
 #include <gtest/gtest.h>
 
-namespace tonex {
+namespace tonex::exchange_midi_tune_test {
 namespace {
 
 using testing::AddTrack;
@@ -388,4 +388,4 @@ TEST(MidiTune, TemposWithinAHundredthOfEachOtherAreOne) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::exchange_midi_tune_test

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <utility>
 
-namespace tonex {
+namespace tonex::exchange_midi_voices_test {
 namespace {
 
 using testing::AddTrack;
@@ -318,4 +318,4 @@ TEST(MidiVoices, TwoThatShareTheHighestNoteBothLieHighest) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::exchange_midi_voices_test

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <random>
 
-namespace tonex {
+namespace tonex::exchange_midi_writer_test {
 namespace {
 
 using testing::Read;
@@ -228,4 +228,4 @@ TEST(MidiWriter, RefusesARecordAboveMidiFromTheShortestThatSounds) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::exchange_midi_writer_test

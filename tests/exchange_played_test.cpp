@@ -7,7 +7,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-namespace tonex {
+namespace tonex::exchange_played_test {
 namespace {
 
 const TimingTables& Tables() {
@@ -225,4 +225,4 @@ TEST(Played, SecondsAreThoseOfTheEntriesOfEachInterval) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::exchange_played_test

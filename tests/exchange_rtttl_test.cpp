@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <random>
 
-namespace tonex {
+namespace tonex::exchange_rtttl_test {
 namespace {
 
 using testing::ItemsOf;
@@ -654,4 +654,4 @@ TEST(RtttlRoundTrip, GivesEveryMelodyOfPlainLengthsWhenItIsKeptAsWritten) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::exchange_rtttl_test

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-namespace tonex {
+namespace tonex::exchange_tune_test {
 namespace {
 
 constexpr TuneKind kNote = TuneKind::Note;
@@ -153,4 +153,4 @@ TEST(Tune, ARemarkThatIsThereIsCounted) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::exchange_tune_test

@@ -22,7 +22,8 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::faults_test {
+
 using namespace tonex::testing;
 
 namespace {
@@ -456,3 +457,5 @@ TEST(FaultsTest, EveryOperationOfEveryWayFailsAndNothingIsLost) {
     std::cout << all.points << " points of failure, the user was told " << all.told << " times\n";
     EXPECT_GT(all.points, 200);
 }
+
+} // namespace tonex::faults_test

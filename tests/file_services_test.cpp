@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::file_services_test {
 
 namespace {
 
@@ -455,3 +455,5 @@ TEST(FileToSoundData, AHugeFileIsReadOnlyAsFarAsASoundFileCanReach) {
     EXPECT_EQ(FileToSoundData(tempo, list, kPath), kSndBadFormat);
     EXPECT_EQ(desk.read_limit, 2u * 1029) << "as much as two of the editor's buffers hold";
 }
+
+} // namespace tonex::file_services_test

@@ -9,7 +9,7 @@
 
 #include <array>
 
-using namespace tonex;
+namespace tonex::folder_device_services_test {
 
 namespace {
 
@@ -66,7 +66,7 @@ TEST(FolderDevice, PathsOutsideAreNotOnTheDevice) {
          {L"", L"C:\\Link\\userdata\\sound\\A.SND", L"C:\\Link\\pcferry\\cache2\\A.SND",
           L"C:\\Link\\pcferry\\cach", L"D:\\Link\\pcferry\\cache\\A.SND",
           L"C:\\Link\\pcferry\\cache\\..\\A.SND", L"C:\\Link\\pcferry\\cache\\.\\A.SND"})
-        EXPECT_EQ(DevicePathOf(kDevice, path), L"") << testing::PrintToString(std::wstring(path));
+        EXPECT_EQ(DevicePathOf(kDevice, path), L"") << ::testing::PrintToString(std::wstring(path));
 }
 
 TEST(FolderDevice, DevicePathsNeverLeaveTheFolder) {
@@ -74,7 +74,7 @@ TEST(FolderDevice, DevicePathsNeverLeaveTheFolder) {
          {L"", L"..\\A.SND", L"\\..\\..\\A.SND", L"\\System\\..\\..\\A.SND", L"C:\\A.SND", L"\\System\\*.SND",
           L"\\System\\?.SND", L"\\System\\<.SND", L"\\System\\>.SND", L"\\System\\|.SND", L"\\System\\\".SND",
           L"\\System/A.SND", L"\\System\\.."})
-        EXPECT_EQ(CachePathOf(kDevice, path), L"") << testing::PrintToString(std::wstring(path));
+        EXPECT_EQ(CachePathOf(kDevice, path), L"") << ::testing::PrintToString(std::wstring(path));
 }
 
 TEST(FolderDevice, WithoutAnInstallationEverythingIsRefused) {
@@ -277,3 +277,5 @@ TEST(FolderDeviceBorder, AListThatDoesNotFitIsCutAfterAWholeName) {
     EXPECT_EQ(names[0], '#');
     EXPECT_EQ(FolderDirByExt(kDevice, "\\System\\sound", "snd", nullptr, 40), 0);
 }
+
+} // namespace tonex::folder_device_services_test

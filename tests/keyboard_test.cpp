@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace tonex {
+namespace tonex::keyboard_test {
 namespace {
 
 TEST(Keyboard, WhiteKeyPitches) {
@@ -55,4 +55,4 @@ TEST(Keyboard, KeyWidthsAreWholePixelsAtEveryScale) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::keyboard_test

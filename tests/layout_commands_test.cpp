@@ -10,7 +10,7 @@
 #include <tuple>
 #include <vector>
 
-namespace tonex {
+namespace tonex::layout_commands_test {
 namespace {
 
 using namespace tonex::testing;
@@ -469,4 +469,4 @@ TEST(KeyLabels, FollowTheBaseOctave) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::layout_commands_test

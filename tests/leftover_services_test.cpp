@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::leftover_services_test {
 
 namespace {
 
@@ -18,7 +18,7 @@ using Paths = std::vector<std::wstring>;
 
 constexpr const wchar_t* kWav = L"C:\\Temp\\$$123456.wav";
 
-struct Leftovers : testing::Test {
+struct Leftovers : ::testing::Test {
     desktop::Desktop& desk = desktop::Reset();
     Paths leftovers;
 
@@ -117,3 +117,5 @@ TEST_F(Leftovers, OnlyNamesOfOurOwnShapeAreSwept) {
         EXPECT_TRUE(Stays(path));
     EXPECT_EQ(desk.files.size(), others.size());
 }
+
+} // namespace tonex::leftover_services_test

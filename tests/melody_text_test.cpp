@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-namespace tonex {
+namespace tonex::melody_text_test {
 namespace {
 
 const TimingTables& Tables() {
@@ -381,4 +381,4 @@ TEST(MelodyText, ACarriageReturnAloneEndsALineAlsoTheLast) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::melody_text_test

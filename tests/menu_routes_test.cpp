@@ -15,7 +15,8 @@
 #include <string_view>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::menu_routes_test {
+
 using namespace tonex::testing;
 
 namespace {
@@ -229,3 +230,5 @@ TEST_F(Commands, TheViewMenuTogglesTheNames) {
     RunMenuItem(window, MenuItem::mnuDoremi);
     EXPECT_FALSE(window.doremi);
 }
+
+} // namespace tonex::menu_routes_test

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::message_services_test {
 
 namespace {
 
@@ -82,3 +82,5 @@ TEST_F(Messages, ADoubleByteCharacterCountsAsTwo) {
     desk.code_page = 1252;
     EXPECT_TRUE(CheckNameLength(L"メロディー.snd"));
 }
+
+} // namespace tonex::message_services_test

@@ -6,7 +6,7 @@
 
 #include <utility>
 
-namespace tonex {
+namespace tonex::note_entry_commands_test {
 namespace {
 
 using namespace tonex::testing;
@@ -573,4 +573,4 @@ TEST(StripEvents, AClickBehindTheEndDoesNothing) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::note_entry_commands_test

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace tonex {
+namespace tonex::note_names_test {
 namespace {
 
 std::wstring Grid(int pitch, bool doremi = false) {
@@ -141,4 +141,4 @@ TEST(CellText, WhatIsTooLongIsCut) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::note_names_test

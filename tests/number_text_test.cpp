@@ -5,7 +5,7 @@
 #include <limits>
 #include <string>
 
-namespace tonex {
+namespace tonex::number_text_test {
 namespace {
 
 TEST(NumberText, NumericValueReadsTheNumberAtTheFront) {
@@ -84,4 +84,4 @@ TEST(NumberText, BlanksAndTabsInFrontAreSkipped) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::number_text_test

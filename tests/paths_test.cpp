@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+namespace tonex::paths_test {
 
-using namespace tonex;
+namespace {
 
 TEST(Paths, FileNameIsBehindTheLastBackslash) {
     EXPECT_EQ(FileNameOfPath(L"abc"), L"abc");
@@ -118,3 +118,5 @@ TEST(Paths, UpperCaseChangesPlainLettersOnly) {
 }
 
 } // namespace
+
+} // namespace tonex::paths_test

@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-namespace tonex {
+namespace tonex::pictures_test {
 
 using testing::AllScales;
 using testing::InkAt;
@@ -453,4 +453,4 @@ TEST(PicturesGolden, Icons) {
     }
 }
 
-} // namespace tonex
+} // namespace tonex::pictures_test

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::player_test {
 
 namespace {
 
@@ -219,3 +219,5 @@ TEST(PlayerWav, AChunkSizeThatWouldWrapEndsTheSearch) {
     WavFormat format;
     EXPECT_EQ(Read(file, format), WavFault::NoFormat);
 }
+
+} // namespace tonex::player_test

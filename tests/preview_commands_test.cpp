@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::preview_commands_test {
 
 namespace {
 
@@ -28,7 +28,7 @@ constexpr const wchar_t* kSndPath = L"C:\\Temp\\$$123456.snd";
 constexpr const wchar_t* kWavPath = L"C:\\Temp\\$$123456.wav";
 
 /// A window with an empty score, ready to play, on a fresh desktop whose clock stands at 12:34:56.
-struct Preview : testing::Test {
+struct Preview : ::testing::Test {
     desktop::Desktop& desk = desktop::Reset();
     sndmain window;
 
@@ -832,3 +832,5 @@ TEST_F(Preview, CommandDoesNotOpenThePreviewWindow) {
     mnuPreview_Click(window);
     EXPECT_FALSE(desktop::Asked("PlaySoundFile"));
 }
+
+} // namespace tonex::preview_commands_test

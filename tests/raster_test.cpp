@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace tonex {
+namespace tonex::raster_test {
 
 using testing::InkAt;
 using testing::InkOf;
@@ -332,4 +332,4 @@ TEST(Raster, SizesBelow1GiveAnEmptyRaster) {
     }
 }
 
-} // namespace tonex
+} // namespace tonex::raster_test

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace tonex {
+namespace tonex::rows_test {
 namespace {
 
 TEST(Rows, AtGivesTheItemItself) {
@@ -39,4 +39,4 @@ TEST(RowsDeathTest, APlaceOutsideTheRowStopsTheProgram) {
 #endif
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::rows_test

@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-namespace {
+namespace tonex::score_test {
 
-using namespace tonex;
+namespace {
 
 constexpr Entry kEmptySlot{65535, 65535, 65535};
 
@@ -360,3 +360,5 @@ TEST(Score, CountOfAListWithoutAnEndIsItsLength) {
 }
 
 } // namespace
+
+} // namespace tonex::score_test

@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::settings_commands_test {
 
 namespace {
 
 constexpr const wchar_t* kPlacement = L"Corvane\\Tonex\\WindwInformation";
 constexpr const wchar_t* kReminder = L"Corvane\\Global\\MsgDsp";
 
-struct Settings : testing::Test {
+struct Settings : ::testing::Test {
     desktop::Desktop& desk = desktop::Reset();
     sndmain window;
 
@@ -219,3 +219,5 @@ TEST_F(Settings, AboutIsShown) {
     MenuVersion_Click(window);
     EXPECT_EQ(desk.log, std::vector<std::string>{"ShowAboutWindow"});
 }
+
+} // namespace tonex::settings_commands_test

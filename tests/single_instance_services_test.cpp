@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::single_instance_services_test {
 
 namespace {
 
@@ -99,3 +99,5 @@ TEST(SingleInstance, NothingHappensWhenNoWindowMatches) {
     EXPECT_EQ(Search({}), Log{});
     EXPECT_EQ(Search({{L"Another program's window", kOwner}}), (Log{"ReadCaption 1"}));
 }
+
+} // namespace tonex::single_instance_services_test

@@ -7,9 +7,10 @@
 #include <utility>
 #include <vector>
 
+namespace tonex::snd_file_test {
+
 namespace {
 
-using namespace tonex;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::uint16_t kQuarter = 10;
@@ -710,3 +711,5 @@ TEST(SndFile, EveryMelodyComesBackAndSavesToTheSameBytes) {
 }
 
 } // namespace
+
+} // namespace tonex::snd_file_test

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace tonex {
+namespace tonex::staff_test {
 namespace {
 
 // --- Pictures
@@ -120,4 +120,4 @@ TEST(StaffOffset, IsTakenOutAgainWhereTheHeadIsDrawn) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::staff_test

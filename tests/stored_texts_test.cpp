@@ -6,7 +6,7 @@
 
 #include <string>
 
-using namespace tonex;
+namespace tonex::stored_texts_test {
 
 TEST(StoredTexts, LastDocumentHoldsFlagDisplayNameAndPath) {
     EXPECT_EQ(LastDocumentText(1, L"C:\\x\\A.SND"), L"1,PC:A.SND,C:\\x\\A.SND");
@@ -79,3 +79,5 @@ TEST(StoredTexts, PlacementWithoutFiveWholeNumbersIsNone) {
         EXPECT_FALSE(ParsePlacement(text)) << desktop::Utf8(text);
     }
 }
+
+} // namespace tonex::stored_texts_test

@@ -9,9 +9,10 @@
 #include <utility>
 #include <vector>
 
+namespace tonex::synthesis_test {
+
 namespace {
 
-using namespace tonex;
 using Bytes = std::vector<std::uint8_t>;
 
 struct Collected {
@@ -374,3 +375,5 @@ TEST(WavHeader, WithoutSamplesTheRiffSizeIs36) {
 }
 
 } // namespace
+
+} // namespace tonex::synthesis_test

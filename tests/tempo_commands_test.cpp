@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-namespace tonex {
+namespace tonex::tempo_commands_test {
 namespace {
 
 using testing::SetUpWindow;
@@ -191,4 +191,4 @@ TEST(TempoList, LeavingItWithoutChoosingBringsEverythingBack) {
 }
 
 } // namespace
-} // namespace tonex
+} // namespace tonex::tempo_commands_test

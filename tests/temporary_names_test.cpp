@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace tonex;
+namespace tonex::temporary_names_test {
 
 TEST(TemporaryNames, OfSavesAreNoLongerThanTheShortestNamesThatFitEverywhere) {
     EXPECT_EQ(SaveName(7), L"~snd7.tmp");
@@ -49,3 +49,5 @@ TEST(TemporaryNames, OfPreviewsAreToldFromOthers) {
           L"$$123456.txt", L"$$12345x.wav", L"$$123456", L""})
         EXPECT_FALSE(IsPreviewFileName(name));
 }
+
+} // namespace tonex::temporary_names_test

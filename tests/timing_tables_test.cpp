@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-namespace {
+namespace tonex::timing_tables_test {
 
-using namespace tonex;
+namespace {
 
 struct TempoRow {
     std::int16_t tempo;
@@ -232,3 +232,5 @@ TEST(TimingTables, LengthCostOfLongDurationsHasItsGapAt81) {
 }
 
 } // namespace
+
+} // namespace tonex::timing_tables_test

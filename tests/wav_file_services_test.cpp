@@ -10,9 +10,10 @@
 #include <string>
 #include <vector>
 
+namespace tonex::wav_file_services_test {
+
 namespace {
 
-using namespace tonex;
 using Bytes = std::vector<std::uint8_t>;
 
 const std::wstring kSnd = L"C:\\Temp\\$$123456.snd";
@@ -151,7 +152,7 @@ TEST(WavFile, ARejectedHeaderCreatesNothing) {
         auto& desk = desktop::Reset();
         desk.files[kSnd].bytes = file;
         Told told;
-        EXPECT_EQ(Convert(told), -1) << testing::PrintToString(file);
+        EXPECT_EQ(Convert(told), -1) << ::testing::PrintToString(file);
         EXPECT_FALSE(WavIsThere());
         EXPECT_TRUE(told.numbers.empty());
         desk.files[kWav].bytes = {1, 2, 3};
@@ -396,3 +397,5 @@ TEST(WavFile, WhereverTheDiskFailsForGoodTheResultSaysSo) {
 }
 
 } // namespace
+
+} // namespace tonex::wav_file_services_test

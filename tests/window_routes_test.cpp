@@ -16,7 +16,8 @@
 #include <string>
 #include <vector>
 
-using namespace tonex;
+namespace tonex::window_routes_test {
+
 using namespace tonex::testing;
 
 namespace {
@@ -552,3 +553,5 @@ TEST_F(Reminder, IsNotShownWhenTheDisconnectIsRefused) {
     EXPECT_FALSE(CloseAllowed(window));
     EXPECT_FALSE(desktop::Asked("ShowTransferReminder"));
 }
+
+} // namespace tonex::window_routes_test

@@ -28,7 +28,7 @@ struct OutputFile {
 namespace {
 
 constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
-constexpr std::size_t kReadStep = 64 * 1024;
+constexpr std::size_t kReadStep = std::size_t{64} * 1024;
 
 /// The path as the system takes it; false for a path that no system call could be given.
 bool ToSystemPath(const std::wstring& path, std::string& bytes) {

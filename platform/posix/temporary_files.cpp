@@ -32,7 +32,7 @@ std::wstring CreateTemporaryFile(const std::wstring& folder, const std::wstring&
     if (!front.empty() && front.back() != L'/') front.push_back(L'/');
     front += prefix.substr(0, 3);
     for (int i = 0; i < kTries; ++i) {
-        const std::wstring path = front + std::to_wstring(UniqueNumber()) + L".tmp";
+        std::wstring path = front + std::to_wstring(UniqueNumber()) + L".tmp";
         OutputFilePtr file = CreateOutput(path);
         if (file != nullptr && CloseOutput(std::move(file))) return path;
     }

@@ -20,7 +20,7 @@ constexpr std::array<std::uint8_t, 4> kHelpFileMark = {0x3F, 0x5F, 0x03, 0x00};
 
 // Since Vista the system holds a reader of a few kilobytes that only says that there is none. The real one,
 // which can be added, has more than this.
-constexpr std::uint64_t kSmallestRealReader = 64 * 1024;
+constexpr std::uint64_t kSmallestRealReader = std::uint64_t{64} * 1024;
 
 constexpr DWORD kReaderPatience = 2000; // milliseconds until the reader has a window on the screen
 constexpr DWORD kReaderLook = 20;       // milliseconds

@@ -22,7 +22,7 @@ struct Release {
 };
 template <class Interface> using Owned = std::unique_ptr<Interface, Release>;
 
-Owned<IFileDialog> MakeDialog(const CLSID& kind) {
+Owned<IFileDialog> CreateFileDialog(const CLSID& kind) {
     using Create = HRESULT(WINAPI*)(REFCLSID, IUnknown*, DWORD, REFIID, void**);
     const auto create = LibraryFunction<Create>(SystemLibrary(L"ole32.dll"), "CoCreateInstance");
     void* made = nullptr;
@@ -70,7 +70,7 @@ std::wstring ChosenPath(IFileDialog& shown) {
     const Owned<IShellItem> chosen(item);
     wchar_t* path = nullptr;
     if (FAILED(chosen->GetDisplayName(SIGDN_FILESYSPATH, &path))) return {};
-    const std::wstring text = path;
+    std::wstring text = path;
     const auto free = LibraryFunction<void(WINAPI*)(void*)>(SystemLibrary(L"ole32.dll"), "CoTaskMemFree");
     if (free) free(path);
     return text;
@@ -80,7 +80,7 @@ std::wstring ChosenPath(IFileDialog& shown) {
 
 DialogAnswer ShowItemDialog(FileDialog& dialog, DialogTask task) {
     const bool open = task == DialogTask::Open;
-    const Owned<IFileDialog> shown = MakeDialog(open ? CLSID_FileOpenDialog : CLSID_FileSaveDialog);
+    const Owned<IFileDialog> shown = CreateFileDialog(open ? CLSID_FileOpenDialog : CLSID_FileSaveDialog);
     // The save itself finds out whether the folder takes the file; the dialog need not try with an empty one.
     const DWORD options = open ? FOS_FILEMUSTEXIST : FOS_OVERWRITEPROMPT | FOS_NOTESTFILECREATE;
     if (!shown || !Prepare(*shown, dialog, options)) return DialogAnswer::Missing;

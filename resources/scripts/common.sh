@@ -24,7 +24,7 @@ as_root() {
 packages="cmake ninja-build g++ g++-mingw-w64-i686-win32 googletest libgtest-dev libbenchmark-dev libcli11-dev
 nlohmann-json3-dev libpng-dev python3 python3-markdown-it nsis
 wine wine32:i386 fonts-vlgothic fonts-wine locales xvfb openbox
-clang-format cppcheck python3-pytest python3-pytest-xdist python3-xlib python3-pil python3-pefile libasound2-plugins:i386
+clang-format clang-tidy cppcheck python3-pytest python3-pytest-xdist python3-xlib python3-pil python3-pefile libasound2-plugins:i386
 sox strace abcmidi midicsv python3-mido"
 
 missing_packages() {

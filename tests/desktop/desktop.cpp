@@ -96,22 +96,24 @@ std::string Utf8(const std::wstring& text) {
     return out;
 }
 
+void Log(const std::string& line) {
+    Current().log.push_back(line);
+}
+
+void Log(const std::string& call, const std::wstring& text) {
+    Log(call + " " + Utf8(text));
+}
+
 } // namespace tonex::desktop
 
 namespace tonex {
 
 using desktop::Current;
 using desktop::Desktop;
+using desktop::Log;
 using desktop::Utf8;
 
 namespace {
-
-void Log(const std::string& line) {
-    Current().log.push_back(line);
-}
-void Log(const std::string& call, const std::wstring& text) {
-    Log(call + " " + Utf8(text));
-}
 
 /// A question that no test has answered: the test fails here, where the question can be read.
 [[noreturn]] void Unanswered(const std::string& question) {

@@ -149,6 +149,9 @@ Desktop& Current();
 void InstallLinkSoftware();
 /// UTF-8, as the log writes texts.
 std::string Utf8(const std::wstring& text);
+/// Adds a line to the log: a call, with its text.
+void Log(const std::string& line);
+void Log(const std::string& call, const std::wstring& text);
 /// The texts of all message boxes so far.
 std::vector<std::wstring> Told();
 /// Whether the log has a line that begins with the text.

@@ -14,12 +14,10 @@ namespace {
 
 using desktop::Current;
 using desktop::LinkScript;
+using desktop::Log;
 
 LinkScript& Script() {
     return Current().link;
-}
-void Log(const std::string& line) {
-    Current().log.push_back(line);
 }
 std::string Shown(const char* ansi) {
     return desktop::Utf8(FromAnsi(ansi));

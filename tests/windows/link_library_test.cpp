@@ -140,11 +140,6 @@ void UseDevice(const LinkLibrary& library, const Installation& installation) {
     EXPECT_EQ(library.Cor_DoDisconnect(), 0);
 }
 
-struct CurrentFolder {
-    explicit CurrentFolder(const std::wstring& folder) { SetCurrentDirectoryW(folder.c_str()); }
-    ~CurrentFolder() { SetCurrentDirectoryW(L"C:\\"); }
-};
-
 // A buffer of the size that the editor passes, with marks on both sides that nothing may write on.
 struct GuardedBuffer {
     std::array<char, kLinkBufferSize + 32> room;

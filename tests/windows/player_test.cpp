@@ -23,11 +23,6 @@ std::uint32_t WaitForEnd(ProcessHandle process) {
     return kStillActive;
 }
 
-struct CurrentFolder {
-    explicit CurrentFolder(const std::wstring& folder) { SetCurrentDirectoryW(folder.c_str()); }
-    ~CurrentFolder() { SetCurrentDirectoryW(L"C:\\"); }
-};
-
 // A kind of document for which the system knows a program, made for the test.
 struct PlayableKind {
     TestKey extension{L".tnxtest", HKEY_CLASSES_ROOT};

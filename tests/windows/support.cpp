@@ -123,6 +123,13 @@ bool IsFolder(const std::wstring& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+CurrentFolder::CurrentFolder(const std::wstring& folder) {
+    SetCurrentDirectoryW(folder.c_str());
+}
+CurrentFolder::~CurrentFolder() {
+    SetCurrentDirectoryW(L"C:\\");
+}
+
 std::wstring TestProgram() {
     wchar_t path[MAX_PATH] = L"";
     GetModuleFileNameW(nullptr, path, MAX_PATH);

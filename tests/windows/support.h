@@ -30,6 +30,14 @@ std::string ReadBytes(const std::wstring& path);
 void MakeFolder(const std::wstring& path);
 bool IsFolder(const std::wstring& path);
 
+/// A current folder for a while; afterwards it is the drive's root again.
+struct CurrentFolder {
+    explicit CurrentFolder(const std::wstring& folder);
+    ~CurrentFolder();
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+};
+
 /// The path of the test program itself.
 std::wstring TestProgram();
 

@@ -37,7 +37,7 @@ struct Talk {
 std::wstring UsualFolder() {
     wchar_t path[MAX_PATH] = L"";
     if (SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_PERSONAL, nullptr, SHGFP_TYPE_CURRENT, path))) {
-        const std::wstring folder = std::wstring(path) + L"\\Corvane";
+        std::wstring folder = std::wstring(path) + L"\\Corvane";
         if (IsUsableFolder(folder)) return folder;
     }
     const UINT length = GetWindowsDirectoryW(path, static_cast<UINT>(std::size(path)));

@@ -47,7 +47,7 @@ std::string Bitmap(int size, const std::vector<std::uint8_t>& pixels) {
     for (std::uint32_t y = wide; y-- > 0;) {
         std::string row(mask_row, '\0');
         for (std::uint32_t x = 0; x < wide; ++x) {
-            const std::uint8_t* p = &pixels[(y * wide + x) * 4];
+            const std::uint8_t* p = &pixels[(std::size_t{y} * wide + x) * 4];
             for (const int channel : {2, 1, 0, 3})
                 bytes += static_cast<char>(p[channel]);
             if (p[3] < 128) row[x / 8] = static_cast<char>(row[x / 8] | 0x80 >> x % 8);

@@ -67,7 +67,7 @@ std::vector<std::string> StartConsole(int, char**) {
 }
 
 std::wstring PathOfArgument(const std::string& argument) {
-    const std::wstring wide = WideOf(argument);
+    std::wstring wide = WideOf(argument);
     const DWORD needed = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
     if (needed == 0) return wide;
     std::wstring path(needed, L'\0');

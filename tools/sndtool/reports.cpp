@@ -88,7 +88,7 @@ std::string LinesOf(const Report& report) {
     std::string text;
     for (const auto& [label, line] : report.lines) {
         const std::size_t pad = label.size() < kLabelWidth ? kLabelWidth - label.size() : 1;
-        text += "  " + label + std::string(pad, ' ') + line + "\n";
+        text.append("  ").append(label).append(pad, ' ').append(line).append("\n");
     }
     return text;
 }

@@ -12,7 +12,7 @@ namespace tonex {
 
 namespace {
 
-constexpr std::size_t kWriteStep = 256 * 1024;
+constexpr std::size_t kWriteStep = std::size_t{256} * 1024;
 
 /// Samples on their way to a stream; to nowhere when there is none, to try a melody out.
 struct SampleWriter {
