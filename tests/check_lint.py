@@ -23,9 +23,9 @@ FINDING = re.compile(r"^([^:\n]+):(\d+)(?::\d+)?: (?!note:)(?:(?:warning|error):
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 
 COMMON_FLAGS = ["-std=c++20", "-I.", "-DCLI11_HAS_FILESYSTEM=0"]
-NATIVE_FLAGS = ['-DTONEX_VERSION="1.0.0"']
+NATIVE_FLAGS = ['-DTONEX_VERSION="0"']
 WINDOWS_FLAGS = ["--target=i686-w64-mingw32", "-DUNICODE", "-D_UNICODE", "-DWINVER=0x0501", "-D_WIN32_WINNT=0x0501",
-                 "-D_WIN32_IE=0x0600", '-DTONEX_VERSION=L"1.0.0"', "-msse2", "-mfpmath=sse"]
+                 "-D_WIN32_IE=0x0600", '-DTONEX_VERSION=L"0"', "-msse2", "-mfpmath=sse"]
 # Handles and message parameters are numbers in pointers there, and int is as wide as long.
 WINDOWS_CHECKS = "--checks=-performance-no-int-to-ptr,-bugprone-misplaced-widening-cast"
 WINDOWS_FOLDERS = ("platform/windows/", "tools/player/", "tools/link/", "tools/linksetup/")
