@@ -242,6 +242,7 @@ LRESULT AnswerGetObject(Panel& panel, WPARAM wparam, LPARAM lparam) {
     // The high half of the parameter is not defined in 64-bit senders; the identifier is the low 32 bits.
     if (static_cast<LONG>(lparam) != OBJID_CLIENT || !Library().LresultFromObject)
         return DefWindowProcW(panel.window, WM_GETOBJECT, wparam, lparam);
+    EnterApartment(); // a screen reader may ask while the window starts
     auto* object = new PanelAccessible(panel.window);
     const LRESULT result = Library().LresultFromObject(kAccessibleId, wparam, object);
     object->Release();

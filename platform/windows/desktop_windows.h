@@ -52,6 +52,10 @@ struct Apartment {
     bool entered = false;
 };
 
+/// Makes the main thread an apartment until the process ends; once, whoever asks first. The window's start
+/// does not wait for it: it is a twentieth of it.
+void EnterApartment();
+
 /// A library of the system folder by full path, loaded on first use; null when the system has none.
 HMODULE SystemLibrary(const wchar_t* file_name);
 

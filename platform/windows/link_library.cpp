@@ -131,6 +131,7 @@ LinkLibrary LoadLinkLibrary(const std::wstring& install_dir) {
     folder_device = DeviceOfInstallation(install_dir);
     const HMODULE calen = LoadMakersLibrary(install_dir, L"CorCalen.dll");
     const HMODULE dialogs = LoadMakersLibrary(install_dir, L"Corfldlg.dll");
+    if (calen || dialogs) EnterApartment(); // start-up asks them too, before the window is shown
 
     LinkLibrary& table = loaded;
     const auto fill = [](auto& entry, HMODULE library, const char* name, int argument_bytes, auto fallback) {

@@ -119,13 +119,15 @@ void ShowStrip(MainWindow& main) {
     const GridView& view = w.grdScore.view;
     const bool view_moved = w.score.first_shown != shown.first_shown || view.Col != shown.view.Col ||
                             view.ColSel != shown.view.ColSel;
+    HRGN stale = nullptr;
     for (int i = 0; i < kStripPictures; ++i) {
         const int old_slot = shown.first_shown + i, new_slot = w.score.first_shown + i;
         const bool picture = Differs(At(shown.imgNote, i), At(w.imgNote, i));
         const bool cursor = (old_slot == shown.view.Col) != (new_slot == view.Col);
         const bool selection = view_moved && IsSelected(shown.view, old_slot) != IsSelected(view, new_slot);
-        if (picture || cursor || selection) InvalidateArea(panel, panel.kind->item_area(panel, i));
+        if (picture || cursor || selection) AddArea(stale, panel.kind->item_area(panel, i));
     }
+    InvalidateAreas(panel, stale);
     if (w.score.first_shown != shown.first_shown && panel.tooltip)
         SendMessageW(panel.tooltip, TTM_POP, 0, 0); // it names what was under the mouse before
     if (SideOfCursor(view) != SideOfCursor(shown.view)) InvalidateRect(panel.window, nullptr, FALSE);
@@ -148,6 +150,7 @@ void ShowGrid(MainWindow& main) {
     Panel& panel = main.panel(PanelId::Grid);
     const bool moved = grid.view.LeftCol != shown.view.LeftCol;
     if (moved || grid.Cols != shown.Cols) ShowScrollBar(main);
+    HRGN stale = nullptr;
     for (int i = 0; i < kGridColumnsShown; ++i) {
         const int column = grid.view.LeftCol + i;
         const bool is = column < grid.Cols, was = column < shown.Cols;
@@ -156,8 +159,9 @@ void ShowGrid(MainWindow& main) {
         const bool changed = moved || is != was || text ||
                              IsSelected(grid.view, column) != IsSelected(shown.view, column) ||
                              (column == grid.view.ColSel) != (column == shown.view.ColSel);
-        if (changed) InvalidateArea(panel, panel.kind->item_area(panel, i));
+        if (changed) AddArea(stale, panel.kind->item_area(panel, i));
     }
+    InvalidateAreas(panel, stale);
 }
 
 /// The view's own numbers, after both strip and grid were compared with them.
@@ -172,10 +176,13 @@ void ShowLengths(MainWindow& main) {
     const sndmain& w = main.record;
     Shown& shown = main.shown;
     Panel& panel = main.panel(PanelId::Lengths);
-    for (int i = 0; i < kLengthButtons; ++i)
-        if (Differs(At(shown.buttons, i), At(w.cbtNote, i).Picture)) InvalidateItem(panel, i);
-    if (Differs(shown.current_picture, w.imgNow.Picture))
-        InvalidateArea(panel, AreaInPanel(panel, w.imgNow.place));
+    HRGN stale = nullptr;
+    for (int i = 0; i < kLengthButtons; ++i) {
+        if (Differs(At(shown.buttons, i), At(w.cbtNote, i).Picture))
+            AddArea(stale, panel.kind->item_area(panel, i));
+    }
+    if (Differs(shown.current_picture, w.imgNow.Picture)) AddArea(stale, AreaInPanel(panel, w.imgNow.place));
+    InvalidateAreas(panel, stale);
 }
 
 void ShowPiano(MainWindow& main) {
@@ -183,11 +190,14 @@ void ShowPiano(MainWindow& main) {
     Shown& shown = main.shown;
     Panel& panel = main.panel(PanelId::Piano);
     bool captions = false;
+    HRGN stale = nullptr;
     for (int item = 0; item < kPianoKeys; ++item) {
         const PianoKey key = KeyAbove(item);
         captions |= Differs(At(shown.key_captions, item), LabelOf(w, key).Caption);
-        if (Differs(At(shown.key_colours, item), ControlOf(w, key).BackColor)) InvalidateItem(panel, item);
+        if (Differs(At(shown.key_colours, item), ControlOf(w, key).BackColor))
+            AddArea(stale, panel.kind->item_area(panel, item));
     }
+    InvalidateAreas(panel, stale);
     if (captions) InvalidateRect(panel.window, nullptr, FALSE);
 }
 

@@ -252,13 +252,26 @@ RECT AreaInPanel(const Panel& panel, const Rect& rect) {
     return area;
 }
 
-void InvalidateArea(Panel& panel, const RECT& area) {
-    InvalidateRect(panel.window, &area, FALSE);
+void AddArea(HRGN& stale, const RECT& area) {
+    const HRGN added = CreateRectRgnIndirect(&area);
+    if (!stale) {
+        stale = added;
+        return;
+    }
+    CombineRgn(stale, stale, added, RGN_OR);
+    DeleteObject(added);
+}
+
+void InvalidateAreas(Panel& panel, HRGN stale) {
+    if (!stale) return;
+    InvalidateRgn(panel.window, stale, FALSE);
+    DeleteObject(stale);
 }
 
 void InvalidateItem(Panel& panel, int item) {
     if (item < 0 || item >= panel.kind->count(panel)) return;
-    InvalidateArea(panel, panel.kind->item_area(panel, item));
+    const RECT area = panel.kind->item_area(panel, item);
+    InvalidateRect(panel.window, &area, FALSE);
 }
 
 void FocusItem(Panel& panel, int item) {

@@ -84,8 +84,11 @@ std::wstring SlotName(const Panel& panel, int slot);
 int FirstItemAt(const Panel& panel, POINT point, RECT (*area)(const Panel&, int item));
 /// A rectangle of the record, which counts from the main window's corner, in pixels of the panel.
 RECT AreaInPanel(const Panel& panel, const Rect& rect);
-/// Has an area of the panel drawn again.
-void InvalidateArea(Panel& panel, const RECT& area);
+/// Adds an area of a panel to those that are to be drawn again; null = none yet.
+void AddArea(HRGN& stale, const RECT& area);
+/// Has areas of the panel drawn again, and deletes the region; nothing for null. All at once: to be told of
+/// an area takes the system as long as to draw it.
+void InvalidateAreas(Panel& panel, HRGN stale);
 /// Has an item drawn again; nothing for one that is not there.
 void InvalidateItem(Panel& panel, int item);
 /// Tells screen readers which item has the keyboard, when it or what it is called changed since they were

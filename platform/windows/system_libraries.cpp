@@ -43,6 +43,10 @@ Apartment::~Apartment() {
     if (leave) leave();
 }
 
+void EnterApartment() {
+    static const Apartment apartment;
+}
+
 bool UnderWine() {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }

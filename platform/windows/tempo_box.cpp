@@ -132,9 +132,13 @@ void ShowList(MainWindow& main) {
     const TempoBox& box = main.record.TempoCombo;
     if (box.List == main.shown.tempo_list) return;
     main.shown.tempo_list = box.List;
+    // The list is drawn again once, not for every item.
+    const HWND list = PartsOf(main.tempo).hwndList;
+    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
     SendMessageW(main.tempo, CB_RESETCONTENT, 0, 0);
     for (const std::wstring& item : box.List)
         SendMessageW(main.tempo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(item.c_str()));
+    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
     main.shown.tempo_index = -2;
 }
 

@@ -80,22 +80,23 @@ struct TextRoom {
 };
 using TextRooms = std::vector<TextRoom>;
 
-/// The sizes of a text in a font, in pixels; the height is that of a line.
-SIZE SizeOf(HFONT font, const std::wstring& text) {
-    HDC screen = GetDC(nullptr);
-    const HGDIOBJ old = SelectObject(screen, font);
+/// The sizes of a text in the font of a device, in pixels; the height is that of a line.
+SIZE SizeOf(HDC device, const std::wstring& text) {
     SIZE size{};
-    GetTextExtentPoint32W(screen, text.c_str(), static_cast<int>(text.size()), &size);
-    SelectObject(screen, old);
-    ReleaseDC(nullptr, screen);
+    GetTextExtentPoint32W(device, text.c_str(), static_cast<int>(text.size()), &size);
     return size;
 }
 
 bool FitsAll(HFONT font, const TextRooms& rooms) {
-    return std::all_of(rooms.begin(), rooms.end(), [&](const TextRoom& room) {
-        const SIZE size = SizeOf(font, room.text);
+    HDC screen = GetDC(nullptr);
+    const HGDIOBJ old = SelectObject(screen, font);
+    const bool fits = std::all_of(rooms.begin(), rooms.end(), [&](const TextRoom& room) {
+        const SIZE size = SizeOf(screen, room.text);
         return size.cx <= room.width && size.cy <= room.height;
     });
+    SelectObject(screen, old);
+    ReleaseDC(nullptr, screen);
+    return fits;
 }
 
 constexpr int kTextGap = 4;     ///< pixels at 100 %, left free behind a text

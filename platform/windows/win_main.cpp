@@ -37,7 +37,6 @@ int RunMessages(tonex::MainWindow& main) {
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show) {
     tonex::SecureLibrarySearch();
     tonex::TurnSystemErrorBoxesOff();
-    const tonex::Apartment apartment;
     if (!tonex::CreateMainWindow(instance)) return 1;
     tonex::MainWindow& main = tonex::TheMainWindow();
     if (tonex::StartUp(main.record, CommandLinePath()) == tonex::StartResult::EndSilent) {
@@ -50,5 +49,6 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show) {
     ShowWindow(main.window, show == SW_SHOWDEFAULT || show == SW_SHOWNORMAL ? main.first_show : show);
     UpdateWindow(main.window);
     SetFocus(main.panel(tonex::PanelId::Grid).window);
+    tonex::EnterApartment();
     return RunMessages(main);
 }

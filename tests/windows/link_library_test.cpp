@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <objbase.h>
+
 #include <array>
 #include <cstring>
 
@@ -182,6 +184,15 @@ TEST(LinkLibrary, InstalledLibrariesFillTheTable) {
     ExpectWhole(library);
     EXPECT_EQ(ModulesOf(library), kAllFromLibraries);
     UseDevice(library, installation);
+}
+
+TEST(LinkLibrary, TheMakersLibrariesFindAnApartment) {
+    const Installation installation;
+    installation.InstallBoth();
+    LoadLinkLibrary(installation.folder.path);
+    const auto enter =
+        LibraryFunction<HRESULT(WINAPI*)(void*, DWORD)>(SystemLibrary(L"ole32.dll"), "CoInitializeEx");
+    EXPECT_EQ(enter(nullptr, COINIT_MULTITHREADED), RPC_E_CHANGED_MODE);
 }
 
 TEST(LinkLibrary, TheLibrariesReadTheEntryAsTheEditorDoes) {
